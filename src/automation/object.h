@@ -1,0 +1,59 @@
+/// The late-bound object protocol: how a program drives a host from outside.
+///
+/// An object has a type name and four verbs. Members are named by text, without regard to case; arguments and results
+/// are values; a failure is a number and a description and crosses like a value. The same interface is met by objects
+/// of this process (`local.h`) and by handles to objects of another process (`remote.h`).
+#pragma once
+
+#include "platform/value/value.h"
+
+#include <functional>
+#include <memory>
+
+namespace automation {
+
+/// Called when an event is raised, with the event's arguments. By-reference arguments (such as `Cancel`) are changed in
+/// the list and come back to whoever raised the event.
+using EventHandler = std::function<void(ValueList &arguments)>;
+
+/// A connection of a handler to an event; ends with the object, or by `disconnect`.
+class Subscription {
+  public:
+    virtual ~Subscription() = default;
+    Subscription() = default;
+    Subscription(const Subscription &) = delete;
+    Subscription &operator=(const Subscription &) = delete;
+};
+using SubscriptionPtr = std::unique_ptr<Subscription>;
+
+/// One object of a host, seen through its members.
+class Object {
+  public:
+    virtual ~Object() = default;
+    Object() = default;
+    Object(const Object &) = delete;
+    Object &operator=(const Object &) = delete;
+
+    /// The host's name of the object's kind, such as "MailItem".
+    [[nodiscard]] virtual QString typeName() = 0;
+
+    /// Reads a property. Fails with 438 for an unknown member.
+    virtual Value get(const QString &member) = 0;
+
+    /// Writes a property. Fails with 438 for an unknown or read-only member, 13 for a value of the wrong kind.
+    virtual void put(const QString &member, const Value &value) = 0;
+
+    /// Calls a member with arguments (trailing ones may be left out, inner ones be Missing) and gives its result, Empty
+    /// where it has none. A member that is a property and takes no arguments is read.
+    virtual Value call(const QString &member, const ValueList &arguments) = 0;
+
+    /// Connects a handler to an event. Handlers run synchronously, in the order of their connection, while the raiser
+    /// waits; a handler may use any object, the raising one included. A `Failure` that leaves a handler is dropped.
+    /// Fails with 438 for an unknown event.
+    [[nodiscard]] virtual SubscriptionPtr connect(const QString &event, EventHandler handler) = 0;
+
+    /// Whether both stand for the same object of the host.
+    [[nodiscard]] virtual bool isSame(const Object &other) const { return this == &other; }
+};
+
+} // namespace automation

@@ -1,0 +1,169 @@
+#include "platform/value/convert.h"
+#include "platform/value/processlocal.h"
+#include "platform/value/ref.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+qint32 failureOf(const std::function<void()> &step) {
+    const std::optional<Failure> failure = Attempt(step);
+    return failure ? failure->number() : 0;
+}
+
+class Conversions : public testing::Test {
+  protected:
+    void SetUp() override { Region::set(QLocale(QLocale::English, QLocale::UnitedStates)); }
+    void TearDown() override { Region::set(std::nullopt); }
+};
+
+TEST_F(Conversions, IntegersRoundToEvenAndOverflow) {
+    struct Case {
+        Value value;
+        std::optional<qint16> result;
+        qint32 failure;
+    };
+    const std::vector<Case> cases = {
+        {0.5, 0, 0},
+        {1.5, 2, 0},
+        {2.5, 2, 0},
+        {-0.5, 0, 0},
+        {-1.5, -2, 0},
+        {32767.4, 32767, 0},
+        {32767.5, {}, failures::overflow},
+        {-32768.5, -32768, 0},
+        {qint32{40000}, {}, failures::overflow},
+        {true, -1, 0},
+        {Value(), 0, 0},
+        {" 12 ", 12, 0},
+        {"1,234", 1234, 0},
+        {"1e3", 1000, 0},
+        {"&HFFFF", -1, 0},
+        {"12x", {}, failures::typeMismatch},
+        {"", {}, failures::typeMismatch},
+        {"1e999", {}, failures::overflow},
+        {Value::Null(), {}, failures::invalidNull},
+        {Value::Missing(), {}, failures::typeMismatch},
+        {Value::nothing(), {}, failures::objectNotSet},
+    };
+    for (const Case &c : cases) {
+        qint16 result = 0;
+        EXPECT_EQ(failureOf([&] { result = toInt16(c.value); }), c.failure) << c.value.kindName().toStdString();
+        if (c.result) {
+            EXPECT_EQ(result, *c.result);
+        }
+    }
+    EXPECT_EQ(failureOf([] { (void)toInt32(2147483647.5); }), failures::overflow);
+    EXPECT_EQ(toInt32(qint32{2147483647}), 2147483647);
+}
+
+TEST_F(Conversions, MoneyKeepsFourDecimals) {
+    EXPECT_EQ(Currency::fromDouble(1.03125).scaled(), 10312); // the half goes to the even neighbour
+    EXPECT_EQ(Currency::fromDouble(1.09375).scaled(), 10938);
+    EXPECT_EQ(failureOf([] { (void)Currency::fromDouble(1e15); }), failures::overflow);
+    EXPECT_EQ(toText(Currency::fromDouble(12.5)), "12.5");
+}
+
+TEST_F(Conversions, TextsOfEveryKind) {
+    EXPECT_EQ(toText(Value()), "");
+    EXPECT_EQ(toText(true), "True");
+    EXPECT_EQ(toText(0.1 + 0.2), "0.3");
+    EXPECT_EQ(toText(1e20), "1E+20");
+    EXPECT_EQ(failureOf([] { (void)toText(Value::Null()); }), failures::invalidNull);
+    Region::set(QLocale(QLocale::German));
+    EXPECT_EQ(toText(1.5), "1,5");
+    EXPECT_EQ(toDouble("1.234,5"), 1234.5);
+}
+
+TEST_F(Conversions, NumericAndDateAreToldApart) {
+    EXPECT_TRUE(isNumeric("-12.5"));
+    EXPECT_TRUE(isNumeric(Value()));
+    EXPECT_FALSE(isNumeric(Value::Null()));
+    EXPECT_FALSE(isNumeric(DateTime{1}));
+    EXPECT_FALSE(isNumeric("1.2.3"));
+    EXPECT_FALSE(isNumeric("--1"));
+    EXPECT_TRUE(isDate(DateTime{}));
+    EXPECT_TRUE(isDate("8:00:00 AM"));
+    EXPECT_FALSE(isDate("12"));
+    EXPECT_FALSE(isDate("25:00"));
+    EXPECT_FALSE(isDate("2/30/2026"));
+    EXPECT_FALSE(isDate("tomorrow"));
+}
+
+TEST(DateTimes, EveryRegionReadsWhatItWrites) {
+    const std::vector<QLocale> regions = {QLocale(QLocale::English, QLocale::UnitedStates),
+                                          QLocale(QLocale::English, QLocale::UnitedKingdom),
+                                          QLocale(QLocale::Swedish),
+                                          QLocale(QLocale::German),
+                                          QLocale(QLocale::Italian),
+                                          QLocale(QLocale::Dutch),
+                                          QLocale(QLocale::Spanish),
+                                          QLocale(QLocale::French),
+                                          QLocale(QLocale::Portuguese),
+                                          QLocale(QLocale::NorwegianBokmal),
+                                          QLocale(QLocale::Greek),
+                                          QLocale(QLocale::Finnish),
+                                          QLocale(QLocale::Danish),
+                                          QLocale(QLocale::Czech),
+                                          QLocale(QLocale::Turkish),
+                                          QLocale(QLocale::Slovenian)};
+    const DateTime day = DateTime::fromDate(2026, 2, 11);
+    const std::vector<DateTime> moments = {day,
+                                           {day.days + DateTime::fromTime(0, 0, 1).days},
+                                           {day.days + DateTime::fromTime(12, 30, 0).days},
+                                           {day.days + DateTime::fromTime(23, 59, 59).days},
+                                           DateTime::fromTime(8, 0, 0),
+                                           {0},
+                                           DateTime::fromDate(1899, 1, 31),
+                                           DateTime::fromDate(2029, 12, 3)};
+    for (const QLocale &region : regions) {
+        Region::set(region);
+        for (const DateTime moment : moments) {
+            const QString text = formatDateTime(moment);
+            const std::optional<DateTime> read = parseDateTime(text);
+            ASSERT_TRUE(read) << region.name().toStdString() << ' ' << text.toStdString();
+            EXPECT_NEAR(read->days, moment.days, 1e-9) << region.name().toStdString() << ' ' << text.toStdString();
+        }
+        EXPECT_EQ(parseDateTime("5:00:00 PM")->timeOfDay().hour, 17) << region.name().toStdString();
+        EXPECT_EQ(parseDateTime("2026-11-22T10:11:12")->month(), 11);
+    }
+    Region::set(std::nullopt);
+}
+
+TEST(DateTimes, DaysBeforeTheFirstCountTheirTimeForward) {
+    const DateTime moment{-1.25};
+    EXPECT_EQ(moment.day(), 29);
+    EXPECT_EQ(moment.timeOfDay().hour, 6);
+    EXPECT_EQ(moment.dateOnly().days, -1);
+    EXPECT_EQ(DateTime{}.year(), 1899);
+    EXPECT_EQ(DateTime::fromDate(2026, 11, 22).weekdayFromMonday(), 7);
+}
+
+TEST(Refs, NothingIsAFailureAndNotACrash) {
+    const Ref<QString> nothing;
+    EXPECT_TRUE(nothing.isNothing());
+    EXPECT_EQ(failureOf([&] { (void)nothing->size(); }), failures::objectNotSet);
+    const auto text = Ref<QString>::make(QStringLiteral("ticket"));
+    EXPECT_EQ(text->size(), 6);
+}
+
+ProcessLocal<QString> lastWord(QStringLiteral("first"));
+
+TEST(ProgramCopies, EachHasItsOwnVariables) {
+    ProgramCopy one;
+    ProgramCopy two;
+    {
+        const ProgramCopy::Scope inOne(one);
+        lastWord = QStringLiteral("one");
+        const ProgramCopy::Scope inTwo(two);
+        EXPECT_EQ(*lastWord, "first");
+        lastWord = QStringLiteral("two");
+    }
+    EXPECT_EQ(*lastWord, "first");
+    const ProgramCopy::Scope inOne(one);
+    EXPECT_EQ(*lastWord, "one");
+    one.clear();
+    EXPECT_EQ(*lastWord, "first");
+}
+
+} // namespace
