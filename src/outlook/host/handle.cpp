@@ -1,0 +1,36 @@
+#include "outlook/host/handle.h"
+
+namespace host {
+
+Handle::Handle(const Value &value) {
+    if (!value.isEmpty() && !value.isNull() && !value.isMissing())
+        m_object = value.object();
+}
+
+automation::Object &Handle::checked() const {
+    if (!m_object)
+        throw Failure(failures::objectNotSet);
+    return *m_object;
+}
+
+QString Handle::typeName() const { return checked().typeName(); }
+
+Value Handle::get(const QString &member) const { return checked().get(member); }
+
+void Handle::put(const QString &member, const Value &value) const { checked().put(member, value); }
+
+Value Handle::call(const QString &member, const ValueList &arguments) const {
+    return checked().call(member, arguments);
+}
+
+automation::SubscriptionPtr Handle::connect(const QString &event, automation::EventHandler handler) const {
+    return checked().connect(event, std::move(handler));
+}
+
+bool operator==(const Handle &left, const Handle &right) {
+    if (!left.m_object || !right.m_object)
+        return left.m_object == right.m_object;
+    return left.m_object->isSame(*right.m_object);
+}
+
+} // namespace host

@@ -1,0 +1,46 @@
+/// A handle to one object of the host. Every typed handle of `host.h` is one of these with member names.
+#pragma once
+
+#include "automation/object.h"
+#include "platform/value/convert.h"
+
+namespace host {
+
+/// Refers to an object of the host, or to Nothing. Copying copies the reference, so a handle is constant even where
+/// its object changes. Using a member of Nothing fails with 91.
+class Handle {
+  public:
+    Handle() = default;
+    Handle(std::nullptr_t) {}
+    Handle(automation::ObjectPtr object) : m_object(std::move(object)) {}
+    /// A result of the host. Empty, Null and Missing count as Nothing; other values that are no object fail with 424.
+    Handle(const Value &value);
+
+    [[nodiscard]] bool isNothing() const { return m_object == nullptr; }
+    explicit operator bool() const { return m_object != nullptr; }
+    /// May be Nothing.
+    [[nodiscard]] const automation::ObjectPtr &object() const { return m_object; }
+    operator Value() const { return m_object; }
+
+    /// The host's name of the object's kind, such as "Explorer".
+    [[nodiscard]] QString typeName() const;
+    [[nodiscard]] Value get(const QString &member) const;
+    void put(const QString &member, const Value &value) const;
+    Value call(const QString &member, const ValueList &arguments = {}) const;
+    [[nodiscard]] automation::SubscriptionPtr connect(const QString &event, automation::EventHandler handler) const;
+
+    /// Identity: the same object of the host, or both Nothing.
+    friend bool operator==(const Handle &left, const Handle &right);
+
+  protected:
+    [[nodiscard]] QString text(const QString &member) const { return toText(get(member)); }
+    [[nodiscard]] qint32 number(const QString &member) const { return toInt32(get(member)); }
+    [[nodiscard]] bool flag(const QString &member) const { return toBool(get(member)); }
+
+  private:
+    [[nodiscard]] automation::Object &checked() const;
+
+    automation::ObjectPtr m_object;
+};
+
+} // namespace host
