@@ -1,0 +1,41 @@
+/// Data access: connections, recordsets, fields and commands over a database file (and, by the same interface, other
+/// engines), under the member names of the data access component that programs of this kind are written against.
+///
+/// The connection string's `Provider` picks the engine; `Microsoft.Jet.OLEDB.4.0` is a SQLite file named by
+/// `Data Source`. Failures carry the numbers of `errors.h`.
+#pragma once
+
+#include "platform/ado/errors.h"
+#include "platform/ado/provider.h"
+#include "platform/value/ref.h"
+
+namespace ado {
+
+/// A connection to one database.
+class Connection {
+  public:
+    [[nodiscard]] const QString &ConnectionString() const { return m_connectionString; }
+    void SetConnectionString(const QString &text) { m_connectionString = text; }
+
+    /// How long a statement waits for another program's write, in seconds; the default is 10.
+    [[nodiscard]] int CommandTimeout() const { return m_commandTimeout; }
+    /// REQUIRES: set before `Open`.
+    void SetCommandTimeout(int seconds) { m_commandTimeout = seconds; }
+
+    /// Opens the database, which must exist. Fails with a sentence that says what to do when it is missing, damaged, no
+    /// database, or of a provider that is not there.
+    void Open();
+    /// Fails when it is not open. Recordsets keep the rows they have and can no longer be changed.
+    void Close();
+    [[nodiscard]] bool IsOpen() const { return m_provider != nullptr; }
+
+    /// Fails with `objectClosed` when it is not open.
+    [[nodiscard]] const std::shared_ptr<Provider> &provider() const;
+
+  private:
+    QString m_connectionString;
+    int m_commandTimeout = 10;
+    std::shared_ptr<Provider> m_provider;
+};
+
+} // namespace ado

@@ -1,0 +1,73 @@
+/// What a database engine offers to data access. One provider stands behind one open connection.
+#pragma once
+
+#include "platform/value/value.h"
+
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace ado {
+
+/// The types that a column's values are held to.
+enum class ColumnType {
+    Unknown,    ///< an expression, or a column of a foreign file: values as they are stored
+    Text,       ///< up to 255 characters by its declaration; a longer text is kept whole rather than lost
+    Memo,       ///< long text; takes no empty text where the schema says so
+    Short,      ///< 16 bits; overflows with 6
+    Long,       ///< 32 bits; overflows with 6
+    AutoNumber, ///< 32 bits, numbers itself, never gives a number twice
+    Money,      ///< four exact decimals
+    Date,       ///< days
+    Flag,       ///< true is -1
+    Double,
+};
+
+struct Column {
+    QString name;
+    ColumnType type = ColumnType::Unknown;
+};
+
+using Row = std::vector<Value>;
+
+/// A selection with all its rows. Invariant: every row has one value a column.
+struct RowSet {
+    std::vector<Column> columns;
+    std::vector<Row> rows;
+    /// The one table that the rows are rows of, and the column that tells them apart; empty and -1 when the selection
+    /// can't be written to.
+    QString table;
+    int key = -1;
+
+    [[nodiscard]] bool isUpdatable() const { return key >= 0; }
+};
+
+/// An open database. Everything but `select` is one durable transaction a call: done completely and on the disk when
+/// the call returns, or not at all when it fails. A write that can't be done now (busy, read-only, full, or the row is
+/// no longer as it was read) fails with `failures::unspecified` and leaves the row as it stands.
+class Provider {
+  public:
+    virtual ~Provider() = default;
+    Provider() = default;
+    Provider(const Provider &) = delete;
+    Provider &operator=(const Provider &) = delete;
+
+    /// The rows of a table (`source` is its name) or of a SELECT.
+    virtual RowSet select(const QString &source) = 0;
+    /// Runs a statement that is no selection; the number of rows it touched.
+    virtual qint64 execute(const QString &statement) = 0;
+
+    /// Adds a row with the values of the columns in `assigned`; the others become Null. Gives the new row's key.
+    virtual qint32 insert(const RowSet &set, const Row &row, const std::vector<bool> &assigned) = 0;
+    /// Writes the values of the columns in `assigned` to the row that still has all values of `original`.
+    virtual void update(const RowSet &set, const Row &original, const Row &row, const std::vector<bool> &assigned) = 0;
+    /// Deletes the row that still has all values of `original`.
+    virtual void remove(const RowSet &set, const Row &original) = 0;
+};
+
+/// A value as a column of the type holds it. Null stays Null, and Empty becomes it. Fails with 6 and 13 as the
+/// conversions do.
+Value columnValue(ColumnType type, const Value &value);
+
+} // namespace ado
