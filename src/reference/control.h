@@ -14,7 +14,7 @@ class Control {
     /// What the control shows.
     [[nodiscard]] virtual QString Text() const = 0;
     /// A drop-down list fails for a text that is not among its rows; a combo takes any.
-    virtual void Text(const QString &strText) = 0;
+    virtual void SetText(const QString &strText) = 0;
 
     virtual void Clear() = 0;
     /// Appends a row whose first column is the text.
@@ -23,12 +23,12 @@ class Control {
 
     /// Rows and columns count from 0. Fails with 9 for a row that is not there.
     [[nodiscard]] virtual ::Value List(int intRow, int intColumn = 0) const = 0;
-    virtual void List(int intRow, int intColumn, const ::Value &varValue) = 0;
+    virtual void SetList(int intRow, int intColumn, const ::Value &varValue) = 0;
 
     /// The chosen row, or -1.
     [[nodiscard]] virtual int ListIndex() const = 0;
-    virtual void ListIndex(int intRow) = 0;
+    virtual void SetListIndex(int intRow) = 0;
 
     [[nodiscard]] virtual ::Value Value() const = 0;
-    virtual void Value(const ::Value &varValue) = 0;
+    virtual void SetValue(const ::Value &varValue) = 0;
 };

@@ -5,6 +5,7 @@
 /// open the item is the master and each save overwrites the row with it; once it is closed the row is the master.
 #pragma once
 
+#include "outlook/host/items.h"
 #include "platform/value/currency.h"
 #include "platform/value/datetime.h"
 #include "platform/value/ref.h"
@@ -15,9 +16,6 @@
 
 namespace ado {
 class Recordset;
-}
-namespace host {
-class Item;
 }
 
 /// The message class of a ticket item.
