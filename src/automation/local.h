@@ -4,7 +4,9 @@
 /// - each `Q_PROPERTY` as a property, writable when it has a WRITE function;
 /// - each public `Q_INVOKABLE` as a member to call; default arguments may be left out, and overloads are told apart by
 ///   the number of arguments only;
-/// - each signal as an event, whose `bool *` parameters are by reference.
+/// - each signal as an event, whose `bool *` parameters are by reference; a signal `CloseEvent` is the event `Close`,
+/// for
+///   events that have the name of another member.
 /// Names match without regard to case. Types that cross: `Value`, `QString`, `bool`, `qint16`, `int`, `double`,
 /// `Currency`, `DateTime`; objects travel as a `Value`. A property, function or signal with any other type stays
 /// internal to the host, as do slots and everything that `QObject` itself declares.
