@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -48,8 +49,7 @@ class ProgramCopy {
     std::vector<std::size_t> m_order;
 };
 
-/// A process-wide variable: one T per program copy, made on first use with the given first value. `variable->member`
-/// reaches through to what T points to when T is a reference.
+/// A process-wide variable: one T per program copy, made on first use with the given first value.
 ///
 /// Invariant: objects of this type have static storage.
 template <class T>
@@ -69,7 +69,13 @@ class ProcessLocal {
         return *static_cast<T *>(slot.get());
     }
     T &operator*() const { return get(); }
-    T &operator->() const { return get(); }
+    /// Through to what T points to when T is a reference, else to T itself.
+    decltype(auto) operator->() const {
+        if constexpr (std::is_pointer_v<T> || requires(T & value) { value.operator->(); })
+            return (get());
+        else
+            return &get();
+    }
     operator T &() const { return get(); }
     const T &operator=(T value) const { return get() = std::move(value); }
 
