@@ -1,0 +1,94 @@
+#include "core/process.h"
+#include "outlook/safeutils.h"
+#include "platform/scripting/components.h"
+
+namespace {
+/// How identifiers are cut out of the tails of an address entry's and an address list's `ID`. The kind of the list
+/// decides which cut fits, so all are tried.
+constexpr qsizetype folderTail = 48;
+constexpr qsizetype longFolderTail = 92;
+constexpr qsizetype contactLength = 48;
+constexpr qsizetype contactTail = 54;
+constexpr qsizetype longContactLength = 140;
+constexpr qsizetype longContactTail = 146;
+
+host::MAPIFolder fncFolderOfID(const QString &strID) {
+    return AttemptOr([&] { return onsMAPI->GetFolderFromID(strID); }, host::MAPIFolder());
+}
+
+host::ContactItem fncContactOfID(const QString &strID) {
+    host::ContactItem contact;
+    Attempt([&] { contact = host::ContactItem(onsMAPI->GetItemFromID(strID, oufTickets->StoreID()).object()); });
+    if (contact.isNothing())
+        Attempt([&] { contact = host::ContactItem(onsMAPI->GetItemFromID(strID).object()); });
+    return contact;
+}
+
+/// One search through the address lists.
+class ContactSearch {
+  public:
+    explicit ContactSearch(const host::AddressEntry &entry) : m_entry(entry) {
+        Attempt([&] { m_entryID = entry.ID(); });
+        m_contactID = m_entryID.right(contactTail).left(contactLength);
+    }
+
+    /// Looks through one list; true when the identifier named a contact, which ends the search.
+    bool inList(const QString &strListID) {
+        host::MAPIFolder ouf = fncFolderOfID(strListID.right(folderTail));
+        if (ouf.isNothing())
+            ouf = fncFolderOfID(strListID);
+        if (ouf) {
+            if (byID())
+                return true;
+            byAddress(ouf);
+        }
+        ouf = fncFolderOfID(strListID.right(longFolderTail));
+        if (ouf.isNothing())
+            return false;
+        if (byID())
+            return true;
+        m_contactID = m_entryID.right(longContactTail).left(longContactLength);
+        if (byID())
+            return true;
+        byAddress(ouf);
+        return false;
+    }
+
+    [[nodiscard]] const host::ContactItem &found() const { return m_found; }
+
+  private:
+    bool byID() {
+        const host::ContactItem contact = fncContactOfID(m_contactID);
+        if (contact)
+            m_found = contact;
+        return !contact.isNothing();
+    }
+
+    /// A hit does not end the search: a later list can replace it.
+    void byAddress(const host::MAPIFolder &ouf) {
+        Attempt([&] {
+            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + m_entry.Address() + "'");
+            if (oui)
+                m_found = host::ContactItem(oui.object());
+        });
+    }
+
+    host::AddressEntry m_entry;
+    QString m_entryID;
+    QString m_contactID;
+    host::ContactItem m_found;
+};
+} // namespace
+
+host::ContactItem fncFindContact(const host::AddressEntry &entry) {
+    const host::Handle lists(scripting::CreateObject("SafeTessmark.AddressLists"));
+    const qint32 count = toInt32(lists.get("Count"));
+    ContactSearch search(entry);
+    for (qint32 i = 1; i <= count; ++i) {
+        QString strListID;
+        Attempt([&] { strListID = toText(host::Handle(lists.call("Item", {i})).get("ID")); });
+        if (search.inList(strListID))
+            break;
+    }
+    return search.found();
+}
