@@ -1,0 +1,104 @@
+#include "reference/callers.h"
+
+#include "core/runtime.h"
+#include "reference/recordlist.h"
+#include "reference/texts.h"
+
+namespace {
+const RecordTable<cCaller> &table() {
+    static const RecordTable<cCaller> tblCallers{
+        "intCallerID",
+        "strFullName",
+        "",
+        "Deleting Caller from database ",
+        [](const cCaller &objCaller) {
+            return QList<RecordField>{{"strTelephone", objCaller.Telephone},
+                                      {"strEmail", objCaller.Email},
+                                      {"strComment", objCaller.Comment},
+                                      {"strCategory", objCaller.Category}};
+        },
+    };
+    return tblCallers;
+}
+
+Ref<cCaller> exampleCaller() {
+    const auto objCaller = Ref<cCaller>::make();
+    objCaller->Category = "Test category";
+    objCaller->Comment = "No comment";
+    objCaller->Email = "alma.tester@example.com";
+    objCaller->Telephone = "+00(00)000 00 00";
+    objCaller->FullName = "Alma Tester";
+    return objCaller;
+}
+} // namespace
+
+cCallersList::cCallersList() : DicList(fncCreateDic<Ref<cCaller>>()) {}
+
+void cCallersList::FromString(const QString &StringToParse) {
+    for (const QString &line : fncSplitLines(StringToParse)) {
+        const QStringList fields = line.split(u'\t');
+        const auto objCaller = Ref<cCaller>::make();
+        objCaller->FullName = fncPart(fields, 0);
+        objCaller->Email = fncPart(fields, 1);
+        objCaller->Telephone = fncPart(fields, 2);
+        objCaller->Category = fncPart(fields, 3);
+        if (!DicList->Exists(objCaller->FullName))
+            DicList->Add(objCaller->FullName, objCaller);
+    }
+}
+
+void cCallersList::FromRS(const Ref<ado::Recordset> &adrRS) {
+    DicList = fncCreateDic<Ref<cCaller>>();
+    if (!adrRS)
+        return;
+    for (; !adrRS->IsEOF(); adrRS->MoveNext()) {
+        const Value name = adrRS->Fields("strFullName").Value();
+        if (name.isNull() || toText(name).isEmpty() || DicList->Exists(toText(name)))
+            continue;
+        const auto objCaller = Ref<cCaller>::make();
+        objCaller->ID = toInt32(adrRS->Fields("intCallerID").Value());
+        objCaller->FullName = toText(name);
+        objCaller->Telephone = fncNullSafeText(adrRS->Fields("strTelephone").Value());
+        objCaller->Email = fncNullSafeText(adrRS->Fields("strEmail").Value());
+        objCaller->Comment = fncNullSafeText(adrRS->Fields("strComment").Value());
+        objCaller->Category = fncNullSafeText(adrRS->Fields("strCategory").Value());
+        DicList->Add(objCaller->FullName, objCaller);
+    }
+}
+
+void cCallersList::FromArray(const ValueRows &varArray) {
+    DicList = fncCreateDic<Ref<cCaller>>();
+    for (const ValueList &row : varArray) {
+        const QString name = toText(fncColumn(row, 0));
+        if (name.isEmpty() || DicList->Exists(name))
+            continue;
+        const auto objCaller = Ref<cCaller>::make();
+        objCaller->FullName = name;
+        objCaller->Email = toText(fncColumn(row, 1));
+        objCaller->Telephone = toText(fncColumn(row, 2));
+        objCaller->Category = toText(fncColumn(row, 3));
+        objCaller->Comment = toText(fncColumn(row, 4));
+        DicList->Add(name, objCaller);
+    }
+}
+
+ValueRows cCallersList::ToArray() const {
+    return fncRecordRows(*DicList, [](const cCaller &objCaller) {
+        return ValueList{objCaller.FullName, objCaller.Email, objCaller.Telephone, objCaller.Category,
+                         objCaller.Comment};
+    });
+}
+
+void cCallersList::ToRS(const Ref<ado::Recordset> &adrRS) const try {
+    cCallersList stored;
+    stored.FromRS(adrRS);
+    subRecordsToRS(adrRS, table(), *DicList, *stored.DicList);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cCallerList.ToRS");
+}
+
+Ref<cCaller> cCallersList::RandomCaller() const try {
+    return DicList->Count() == 0 ? exampleCaller() : fncRandomRecord(*DicList);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cCallersList_RandomCaller");
+}

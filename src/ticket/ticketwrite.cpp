@@ -1,0 +1,102 @@
+// Writing a ticket to its item, and finding the item again. What is written here appears in the form.
+
+#include "ticket/ticket.h"
+
+#include "core/dialogs.h"
+#include "core/runtime.h"
+#include "outlook/host/folders.h"
+#include "outlook/properties.h"
+#include "outlook/session.h"
+#include "platform/value/random.h"
+#include "reference/settings.h"
+#include "reference/texts.h"
+
+namespace {
+/// The last version of the host whose items have no body format.
+constexpr qint16 lastWithoutBodyFormat = 9;
+constexpr qint32 formatHTML = 2;
+constexpr qint32 formatRichText = 3;
+constexpr qint32 closeSaving = 0;
+
+void setText(const host::UserProperties &oups, const QString &strName, const QString &strText) {
+    subSetOutlookValue(oups, strName, strText, propertytype::text);
+}
+
+void setDate(const host::UserProperties &oups, const QString &strName, DateTime dteValue) {
+    subSetOutlookValue(oups, strName, dteValue, propertytype::date);
+}
+
+void writeCaller(const host::UserProperties &oups, const cCaller &objCaller) {
+    setText(oups, "Caller name", objCaller.FullName);
+    setText(oups, "Caller email", objCaller.Email);
+    setText(oups, "Caller comment", objCaller.Comment);
+    setText(oups, "Caller phone", objCaller.Telephone);
+    setText(oups, "Caller category", objCaller.Category);
+}
+
+void writeProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
+    const host::UserProperties oups = ouiTicket.UserProperties();
+    setDate(oups, "Date due", objTicket.DueDate);
+    setText(oups, "Custom Status", objTicket.TicketStatus);
+    if (objTicket.ProblemType) {
+        setText(oups, "Problem Type", objTicket.ProblemType->ProblemDescription);
+        setText(oups, "Problem category", objTicket.ProblemType->ProblemCategory);
+    }
+    setText(oups, "Ticket ID", objTicket.TicketID);
+    setDate(oups, "Created at", objTicket.DateCreated);
+    if (objTicket.Responsible) {
+        setText(oups, "Created by", objTicket.Responsible->FullName);
+        setText(oups, "Responsible", objTicket.Responsible->FullName);
+    }
+    if (objTicket.Caller)
+        writeCaller(oups, *objTicket.Caller);
+    setText(oups, "Ticket", objTicket.ToString());
+    subFixLongProperty(ouiTicket, objTicket.WorkDescs->ToString(), "WorkDescriptions", false);
+}
+
+/// The host keeps the old look of a body until the format has gone to rich text and back, and that costs the text: so
+/// it is set twice.
+void writeBody(const host::Item &ouiTicket, const QString &strHTML) {
+    ouiTicket.HTMLBody(strHTML);
+    if (fncOutlookVersion() > lastWithoutBodyFormat) {
+        ouiTicket.BodyFormat(formatRichText);
+        ouiTicket.BodyFormat(formatHTML);
+    }
+    ouiTicket.HTMLBody(strHTML);
+}
+
+bool randomUnRead() { return roundHalfEven(Random::next() * 100) > 50; }
+} // namespace
+
+void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTicket) const try {
+    subTrace("Saving values to Outlook object. Subject  = " + Subject);
+    const bool given = !ouiTicket.isNothing();
+    host::Item item = ouiTicket;
+    if (!given) {
+        const auto failure = Attempt([&] { item = oufTickets->Items().Add(strTicketMessageClass); });
+        if (item.isNothing()) {
+            subAssistantMessage(ouaOutlook, fncFormsCacheMessage(failure ? failure->description() : QString()));
+            return;
+        }
+    }
+    writeProperties(item, *this);
+    item.Subject(Subject);
+    item.Importance(TicketPriority);
+    writeBody(item, HTMLDescription.isEmpty() ? objSettings->NewTicketHTML(Description) : HTMLDescription);
+    if (given)
+        item.UnRead(true);
+    else if (RandomRead)
+        item.UnRead(randomUnRead());
+    if (blnDisplay) {
+        item.Save();
+        item.Display();
+    } else {
+        item.Close(closeSaving);
+    }
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "SaveToOutlook");
+}
+
+host::Item cTicket::GetPostItem() const {
+    return AttemptOr([&] { return oufTickets->Items().Find("[Ticket ID] =" + fncQuoted(TicketID)); }, host::Item());
+}
