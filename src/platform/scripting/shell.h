@@ -22,6 +22,8 @@ class Launcher {
 };
 /// The launcher of this copy; Nothing stands for the machine's own.
 extern ProcessLocal<std::shared_ptr<Launcher>> launcher;
+/// The one in force.
+Launcher &currentLauncher();
 
 class Shell {
   public:

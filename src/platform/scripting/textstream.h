@@ -9,7 +9,11 @@
 #include <QByteArray>
 #include <QString>
 
+#include <memory>
+
 namespace scripting {
+
+class Replacement;
 
 /// The encodings of a text file.
 QString decodeText(const QByteArray &bytes);
@@ -19,9 +23,10 @@ QByteArray encodeText(const QString &text, bool unicode);
 /// the last reference, then without a failure): the file is replaced in one step and is never found empty or cut.
 class TextStream {
   public:
-    enum class Mode { Reading, Writing };
-    /// Used by the file-system object. \param unicode  how a written text is encoded.
-    TextStream(QString nativePath, Mode mode, QString text, bool unicode);
+    /// Open for reading a text.
+    explicit TextStream(QString text);
+    /// Open for writing a file anew, beginning with a text. \param path  a machine's path. Fails with 70 or 76.
+    TextStream(const QString &path, QString text, bool unicode);
     ~TextStream();
     TextStream(const TextStream &) = delete;
     TextStream &operator=(const TextStream &) = delete;
@@ -37,13 +42,13 @@ class TextStream {
     void Close();
 
   private:
-    void require(Mode mode) const;
+    void require(bool writing) const;
 
-    QString m_path;
-    Mode m_mode;
+    std::unique_ptr<Replacement> m_target;
     QString m_text;
     qsizetype m_position = 0;
-    bool m_unicode;
+    bool m_unicode = false;
+    bool m_writing = false;
     bool m_open = true;
 };
 
