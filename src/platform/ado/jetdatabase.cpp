@@ -1,0 +1,181 @@
+#include "platform/ado/jetdatabase.h"
+
+#include "platform/ado/errors.h"
+#include "platform/ado/jetfile.h"
+#include "platform/ado/jetsql.h"
+#include "platform/ado/jettext.h"
+
+#include <QFileInfo>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QUrl>
+#include <QUuid>
+
+#include <sqlite3.h>
+
+namespace ado {
+
+namespace {
+
+QStringView textOf(sqlite3_value *value) {
+    const void *text = sqlite3_value_text16(value);
+    return {static_cast<const char16_t *>(text), sqlite3_value_bytes16(value) / 2};
+}
+
+/// like(pattern, text): SQLite calls it for `text Like pattern`.
+void sqlLike(sqlite3_context *context, int, sqlite3_value **arguments) {
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL || sqlite3_value_type(arguments[1]) == SQLITE_NULL)
+        return sqlite3_result_null(context);
+    // Getting one value as UTF-16 never moves the other's text.
+    sqlite3_result_int(context, likeText(textOf(arguments[1]), textOf(arguments[0])) ? 1 : 0);
+}
+
+/// Int(number): the largest whole number that is not above it.
+void sqlInt(sqlite3_context *context, int, sqlite3_value **arguments) {
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL)
+        return sqlite3_result_null(context);
+    sqlite3_result_double(context, std::floor(sqlite3_value_double(arguments[0])));
+}
+
+int sqlCompare(void *order, int leftBytes, const void *left, int rightBytes, const void *right) {
+    return static_cast<const TextOrder *>(order)->compare({static_cast<const char16_t *>(left), leftBytes / 2},
+                                                          {static_cast<const char16_t *>(right), rightBytes / 2});
+}
+
+} // namespace
+
+QString machinePath(const QString &path) {
+    QString result = path;
+    return result.replace(u'\\', u'/');
+}
+
+JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
+    : m_path(path), m_name(QUuid::createUuid().toString()), m_busySeconds(busySeconds),
+      m_order(std::make_unique<TextOrder>()) {
+    const QFileInfo file(machinePath(path));
+    if (mode != Mode::Create) {
+        if (!file.isFile())
+            throw Failure(failures::unspecified, QString("Could not find the database file %1. Put it back, or restore "
+                                                         "it from a backup.")
+                                                     .arg(path));
+        if (file.size() == 0)
+            fail(SQLITE_NOTADB, "the file is empty");
+        // The read-only mark of a file holds for everybody, also for those whom the system would let write.
+        constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther | QFile::WriteUser;
+        m_readOnly = mode == Mode::ReadOnly || !(file.permissions() & anyWrite) || !file.isWritable();
+    }
+
+    m_database = QSqlDatabase::addDatabase("QSQLITE", m_name);
+    try {
+        const QString timeout = QString("QSQLITE_BUSY_TIMEOUT=%1;QSQLITE_OPEN_URI").arg(busySeconds * 1000);
+        const QString access = mode == Mode::Create ? "mode=rwc" : m_readOnly ? "mode=ro" : "mode=rw";
+        // Where not even the engine's own files can be written, nobody else writes either.
+        if (!tryOpen(timeout, access) && !(m_readOnly && tryOpen(timeout, "mode=ro&immutable=1")))
+            fail(m_database.lastError().nativeErrorCode().toInt(), m_database.lastError().databaseText());
+        if (!m_readOnly)
+            run("PRAGMA journal_mode=WAL");
+        run("PRAGMA synchronous=FULL");
+    } catch (const Failure &) {
+        m_database = {};
+        QSqlDatabase::removeDatabase(m_name);
+        throw;
+    }
+}
+
+JetDatabase::~JetDatabase() {
+    m_database.close();
+    m_database = {};
+    QSqlDatabase::removeDatabase(m_name);
+}
+
+bool JetDatabase::tryOpen(const QString &options, const QString &parameters) {
+    const QByteArray path = QUrl::toPercentEncoding(QFileInfo(machinePath(m_path)).absoluteFilePath(), "/");
+    m_database.close();
+    m_database.setConnectOptions(options);
+    m_database.setDatabaseName(QString("file:%1?%2").arg(QString::fromLatin1(path), parameters));
+    if (!m_database.open())
+        return false;
+    const QVariant handle = m_database.driver()->handle();
+    addFunctions(*static_cast<sqlite3 *const *>(handle.constData()));
+    // Opening reads nothing; this is where a file that is no database shows.
+    QSqlQuery look = query();
+    if (look.exec("SELECT count(*) FROM sqlite_master"))
+        return true;
+    const int code = look.lastError().nativeErrorCode().toInt() & 0xff;
+    if (code == SQLITE_CANTOPEN && m_readOnly)
+        return false;
+    fail(code, look.lastError().databaseText());
+}
+
+void JetDatabase::addFunctions(sqlite3 *handle) {
+    // A name in quotes that is no column is a mistake, never a text.
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    // The file may come from anywhere: its schema calls no functions, and damage is noticed early.
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    constexpr int pure = SQLITE_UTF16 | SQLITE_DETERMINISTIC;
+    sqlite3_create_function_v2(handle, "like", 2, pure, nullptr, sqlLike, nullptr, nullptr, nullptr);
+    sqlite3_create_function_v2(handle, "int", 1, pure, nullptr, sqlInt, nullptr, nullptr, nullptr);
+    sqlite3_create_collation_v2(handle, jetCollation, SQLITE_UTF16_ALIGNED, m_order.get(), sqlCompare, nullptr);
+}
+
+QSqlQuery JetDatabase::query() const {
+    QSqlQuery query(m_database);
+    query.setForwardOnly(true);
+    return query;
+}
+
+void JetDatabase::run(const QString &statement) {
+    QSqlQuery step = query();
+    if (!step.exec(statement))
+        failQuery(step);
+}
+
+void JetDatabase::run(QSqlQuery &query) {
+    if (!query.exec())
+        failQuery(query);
+}
+
+void JetDatabase::prepare(QSqlQuery &query, const QString &statement) {
+    if (!query.prepare(statement))
+        failQuery(query);
+}
+
+void JetDatabase::failQuery(const QSqlQuery &query) const {
+    const QSqlError error = query.lastError();
+    fail(error.nativeErrorCode().toInt(), error.databaseText().isEmpty() ? error.text() : error.databaseText());
+}
+
+void JetDatabase::fail(int sqliteCode, const QString &sqliteText) const {
+    const auto refused = [&](const char *text) {
+        return Failure(failures::unspecified, QString(text).arg(m_path, sqliteText));
+    };
+    switch (sqliteCode & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        throw refused("The database %1 is being written by another program and did not become free in time. Please try "
+                      "again. (%2)");
+    case SQLITE_READONLY:
+    case SQLITE_PERM:
+        throw refused("The database %1 is read-only. Remove the read-only attribute of the file, or give yourself the "
+                      "right to write it and its folder. (%2)");
+    case SQLITE_FULL:
+        throw refused("The database %1 could not be written: the disk is full. Make room on it and try again. (%2)");
+    case SQLITE_IOERR:
+        throw refused("The database %1 could not be read or written. Check its disk and try again. (%2)");
+    case SQLITE_CANTOPEN:
+        throw refused("The database %1 could not be opened. Check the rights to the file and its folder. (%2)");
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+        throw refused("The file %1 is damaged or no database of this kind. Restore it from a backup. (%2)");
+    case SQLITE_CONSTRAINT:
+        throw Failure(constraintFailed, QString("A value breaks a rule of its column and was not stored: %1. Text "
+                                                "columns without empty texts take a blank instead.")
+                                            .arg(sqliteText));
+    default:
+        throw Failure(statementFailed, QString("The database refused the statement: %1.").arg(sqliteText));
+    }
+}
+
+} // namespace ado

@@ -1,0 +1,50 @@
+/// One SQLite connection, prepared to serve the embedded engine.
+#pragma once
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+
+struct sqlite3;
+
+namespace ado {
+
+class TextOrder;
+
+/// Opens a file and closes it at the end. The failures of its queries come as `Failure`s that say what to do.
+class JetDatabase {
+  public:
+    enum class Mode { Write, ReadOnly, Create };
+
+    /// Fails as `openJetFile` does. `Create` makes a new, empty file.
+    JetDatabase(const QString &path, Mode mode, int busySeconds);
+    ~JetDatabase();
+    JetDatabase(const JetDatabase &) = delete;
+    JetDatabase &operator=(const JetDatabase &) = delete;
+
+    [[nodiscard]] bool isReadOnly() const { return m_readOnly; }
+
+    /// A query for statements of the caller's.
+    [[nodiscard]] QSqlQuery query() const;
+    /// Runs a statement that gives nothing.
+    void run(const QString &statement);
+    /// Runs a prepared query.
+    void run(QSqlQuery &query);
+    void prepare(QSqlQuery &query, const QString &statement);
+    /// Throws what a query or the database says went wrong. `sqliteText` is the engine's own account.
+    [[noreturn]] void fail(int sqliteCode, const QString &sqliteText) const;
+
+  private:
+    bool tryOpen(const QString &options, const QString &parameters);
+    [[noreturn]] void failQuery(const QSqlQuery &query) const;
+    void addFunctions(sqlite3 *handle);
+
+    QString m_path;
+    QString m_name;
+    int m_busySeconds;
+    bool m_readOnly = false;
+    std::unique_ptr<TextOrder> m_order;
+    QSqlDatabase m_database;
+};
+
+} // namespace ado

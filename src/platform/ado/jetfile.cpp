@@ -1,0 +1,322 @@
+#include "platform/ado/jetfile.h"
+
+#include "platform/ado/errors.h"
+#include "platform/ado/jetdatabase.h"
+#include "platform/ado/jetsql.h"
+
+#include <QFile>
+#include <QSet>
+#include <QSqlRecord>
+#include <QSqlResult>
+
+#include <sqlite3.h>
+
+#include <limits>
+
+namespace ado {
+
+namespace {
+
+ColumnType typeOfDeclaration(const QString &declared) {
+    const QString name = declared.section(u'(', 0, 0).trimmed().toUpper();
+    static const QHash<QString, ColumnType> types{
+        {"VARCHAR", ColumnType::Text}, {"LONGTEXT", ColumnType::Memo},  {"SMALLINT", ColumnType::Short},
+        {"INTEGER", ColumnType::Long}, {"CURRENCY", ColumnType::Money}, {"DATETIME", ColumnType::Date},
+        {"BOOLEAN", ColumnType::Flag}, {"DOUBLE", ColumnType::Double},
+    };
+    return types.value(name, ColumnType::Unknown);
+}
+
+template <class T>
+bool fits(qint64 number) {
+    return number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max();
+}
+
+Value wholeNumber(ColumnType type, qint64 number) {
+    switch (type) {
+    case ColumnType::Short:
+        if (fits<qint16>(number))
+            return static_cast<qint16>(number);
+        break;
+    case ColumnType::Money:
+        return Currency::fromScaled(number);
+    case ColumnType::Date:
+        return DateTime{static_cast<double>(number)};
+    case ColumnType::Flag:
+        return number != 0;
+    case ColumnType::Double:
+        return static_cast<double>(number);
+    default:
+        break;
+    }
+    if (fits<qint32>(number))
+        return static_cast<qint32>(number);
+    return static_cast<double>(number);
+}
+
+/// A stored value as its column's type has it. What another tool stored against the type is kept as it is, so that it
+/// can be seen, and fails where it is used.
+Value storedValue(ColumnType type, const QVariant &stored) {
+    if (stored.isNull())
+        return Value::Null{};
+    switch (stored.typeId()) {
+    case QMetaType::LongLong:
+    case QMetaType::Int: {
+        const qint64 number = stored.toLongLong();
+        if (type == ColumnType::Text || type == ColumnType::Memo)
+            return QString::number(number);
+        return wholeNumber(type, number);
+    }
+    case QMetaType::Double:
+        if (type == ColumnType::Date)
+            return DateTime{stored.toDouble()};
+        return stored.toDouble();
+    default:
+        return stored.toString();
+    }
+}
+
+QVariant bound(const Value &value) {
+    struct Visitor {
+        QVariant operator()(bool flag) const { return flag ? -1 : 0; }
+        QVariant operator()(qint16 number) const { return static_cast<int>(number); }
+        QVariant operator()(qint32 number) const { return number; }
+        QVariant operator()(double number) const { return number; }
+        QVariant operator()(Currency amount) const { return static_cast<qlonglong>(amount.scaled()); }
+        QVariant operator()(DateTime moment) const { return moment.days; }
+        // A text of no characters is a text, not Null.
+        QVariant operator()(const QString &text) const { return text.isNull() ? QString("") : text; }
+        QVariant operator()(std::monostate) const { return {}; }
+        QVariant operator()(Value::Null) const { return {}; }
+        QVariant operator()(Value::Missing) const { return {}; }
+        QVariant operator()(const automation::ObjectPtr &) const { throw Failure(failures::typeMismatch); }
+    };
+    return std::visit(Visitor{}, value.held());
+}
+
+class JetFile final : public Provider {
+  public:
+    JetFile(const QString &path, int busySeconds) : m_database(path, JetDatabase::Mode::Write, busySeconds) {}
+
+    RowSet select(const QString &source) override {
+        const JetStatement statement = translateJet(source, moneyColumns());
+        if (!statement.isSelect)
+            throw Failure(statementFailed,
+                          QString("A recordset needs a table or a SELECT, and this is none: %1").arg(source.left(500)));
+        if (!statement.lookup.isEmpty())
+            keepLookup(statement.table, statement.lookup);
+        QSqlQuery query = m_database.query();
+        m_database.prepare(query, statement.text);
+        m_database.run(query);
+        RowSet set;
+        readColumns(query, set);
+        if (!statement.table.isEmpty())
+            findKey(statement.table, set);
+        readRows(query, set);
+        return set;
+    }
+
+    qint64 execute(const QString &statement) override {
+        const JetStatement translated = translateJet(statement, moneyColumns());
+        QSqlQuery query = m_database.query();
+        m_database.prepare(query, translated.text);
+        m_database.run(query);
+        m_haveMoney = false;
+        return query.numRowsAffected();
+    }
+
+    qint32 insert(const RowSet &set, const Row &row, const std::vector<bool> &assigned) override {
+        QStringList names;
+        QStringList marks;
+        for (std::size_t column = 0; column < row.size(); ++column) {
+            if (assigned[column]) {
+                names.append(quotedName(set.columns[column].name));
+                marks.append("?");
+            }
+        }
+        const QString table = quotedName(set.table);
+        QSqlQuery &query =
+            prepared(names.isEmpty()
+                         ? QString("INSERT INTO %1 DEFAULT VALUES").arg(table)
+                         : QString("INSERT INTO %1 (%2) VALUES (%3)").arg(table, names.join(", "), marks.join(", ")));
+        int place = 0;
+        for (std::size_t column = 0; column < row.size(); ++column)
+            if (assigned[column])
+                query.bindValue(place++, bound(row[column]));
+        run(query);
+        return static_cast<qint32>(query.lastInsertId().toLongLong());
+    }
+
+    void update(const RowSet &set, const Row &original, const Row &row, const std::vector<bool> &assigned) override {
+        QStringList changes;
+        for (std::size_t column = 0; column < row.size(); ++column)
+            if (assigned[column])
+                changes.append(quotedName(set.columns[column].name) + " = ?");
+        QSqlQuery &query =
+            prepared(QString("UPDATE %1 SET %2 WHERE %3").arg(quotedName(set.table), changes.join(", "), asRead(set)));
+        int place = 0;
+        for (std::size_t column = 0; column < row.size(); ++column)
+            if (assigned[column])
+                query.bindValue(place++, bound(row[column]));
+        runOnOriginal(query, place, original);
+    }
+
+    void remove(const RowSet &set, const Row &original) override {
+        QSqlQuery &query = prepared(QString("DELETE FROM %1 WHERE %2").arg(quotedName(set.table), asRead(set)));
+        runOnOriginal(query, 0, original);
+    }
+
+  private:
+    /// The condition of the optimistic lock: the row is as it was read, in every column that was.
+    static QString asRead(const RowSet &set) {
+        QStringList conditions;
+        for (const Column &column : set.columns)
+            conditions.append(quotedName(column.name) + " IS ?");
+        return conditions.join(" AND ");
+    }
+
+    void runOnOriginal(QSqlQuery &query, int place, const Row &original) {
+        for (const Value &value : original)
+            query.bindValue(place++, bound(value));
+        run(query);
+        if (query.numRowsAffected() == 0)
+            throw Failure(failures::unspecified, "The row was changed or deleted by another program since it was read. "
+                                                 "It was left as it is; read it again and repeat the change.");
+    }
+
+    void run(QSqlQuery &query) {
+        m_database.run(query);
+        // The change is committed; the statement must not keep its lock.
+        query.finish();
+    }
+
+    /// Writing statements come again and again, with other values.
+    QSqlQuery &prepared(const QString &statement) {
+        constexpr std::size_t most = 64;
+        const auto found = m_prepared.find(statement);
+        if (found != m_prepared.end())
+            return *found->second;
+        if (m_prepared.size() >= most)
+            m_prepared.clear();
+        auto query = std::make_unique<QSqlQuery>(m_database.query());
+        m_database.prepare(*query, statement);
+        return *(m_prepared[statement] = std::move(query));
+    }
+
+    const QSet<QString> &moneyColumns() {
+        if (!m_haveMoney) {
+            QSqlQuery query = m_database.query();
+            m_database.prepare(query, "SELECT DISTINCT c.name FROM sqlite_master t, pragma_table_info(t.name) c "
+                                      "WHERE t.type = 'table' AND upper(c.type) = 'CURRENCY'");
+            m_database.run(query);
+            m_money.clear();
+            while (query.next())
+                m_money.insert(query.value(0).toString().toCaseFolded());
+            m_haveMoney = true;
+        }
+        return m_money;
+    }
+
+    static void readColumns(const QSqlQuery &query, RowSet &set) {
+        const QSqlRecord record = query.record();
+        const QVariant handle = query.result()->handle();
+        auto *statement = *static_cast<sqlite3_stmt *const *>(handle.constData());
+        for (int at = 0; at < record.count(); ++at) {
+            const char *declared = sqlite3_column_decltype(statement, at);
+            set.columns.push_back({record.fieldName(at), typeOfDeclaration(QString::fromUtf8(declared))});
+        }
+    }
+
+    static void readRows(QSqlQuery &query, RowSet &set) {
+        const auto columns = static_cast<int>(set.columns.size());
+        while (query.next()) {
+            Row row;
+            row.reserve(set.columns.size());
+            for (int at = 0; at < columns; ++at)
+                row.push_back(storedValue(set.columns[static_cast<std::size_t>(at)].type, query.value(at)));
+            set.rows.push_back(std::move(row));
+        }
+    }
+
+    /// Makes the set writable when it holds the key of its table.
+    void findKey(const QString &table, RowSet &set) {
+        QSqlQuery query = m_database.query();
+        m_database.prepare(query, "SELECT name FROM pragma_table_info(?) WHERE pk = 1 AND upper(type) = 'INTEGER'");
+        query.bindValue(0, table);
+        m_database.run(query);
+        if (!query.next())
+            return;
+        const QString key = query.value(0).toString();
+        for (std::size_t at = 0; at < set.columns.size(); ++at) {
+            if (set.columns[at].name.compare(key, Qt::CaseInsensitive) == 0) {
+                set.table = table;
+                set.key = static_cast<int>(at);
+                set.columns[at].type = ColumnType::AutoNumber;
+            }
+        }
+    }
+
+    /// Sees to it that a look-up by the column is one. Where no index can be made (a read-only file, another writer),
+    /// the rows are searched through.
+    void keepLookup(const QString &table, const QString &column) {
+        const QString name = QString("lookup %1 %2").arg(table, column).toLower();
+        if (m_lookups.contains(name) || m_database.isReadOnly())
+            return;
+        QSqlQuery query = m_database.query();
+        m_database.prepare(query,
+                           "SELECT (SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name = ?1), "
+                           "(SELECT count(*) FROM pragma_table_info(?2) WHERE name = ?3 COLLATE NOCASE AND pk = 0)");
+        query.bindValue(0, name);
+        query.bindValue(1, table);
+        query.bindValue(2, column);
+        m_database.run(query);
+        const bool wanted = query.next() && query.value(0).toInt() == 0 && query.value(1).toInt() == 1;
+        query.finish();
+        if (wanted && Attempt([&] {
+                m_database.run(QString("CREATE INDEX IF NOT EXISTS %1 ON %2 (%3)")
+                                   .arg(quotedName(name), quotedName(table), quotedName(column)));
+            }))
+            return;
+        m_lookups.insert(name);
+    }
+
+    JetDatabase m_database;
+    std::map<QString, std::unique_ptr<QSqlQuery>> m_prepared;
+    QSet<QString> m_lookups;
+    QSet<QString> m_money;
+    bool m_haveMoney = false;
+};
+
+} // namespace
+
+std::shared_ptr<Provider> openJetFile(const QString &path, int busySeconds) {
+    return std::make_shared<JetFile>(path, busySeconds);
+}
+
+void moveJetFile(const QString &from, const QString &to) {
+    if (!QFile::exists(machinePath(from)))
+        throw Failure(failures::fileNotFound);
+    if (QFile::exists(machinePath(to)))
+        throw Failure(failures::fileExists);
+    const auto rename = [&] {
+        if (!QFile::rename(machinePath(from), machinePath(to)))
+            throw Failure(failures::permissionDenied);
+    };
+    std::unique_ptr<JetDatabase> database;
+    if (Attempt([&] { database = std::make_unique<JetDatabase>(from, JetDatabase::Mode::Write, 0); }))
+        return rename(); // No database of ours: nobody has it open as one.
+    if (database->isReadOnly())
+        throw Failure(failures::permissionDenied);
+    // What was committed stands partly in a second file beside the database, which is named after it. Leaving that mode
+    // takes it in, and works only while nobody else has the database open; the lock keeps others out until it is moved.
+    try {
+        database->run("PRAGMA locking_mode=EXCLUSIVE");
+        database->run("PRAGMA journal_mode=DELETE");
+        database->run("BEGIN EXCLUSIVE");
+    } catch (const Failure &) {
+        throw Failure(failures::permissionDenied);
+    }
+    rename();
+}
+
+} // namespace ado
