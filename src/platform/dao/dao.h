@@ -54,13 +54,15 @@ class Field {
 
     [[nodiscard]] Ref<Property> CreateProperty(const QString &name, qint16 type, const ::Value &value) const;
     /// REQUIRES: the field is part of the database. An existing property of the name fails.
-    void AppendProperty(const Ref<Property> &property);
+    void AppendProperty(const Ref<Property> &property) const;
     /// Nothing when there is none.
     [[nodiscard]] Ref<Property> FindProperty(const QString &name) const;
 
   private:
     friend class TableDef;
     friend class Database;
+    [[nodiscard]] std::shared_ptr<Schema> schema() const;
+
     std::weak_ptr<Schema> m_schema;
     QString m_table;
 };
@@ -97,23 +99,25 @@ class TableDef {
 
   private:
     friend class Database;
-    void attach(const std::shared_ptr<Schema> &schema);
-
     std::weak_ptr<Schema> m_schema;
     QList<Ref<Field>> m_fields;
     QList<Ref<Index>> m_indexes;
 };
 
-/// A relation between two tables.
+constexpr qint32 dbRelationDontEnforce = 2;
+
+/// A relation between two tables. It is kept as information; nothing is enforced.
 struct Relation {
     QString Name;
     QString Table;
     QString ForeignTable;
+    qint32 Attributes = 0;
 };
 
 /// A database under definition.
 class Database {
   public:
+    explicit Database(std::shared_ptr<Schema> schema);
     ~Database();
     Database(const Database &) = delete;
     Database &operator=(const Database &) = delete;
@@ -125,7 +129,10 @@ class Database {
     /// By name without regard to case; fails with `itemNotFound`.
     [[nodiscard]] Ref<TableDef> FindTableDef(const QString &name) const;
 
+    /// The relations in the order of their creation.
     [[nodiscard]] QList<Relation> Relations() const;
+    /// Fails with `unsupportedOperation` for a relation that is to be enforced.
+    void AppendRelation(const Relation &relation);
     void DeleteRelation(const QString &name);
 
     /// Writes the definition out and closes the file. A new file appears under its name here, complete; until then, and
@@ -133,8 +140,7 @@ class Database {
     void Close();
 
   private:
-    friend class DBEngine;
-    explicit Database(std::shared_ptr<Schema> schema);
+    [[nodiscard]] Schema &schema() const;
     std::shared_ptr<Schema> m_schema;
 };
 
