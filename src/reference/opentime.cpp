@@ -9,9 +9,13 @@ ProcessLocal<ServiceTimes> serviceTimes;
 
 namespace {
 constexpr int daysPerWeek = 7;
-constexpr double hoursPerDay = 24;
 
-double hours(double days) { return roundHalfEven(days * hoursPerDay, 2); }
+/// With two decimals. In whole seconds, of which a hundredth of an hour has 36, so that a half is a half and no
+/// neighbour of it.
+double hours(double days) {
+    const auto seconds = static_cast<double>(std::llround(days * 86400));
+    return roundHalfEven(seconds / 36) / 100;
+}
 
 /// The time of day that comparisons use: hours and minutes alone.
 DateTime minuteOfDay(DateTime moment) {
