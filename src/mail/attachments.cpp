@@ -1,0 +1,152 @@
+#include "mail/attachments.h"
+
+#include "core/errorhandler.h"
+#include "core/runtime.h"
+#include "outlook/safeutils.h"
+#include "platform/scripting/path.h"
+
+#include <QTemporaryDir>
+
+namespace {
+/// A source without attachments that is larger than this is attached whole.
+constexpr qint32 largeMessage = 25000;
+
+constexpr qint32 byValue = 1;
+constexpr qint32 embeddedItem = 5;
+constexpr qint32 oleObject = 6;
+constexpr qint32 wholeMessageFile = 3;
+constexpr int mostTries = 200;
+
+/// A name that came with a mail, made fit for the temporary folder: it can't lead out of it, and fits a file system
+/// that takes 255 bytes, with room for a counter. The end stays, since it tells what the file is.
+QString fncFileName(QString strName) {
+    constexpr qsizetype mostBytes = 240;
+    for (QChar &character : strName) {
+        if (character == u'/' || character == u'\\' || character < u' ')
+            character = u'_';
+    }
+    const qsizetype intDot = strName.lastIndexOf(QChar(u'.'));
+    QString strEnd = intDot > 0 ? strName.mid(intDot) : QString();
+    constexpr qsizetype longestEnd = 20;
+    if (strEnd.size() > longestEnd)
+        strEnd.clear();
+    QString strStem = strName.chopped(strEnd.size());
+    while ((strStem + strEnd).toUtf8().size() > mostBytes)
+        strStem.chop(strStem.back().isLowSurrogate() ? 2 : 1);
+    return strStem + strEnd;
+}
+
+/// One copying from a source to a target.
+class AttachmentCopy {
+  public:
+    AttachmentCopy(const host::Item &source, const host::Attachments &target) : m_source(source), m_target(target) {}
+
+    void run(const host::Attachments &attachments) {
+        const qint32 count = attachments.Count();
+        const bool blnLarge = count == 0 && m_source.Size() > largeMessage;
+        if (count == 0 && !blnLarge)
+            return;
+        makeFolder();
+        subTrace("Looping attachements");
+        for (qint32 i = 1; i <= count; ++i)
+            one(attachments.Item(i));
+        if ((m_wholeWanted || blnLarge) && isMailOrPost() && fncSetupSafeUtils())
+            attachWhole();
+    }
+
+  private:
+    /// A folder of its own, since clients on one machine share the temporary folder, and their mails the usual names.
+    void makeFolder() {
+        subTrace("Finding temp folder");
+        subSetupFS();
+        const QString strTemp = fsoFileSystem->GetSpecialFolder(2)->Path();
+        m_folder.emplace(scripting::nativePath(strTemp) + "/orvelle-XXXXXX");
+        if (!m_folder->isValid())
+            throw Failure(failures::permissionDenied, "The temporary folder " + strTemp + " can't be written.");
+        m_path = scripting::pathText(m_folder->path()) + "\\";
+    }
+
+    void one(const host::Attachment &attachment) {
+        switch (attachment.Type()) {
+        case byValue:
+            copyFile(attachment);
+            break;
+        case embeddedItem:
+            if (Attempt([&] { copyEmbedded(attachment); }))
+                m_wholeWanted = true;
+            break;
+        case oleObject:
+            m_wholeWanted = true;
+            break;
+        default:
+            break;
+        }
+    }
+
+    void copyFile(const host::Attachment &attachment) {
+        const QString strName = fncFileName(attachment.FileName());
+        QString strPath = m_path + strName;
+        subTrace("Saving attachement as  " + strPath);
+        bool blnSaved = fncSave(attachment, strPath);
+        while (!blnSaved && m_counter <= mostTries) {
+            strPath = m_path + QString::number(++m_counter) + strName;
+            blnSaved = fncSave(attachment, strPath);
+        }
+        subTrace("Adding attachement to ticket " + strPath);
+        if (blnSaved && fsoFileSystem->FileExists(strPath))
+            attachAndDelete(strPath, attachment.DisplayName());
+    }
+
+    void copyEmbedded(const host::Attachment &attachment) {
+        const QString strName = attachment.DisplayName();
+        QString strPath = m_path + fncFileName(strName + ".msg");
+        fncSave(attachment, strPath);
+        if (!fsoFileSystem->FileExists(strPath)) {
+            strPath = m_path + QString::number(m_counter++) + ".msg";
+            attachment.SaveAsFile(strPath);
+        }
+        attachAndDelete(strPath, strName);
+    }
+
+    void attachWhole() {
+        const QString strPath = m_path + "OriginalMessage.msg";
+        fncSafeMailItem(m_source).SaveAs(strPath, wholeMessageFile);
+        attachAndDelete(strPath, m_source.Subject());
+    }
+
+    static bool fncSave(const host::Attachment &attachment, const QString &strPath) {
+        return !Attempt([&] { attachment.SaveAsFile(strPath); });
+    }
+
+    void attachAndDelete(const QString &strPath, const QString &strDisplayName) {
+        static_cast<void>(m_target.Add(strPath, byValue, strDisplayName));
+        subTrace("Deleting file from temp directory" + strPath);
+        fsoFileSystem->DeleteFile(strPath, true);
+    }
+
+    [[nodiscard]] bool isMailOrPost() const {
+        const QString strClass = m_source.MessageClass().toUpper();
+        return strClass == "IPM.NOTE" || strClass == "IPM.POST";
+    }
+
+    host::Item m_source;
+    host::Attachments m_target;
+    std::optional<QTemporaryDir> m_folder;
+    QString m_path;
+    int m_counter = 0;
+    bool m_wholeWanted = false;
+};
+} // namespace
+
+void subCopyAttachements(const host::Item &source, const host::Item &target) try {
+    subTrace("Getting Attachements collection");
+    if (source.isNothing() || target.isNothing())
+        return;
+    host::Attachments from;
+    host::Attachments to;
+    if (Attempt([&] { from = source.Attachments(), to = target.Attachments(); }))
+        return;
+    AttachmentCopy(source, to).run(from);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "subCopyAttachements");
+}

@@ -1,0 +1,9 @@
+/// The attachments of a message, carried over to a ticket through temporary files.
+#pragma once
+
+#include "outlook/host/items.h"
+
+/// Copies files and embedded messages one by one. The whole message is attached as "OriginalMessage.msg" when it holds
+/// an OLE object or an embedded message that can't be carried, or when it is large without having any attachment
+/// (pictures in its body).
+void subCopyAttachements(const host::Item &source, const host::Item &target);

@@ -1,0 +1,95 @@
+// The text, the subject and the caller of a ticket that is made from a mail.
+
+#include "core/runtime.h"
+#include "mail/createticket.h"
+#include "outlook/properties.h"
+#include "outlook/safeutils.h"
+#include "outlook/session.h"
+#include "reference/settings.h"
+
+namespace {
+/// The first version whose items have a body format.
+constexpr qint16 firstWithBodyFormat = 10;
+constexpr qint32 formatHTML = 2;
+constexpr qint32 formatRichText = 3;
+
+/// The fields of an address entry of the mail system itself.
+constexpr qint32 smtpAddress = 0x39FE001E;
+constexpr qint32 businessTelephone = 0x3A08001E;
+constexpr qint32 department = 0x3A18001E;
+
+void subSetProperty(const host::UserProperties &oups, const QString &strName, const QString &strText) {
+    Attempt([&] { oups.Item(strName).setValue(strText); });
+}
+
+void subFillFromContact(const host::UserProperties &oups, const host::ContactItem &contact) {
+    Attempt([&] { subSetProperty(oups, "Caller name", contact.FullName()); });
+    Attempt([&] { subSetProperty(oups, "Caller phone", contact.BusinessTelephoneNumber()); });
+    Attempt([&] { subSetProperty(oups, "Caller category", contact.CompanyName()); });
+}
+
+void subFillCaller(const host::UserProperties &oups, const host::AddressEntry &sender) {
+    Attempt([&] { subSetProperty(oups, "Caller name", sender.Name()); });
+    QString strAddress = AttemptOr([&] { return sender.Address(); }, QString());
+    const bool blnOfSystem =
+        !strAddress.contains(QChar(u'@')) || AttemptOr([&] { return sender.Type() == "EX"; }, false);
+    if (blnOfSystem) {
+        Attempt([&] { strAddress = toText(sender.Fields(smtpAddress)); });
+        Attempt([&] { subSetProperty(oups, "Caller phone", toText(sender.Fields(businessTelephone))); });
+        Attempt([&] { subSetProperty(oups, "Caller category", toText(sender.Fields(department))); });
+    } else {
+        Attempt([&] {
+            const host::ContactItem contact = fncFindContact(sender);
+            if (contact)
+                subFillFromContact(oups, contact);
+        });
+    }
+    subSetProperty(oups, "Caller email", strAddress);
+}
+
+/// The mail's text for the ticket's page.
+QString fncTextOf(const SafeItem &safe) {
+    const auto plain = [&] { return AttemptOr([&] { return safe.Body(); }, QString()); };
+    const QString strHTML = AttemptOr([&] { return safe.HTMLBody(); }, QString());
+    if (strHTML.isEmpty())
+        return plain();
+    const QString strInner = fncGetBody(strHTML);
+    return strInner.isEmpty() ? plain().replace(strLineEnd, "<br>") : strInner;
+}
+
+QString fncPage() {
+    const QString strPage = toText(objSettings->OtherSettings->GetValue("NewHTML", propertytype::text)).trimmed();
+    return strPage.isEmpty() ? fncNewTicketHTML() : strPage;
+}
+
+/// The host keeps the look of a plain body until the format has gone to rich text and back, and that costs the text: so
+/// it is set twice.
+void subSetBody(const host::PostItem &ouiPost, const QString &strHTML) {
+    const bool blnHasFormat = fncOutlookVersion() >= firstWithBodyFormat;
+    if (blnHasFormat)
+        Attempt([&] { ouiPost.BodyFormat(formatHTML); });
+    Attempt([&] { ouiPost.HTMLBody(strHTML); });
+    if (!blnHasFormat)
+        return;
+    Attempt([&] { ouiPost.BodyFormat(formatRichText); });
+    Attempt([&] { ouiPost.BodyFormat(formatHTML); });
+    Attempt([&] { ouiPost.HTMLBody(strHTML); });
+}
+} // namespace
+
+void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost) {
+    if (!fncSetupSafeUtils())
+        return;
+    const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(ouiMail); }, SafeItem());
+    const auto oups = AttemptOr([&] { return ouiPost.UserProperties(); }, host::UserProperties());
+    subFillCaller(oups, AttemptOr([&] { return safe.Sender(); }, host::AddressEntry()));
+
+    const QString strText = fncTextOf(safe);
+    if (!strText.isEmpty())
+        subSetBody(ouiPost, fncPage().replace("[BODY]", strText));
+    const QString strSubject = AttemptOr([&] { return ouiMail.Subject(); }, QString());
+    if (!strSubject.isEmpty())
+        Attempt([&] { ouiPost.Subject(strSubject); });
+    Attempt([&] { ouiPost.Importance(ouiMail.Importance()); });
+    subSetOutlookValue(oups, "Date due", Clock::now(), propertytype::date);
+}

@@ -1,0 +1,122 @@
+#include "mail/intake.h"
+
+#include "mail/confirmation.h"
+#include "mail/createticket.h"
+#include "mail/foldermonitor.h"
+#include "outlook/properties.h"
+#include "outlook/safeutils.h"
+#include "reference/settings.h"
+#include "ticket/ticketfolders.h"
+
+namespace {
+constexpr char received[] = "Received";
+
+bool fncUsesSubFolders() {
+    return toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
+}
+
+QString fncConfirmationTemplate() {
+    return toText(objSettings->OtherSettings->GetValue("ConvertedEmailMessage", propertytype::text));
+}
+
+/// The ticket that the message answers; empty when it answers none.
+QString fncAnsweredTicket(const host::Item &oui) {
+    return fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
+}
+
+/// The only lock between clients: of two that save the mark, one save fails. Returns whether it was won.
+bool fncClaim(const host::Item &oui) {
+    return !Attempt([&] {
+        oui.BillingInformation(strWorkingMark);
+        oui.Save();
+    });
+}
+
+bool fncIsUnclaimed(const host::Item &oui) {
+    return AttemptOr([&] { return oui.BillingInformation().isEmpty(); }, false);
+}
+
+void subReleaseClaim(const host::Item &oui) {
+    Attempt([&] {
+        oui.BillingInformation("");
+        oui.Save();
+    });
+}
+
+void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
+    if (!fncUsesSubFolders())
+        return;
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
+    if (oufReceived)
+        Attempt([&] { oui.Copy().Move(oufReceived); });
+}
+
+/// From the claimed message to its place in "Converted".
+void subConvert(const host::Item &oui, bool blnConfirm, const std::function<host::MAPIFolder()> &fncMonitoredFolder) {
+    const QString strTicketID = fncCreateSingleTicket(oui);
+    if (strTicketID.isEmpty()) {
+        subReleaseClaim(oui);
+        return;
+    }
+    if (blnConfirm)
+        subSendConfirmation(oui, strTicketID, "");
+    subKeepCopyUnderTicket(oui, strTicketID);
+    subMoveToConverted(oui, fncMonitoredFolder());
+}
+} // namespace
+
+bool fncIsMailOrPost(const host::Item &oui) {
+    constexpr qsizetype classLength = 8;
+    const QString strClass = oui.MessageClass().left(classLength).toUpper();
+    return (strClass == "IPM.NOTE" || strClass == "IPM.POST") && oui.Subject() != strFlagSubject;
+}
+
+bool fncIsNewMailItem(const host::Item &oui) {
+    return AttemptOr([&] { return !oui.isNothing() && fncIsMailOrPost(oui) && oui.BillingInformation().isEmpty(); },
+                     false);
+}
+
+void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
+    if (!fncClaim(oui))
+        return;
+    const QString strTicketID = fncAnsweredTicket(oui);
+    if (strTicketID.isEmpty()) {
+        subConvert(oui, !fncConfirmationTemplate().trimmed().isEmpty(), [&] { return oufMonitored; });
+        return;
+    }
+    // The work row is written even where the message can't be filed.
+    host::Item ouiFiled = oui;
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
+    if (oufReceived)
+        Attempt([&] { ouiFiled = oui.Move(oufReceived); });
+    subAddEmailWorkItem(strTicketID, fncGetSenderName(ouiFiled));
+}
+
+void subHandleNewItem(const host::Item &oui, const std::function<host::MAPIFolder()> &fncMonitoredFolder) {
+    constexpr qsizetype shortestTemplate = 4;
+    if (!AttemptOr([&] { return fncIsMailOrPost(oui); }, false))
+        return;
+    const QString strTicketID = fncAnsweredTicket(oui);
+    if (strTicketID.isEmpty()) {
+        if (fncIsUnclaimed(oui) && fncClaim(oui))
+            subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, fncMonitoredFolder);
+        return;
+    }
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
+    if (oufReceived.isNothing())
+        return;
+    subAddEmailWorkItem(strTicketID, fncGetSenderName(oui));
+    oui.Move(oufReceived);
+}
+
+void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) {
+    constexpr char converted[] = "Converted";
+    Attempt([&] {
+        host::MAPIFolder oufConverted;
+        Attempt([&] { oufConverted = ouf.Folders().Item(converted); });
+        // The name has to be that very one: "converted" is a folder of somebody's own.
+        if (oufConverted.isNothing() || oufConverted.Name() != converted)
+            oufConverted = ouf.Folders().Add(converted);
+        ouiMail.Move(oufConverted);
+    });
+}

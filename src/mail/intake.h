@@ -1,0 +1,24 @@
+/// The steps of one message from its arrival to the subfolder "Converted", or under the ticket that it answers.
+#pragma once
+
+#include "outlook/host/folders.h"
+
+#include <QString>
+
+#include <functional>
+
+/// The claim of a client on a message.
+inline constexpr char strWorkingMark[] = "Working...";
+
+/// Whether the item is of a kind that is converted, and no flag item. Fails for an item that can't be read.
+bool fncIsMailOrPost(const host::Item &oui);
+
+/// Handles an item that the scan met. REQUIRES: `fncIsNewMailItem`.
+void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);
+
+/// Handles an item that has just come into a watched folder.
+void subHandleNewItem(const host::Item &oui, const std::function<host::MAPIFolder()> &fncMonitoredFolder);
+
+/// Moves a converted message to the subfolder "Converted", which is made where it is missing. A message that can't be
+/// moved stays, and its marks keep it from being converted again.
+void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf);

@@ -1,0 +1,100 @@
+#include "outlook/explorer/rootexplorer.h"
+
+#include "core/entry.h"
+#include "core/process.h"
+#include "core/runtime.h"
+#include "outlook/session.h"
+#include "ticket/ticket.h"
+#include "ticket/ticketfolders.h"
+
+ProcessLocal<Ref<cRootExplorer>> objRootExplorer;
+
+cRootExplorer::~cRootExplorer() { Class_Terminate(); }
+
+void cRootExplorer::Attach(const host::Application &oua, const host::Explorer &oue) {
+    ouaMonitorApp = oua;
+    m_hostEvents.push_back(oua.connect("Quit", Entry([this](ValueList &) { ouaMonitorApp_Quit(); })));
+    oueCurrExplorer = oue;
+    m_hostEvents.push_back(oue.connect("Close", Entry([this](ValueList &) { oueCurrExplorer_Close(); })));
+    m_hostEvents.push_back(oue.connect("FolderSwitch", Entry([this](ValueList &) { oueCurrExplorer_FolderSwitch(); })));
+}
+
+void cRootExplorer::cmdCopy_Click() {
+    Attempt([] {
+        const host::Selection selection = ouaOutlook->ActiveExplorer().Selection();
+        if (selection.Count() != 1)
+            return;
+        const host::Item oui = selection.Item(1);
+        if (oui.isNothing() || oui.typeName() != "PostItem")
+            return;
+        cTicket objTicket;
+        if (!objTicket.ReadFromOutlook(oui))
+            return;
+        objTicket.TicketID.clear();
+        objTicket.SaveToDB();
+        host::Item ouiNew;
+        objTicket.SaveToOutlook(false, true, ouiNew);
+    });
+}
+
+void cRootExplorer::cmdSettings_Click() {
+    subExecute("ORVELLESETTINGS", "", "");
+    Class_Terminate();
+    subQuit();
+}
+
+void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
+    const QString strTicketID = fncGetTicketIDFromSubject(Item.Subject());
+    if (strTicketID.isEmpty())
+        return;
+    const host::MAPIFolder oufSent = fncGetTicketSubFolder(strTicketID, "Sent");
+    if (oufSent)
+        Attempt([&] { Item.Move(oufSent); });
+}
+
+void cRootExplorer::ouaMonitorApp_Quit() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::oueCurrExplorer_Close() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::oueCurrExplorer_FolderSwitch() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::subSetupSentORVL() {
+    const host::MAPIFolder oufSent = onsMAPI->GetDefaultFolder(defaultfolder::sentItems);
+    const QString strName = "ORVLSentItems";
+    Attempt([&] { oufORVLSentItems = oufSent.Folders().Item(strName); });
+    if (oufORVLSentItems.isNothing())
+        Attempt([&] { oufORVLSentItems = oufSent.Folders().Add(strName, 6); });
+    if (oufORVLSentItems.isNothing())
+        return;
+    oisORVLSentItems = oufORVLSentItems.Items();
+    m_sentItemAdd = oisORVLSentItems.connect(
+        "ItemAdd", Entry([this](ValueList &arguments) { oisORVLSentItems_ItemAdd(host::Item(arguments.value(0))); }));
+}
+
+void cRootExplorer::Class_Terminate() {
+    for (const host::CommandBarButton &button : {cmdSettings, cmdCopy}) {
+        if (button)
+            Attempt([&] { button.Delete(); });
+    }
+    if (cbrToolbar)
+        Attempt([&] { cbrToolbar.Delete(); });
+    m_buttonEvents.clear();
+    m_hostEvents.clear();
+    m_sentItemAdd.reset();
+    oueCurrExplorer = {};
+    ouaMonitorApp = {};
+    oisORVLSentItems = {};
+    oufORVLSentItems = {};
+    cmdSettings = {};
+    cmdCopy = {};
+    cbrToolbar = {};
+}

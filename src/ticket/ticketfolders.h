@@ -1,0 +1,16 @@
+/// The number of a ticket in the subject of a mail, and the folders that keep a ticket's mail below the ticket folder.
+#pragma once
+
+#include "outlook/host/folders.h"
+
+#include <QString>
+
+/// The text between the first "{" and the first "}" behind it, which may be empty and may be anything; empty where
+/// there is no such pair.
+QString fncGetTicketIDFromSubject(const QString &strSubject);
+
+/// The folder of a ticket, made where it is missing; Nothing, and a message to the person, when it can't be made.
+host::MAPIFolder fncGetTicketFolder(const QString &strTicketID);
+
+/// A folder below the ticket's, "Received" or "Sent", made where it is missing; Nothing as above.
+host::MAPIFolder fncGetTicketSubFolder(const QString &strTicketID, const QString &strName);
