@@ -55,6 +55,8 @@ void subFillLanguageColumns();
 /// Fills `colPhrases` from one column of the table. A table or a column that can't be read is reported, which ends the
 /// process.
 void subReadPhrases(qint32 lngIndex);
+/// The same for a table given as one text. The message before the report names the row, counted from 1.
+void subReadPhraseRows(const QString &strTable, qint32 lngIndex);
 
 /// Puts a language into force.
 void LoadLanguages(qint32 lngIndex);

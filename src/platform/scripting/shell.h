@@ -47,10 +47,14 @@ class FolderItem {
     explicit FolderItem(QString path) : m_path(std::move(path)) {}
     [[nodiscard]] QString Path() const { return m_path; }
     /// No verb opens the file: a program is started, anything else goes to the application that the person chose for
-    /// it. "Print" hands it to the printer. Fails with 438 for a verb that the file doesn't have.
+    /// it. "Print" hands it to the printer. What can't be started gets the shell's own message and is no failure.
+    /// Fails with 438 for a verb that the file doesn't have.
     void InvokeVerb(const QString &verb = {}) const;
 
   private:
+    void open() const;
+    void print() const;
+
     QString m_path;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
 #include "platform/scripting/shell.h"
+#include "platform/window/window.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -12,15 +13,25 @@ QString joined(const QString &folder, const QString &name) { return QDir(nativeP
 } // namespace
 
 void FolderItem::InvokeVerb(const QString &verb) const {
-    const QString path = nativePath(m_path);
-    if (verb.compare(u"print", Qt::CaseInsensitive) == 0)
-        return currentLauncher().start(QStringLiteral("lp"), {QStringLiteral("--"), path});
-    if (!verb.isEmpty() && verb.compare(u"open", Qt::CaseInsensitive) != 0)
+    const bool isPrint = verb.compare(u"print", Qt::CaseInsensitive) == 0;
+    if (!isPrint && !verb.isEmpty() && verb.compare(u"open", Qt::CaseInsensitive) != 0)
         throw Failure(failures::memberMissing, QStringLiteral("%1 can't be told to %2.").arg(m_path, verb));
+    const auto failure = Attempt([&] { isPrint ? print() : open(); });
+    if (failure)
+        window::msgBox(failure->description(), window::Buttons::OK, window::Icon::Critical, m_path);
+}
+
+void FolderItem::open() const {
+    const QString path = nativePath(m_path);
     const QFileInfo file(path);
     if (file.suffix().compare(u"exe", Qt::CaseInsensitive) == 0 && file.isFile())
-        return currentLauncher().start(path, {});
-    currentLauncher().start(QStringLiteral("xdg-open"), {path});
+        currentLauncher().start(path, {});
+    else
+        currentLauncher().start(QStringLiteral("xdg-open"), {path});
+}
+
+void FolderItem::print() const {
+    currentLauncher().start(QStringLiteral("lp"), {QStringLiteral("--"), nativePath(m_path)});
 }
 
 qint32 FolderItems::Count() const {
