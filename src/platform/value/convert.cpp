@@ -71,7 +71,7 @@ struct AsText {
     QString operator()(qint16 value) const { return QString::number(value); }
     QString operator()(qint32 value) const { return QString::number(value); }
     QString operator()(double value) const { return decimal(QString::number(value, 'g', 15).toUpper()); }
-    QString operator()(Currency value) const { return decimal(QString::number(value.toDouble(), 'g', 19)); }
+    QString operator()(Currency value) const { return decimal(amount(value.scaled())); }
     QString operator()(DateTime value) const { return formatDateTime(value); }
     QString operator()(const QString &value) const { return value; }
     QString operator()(const automation::ObjectPtr &value) const {
@@ -79,6 +79,18 @@ struct AsText {
     }
 
   private:
+    /// Exact, with no zeros behind the last decimal.
+    static QString amount(qint64 tenThousandths) {
+        const quint64 size = tenThousandths < 0 ? quint64{0} - static_cast<quint64>(tenThousandths)
+                                                : static_cast<quint64>(tenThousandths);
+        QString text = QString::number(size / 10000);
+        if (const quint64 rest = size % 10000; rest != 0) {
+            text += u'.' + QString::number(rest).rightJustified(4, u'0');
+            while (text.endsWith(u'0'))
+                text.chop(1);
+        }
+        return tenThousandths < 0 ? u'-' + text : text;
+    }
     static QString decimal(QString digits) { return digits.replace(u'.', Region::locale().decimalPoint()); }
 };
 } // namespace

@@ -62,6 +62,9 @@ TEST_F(Conversions, MoneyKeepsFourDecimals) {
     EXPECT_EQ(Currency::fromDouble(1.09375).scaled(), 10938);
     EXPECT_EQ(failureOf([] { (void)Currency::fromDouble(1e15); }), failures::overflow);
     EXPECT_EQ(toText(Currency::fromDouble(12.5)), "12.5");
+    EXPECT_EQ(toText(Currency::fromScaled(999999)), "99.9999");
+    EXPECT_EQ(toText(Currency::fromScaled(-1)), "-0.0001");
+    EXPECT_EQ(toText(Currency::fromScaled(std::numeric_limits<qint64>::min())), "-922337203685477.5808");
 }
 
 TEST_F(Conversions, TextsOfEveryKind) {
