@@ -1,0 +1,19 @@
+#include "database/upgrade.h"
+
+#include "core/process.h"
+#include "core/runtime.h"
+#include "platform/ado/jetfile.h"
+
+void subFindDatabaseFile() {
+    constexpr char strName[] = "Orvelle.mdb";
+    constexpr char strOlderName[] = "Corvane.mdb";
+
+    subSetupFS();
+    const QString strFolder = fncNoTrailingSlash(fncProgramFolder()) + "\\";
+    strDBFileName = QString(strName);
+    if (fsoFileSystem->FileExists(strFolder + strName) || !fsoFileSystem->FileExists(strFolder + strOlderName))
+        return;
+    // Another program that has the file open keeps its name.
+    if (Attempt([&] { ado::moveJetFile(strFolder + strOlderName, strFolder + strName); }))
+        strDBFileName = QString(strOlderName);
+}
