@@ -96,8 +96,8 @@ ConnectionPieces ConnectionPieces::parse(const QString &text) {
 }
 
 QString quotedConnectionValue(const QString &value) {
-    const bool plain =
-        value == value.trimmed() && !value.contains(u';') && !value.startsWith(u'"') && !value.startsWith(u'\'');
+    const bool plain = value == value.trimmed() && !value.contains(u';') && !value.startsWith(u'=') &&
+                       !value.startsWith(u'"') && !value.startsWith(u'\'');
     if (plain)
         return value;
     QString inside = value;

@@ -61,7 +61,7 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
         if (file.size() == 0)
             fail(SQLITE_NOTADB, "the file is empty");
         // The read-only mark of a file holds for everybody, also for those whom the system would let write.
-        constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther | QFile::WriteUser;
+        constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
         m_readOnly = mode == Mode::ReadOnly || !(file.permissions() & anyWrite) || !file.isWritable();
     }
 

@@ -99,7 +99,7 @@ class JetFile final : public Provider {
     JetFile(const QString &path, int busySeconds) : m_database(path, JetDatabase::Mode::Write, busySeconds) {}
 
     RowSet select(const QString &source) override {
-        const JetStatement statement = translateJet(source, moneyColumns());
+        const JetStatement statement = translateJetSource(source, moneyColumns());
         if (!statement.isSelect)
             throw Failure(statementFailed,
                           QString("A recordset needs a table or a SELECT, and this is none: %1").arg(source.left(500)));
@@ -117,11 +117,11 @@ class JetFile final : public Provider {
     }
 
     qint64 execute(const QString &statement) override {
-        const JetStatement translated = translateJet(statement, moneyColumns());
+        const JetStatement translated = translateJetStatement(statement, moneyColumns());
         QSqlQuery query = m_database.query();
         m_database.prepare(query, translated.text);
         m_database.run(query);
-        m_haveMoney = false;
+        m_haveMoney = false; // It may have changed the schema.
         return query.numRowsAffected();
     }
 
@@ -143,8 +143,7 @@ class JetFile final : public Provider {
         for (std::size_t column = 0; column < row.size(); ++column)
             if (assigned[column])
                 query.bindValue(place++, bound(row[column]));
-        run(query);
-        return static_cast<qint32>(query.lastInsertId().toLongLong());
+        return static_cast<qint32>(write(query).key);
     }
 
     void update(const RowSet &set, const Row &original, const Row &row, const std::vector<bool> &assigned) override {
@@ -178,16 +177,24 @@ class JetFile final : public Provider {
     void runOnOriginal(QSqlQuery &query, int place, const Row &original) {
         for (const Value &value : original)
             query.bindValue(place++, bound(value));
-        run(query);
-        if (query.numRowsAffected() == 0)
+        if (write(query).rows == 0)
             throw Failure(failures::unspecified, "The row was changed or deleted by another program since it was read. "
                                                  "It was left as it is; read it again and repeat the change.");
     }
 
-    void run(QSqlQuery &query) {
+    struct Written {
+        qint64 rows;
+        qint64 key;
+    };
+
+    /// Runs a prepared change. It is committed when this returns, and the statement keeps no lock, done or failed.
+    Written write(QSqlQuery &query) {
+        struct Finish {
+            QSqlQuery &query;
+            ~Finish() { query.finish(); }
+        } const finish{query};
         m_database.run(query);
-        // The change is committed; the statement must not keep its lock.
-        query.finish();
+        return {query.numRowsAffected(), query.lastInsertId().toLongLong()};
     }
 
     /// Writing statements come again and again, with other values.

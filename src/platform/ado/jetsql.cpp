@@ -51,12 +51,6 @@ class Translator {
 
     JetStatement run() {
         JetStatement statement;
-        if (m_tokens.size() == 1 && m_tokens[0].kind == JetToken::Reference) {
-            statement.isSelect = true;
-            statement.table = m_tokens[0].text;
-            statement.text = "SELECT * FROM " + quotedName(statement.table);
-            return statement;
-        }
         statement.isSelect = !m_tokens.isEmpty() && m_tokens[0].isWord("select");
         if (!statement.isSelect)
             refuseMoney();
@@ -195,8 +189,15 @@ class Translator {
 
 } // namespace
 
-JetStatement translateJet(const QString &source, const QSet<QString> &moneyColumns) {
-    return Translator(source, moneyColumns).run();
+JetStatement translateJetStatement(const QString &text, const QSet<QString> &moneyColumns) {
+    return Translator(text, moneyColumns).run();
+}
+
+JetStatement translateJetSource(const QString &source, const QSet<QString> &moneyColumns) {
+    const QList<JetToken> tokens = jetTokens(source);
+    if (tokens.size() == 1 && isIdentifier(tokens[0]))
+        return {"SELECT * FROM " + quotedName(tokens[0].text), true, tokens[0].text, {}};
+    return translateJetStatement(source, moneyColumns);
 }
 
 QString quotedName(const QString &name) {

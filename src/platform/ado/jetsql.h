@@ -19,7 +19,7 @@ struct JetStatement {
 /// The name of the order in which texts compare, known to SQLite on every connection of the provider.
 inline constexpr char jetCollation[] = "JETTEXT";
 
-/// Translates a table's name or a statement.
+/// Translates a statement.
 ///
 /// - `[table.column]` is a column of that table, `[name]` and `name` in backquotes are names, text in double quotes is
 ///   text as in single quotes.
@@ -30,7 +30,10 @@ inline constexpr char jetCollation[] = "JETTEXT";
 ///
 /// \param moneyColumns  the names of the money columns, case-folded.
 /// Fails with `statementFailed` for unclosed quotes and brackets, more than one statement, and overlong texts.
-JetStatement translateJet(const QString &source, const QSet<QString> &moneyColumns);
+JetStatement translateJetStatement(const QString &text, const QSet<QString> &moneyColumns);
+
+/// The same for a recordset's source: a single name is a table, with all its columns.
+JetStatement translateJetSource(const QString &source, const QSet<QString> &moneyColumns);
 
 /// A name in double quotes, so that it is a name whatever it holds.
 QString quotedName(const QString &name);

@@ -1,0 +1,166 @@
+// The file as the outside world leaves it: missing, damaged, read-only, full, in use, renamed.
+
+#include "platform/ado/engine.h"
+#include "platform/ado/jetfile.h"
+
+#include <QFile>
+
+#include <thread>
+
+namespace {
+
+class JetFileTest : public ::testing::Test {
+  protected:
+    QString put(const QString &name, const QByteArray &content) {
+        QFile file(m_directory.filePath(name));
+        EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write(content) == content.size());
+        return file.fileName();
+    }
+    static QByteArray bytes(const QString &path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QFile::ReadOnly));
+        return file.readAll();
+    }
+    void addRow(const Ref<ado::Connection> &connection, const QString &text) {
+        const Ref<ado::Recordset> set = openRecordset(connection, "tblAll");
+        set->AddNew();
+        set->Fields("strText").SetValue(text);
+        set->Update();
+    }
+    qint32 rows() { return openRecordset(m_engine.connect(), "tblAll")->RecordCount(); }
+
+    QTemporaryDir m_directory;
+    FileEngine m_engine;
+};
+
+TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
+    const std::pair<QString, const char *> cases[] = {
+        {m_directory.filePath("none.mdb"), "Could not find"},
+        {m_directory.path(), "Could not find"},
+        {put("empty.mdb", ""), "damaged"},
+        {put("text.mdb", "Standard Jet DB, but not of this kind; padding follows to be longer than any header is. " +
+                             QByteArray(4096, 'x')),
+         "damaged"},
+        {put("header.mdb", bytes(m_engine.file()).left(100) + QByteArray(4000, '\x7F')), "damaged"},
+    };
+    for (const auto &[path, word] : cases) {
+        const auto failure = Attempt([&, file = path] { FileEngine::connectTo(file); });
+        ASSERT_TRUE(failure) << qPrintable(path);
+        EXPECT_EQ(failure->number(), failures::unspecified);
+        EXPECT_TRUE(failure->description().contains(word)) << qPrintable(failure->description());
+    }
+    EXPECT_FALSE(QFile::exists(m_directory.filePath("none.mdb"))) << "opening never makes a file";
+    EXPECT_EQ(bytes(m_directory.filePath("empty.mdb")).size(), 0) << "nor writes to one that is none of ours";
+}
+
+TEST_F(JetFileTest, TakesPathsWithBothSeparatorsAndOddSigns) {
+    const QString path = put(QString::fromUtf8("odd %20 #?&\u00E9.mdb"), bytes(m_engine.file()));
+    QString text = path;
+    EXPECT_EQ(failureOf([&] { FileEngine::connectTo(text.replace('/', '\\')); }), 0);
+}
+
+TEST_F(JetFileTest, AReadOnlyFileIsReadAndNotWritten) {
+    addRow(m_engine.connect(), "a");
+    ASSERT_TRUE(QFile::setPermissions(m_engine.file(), QFile::ReadOwner | QFile::ReadUser));
+    const Ref<ado::Connection> connection = m_engine.connect();
+    EXPECT_EQ(openRecordset(connection, "Select * from tblAll where strText = '1'")->RecordCount(), 0);
+    const auto failure = Attempt([&] { addRow(connection, "b"); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->number(), failures::unspecified);
+    EXPECT_TRUE(failure->description().contains("read-only")) << qPrintable(failure->description());
+    EXPECT_EQ(rows(), 1);
+}
+
+TEST_F(JetFileTest, AFullDiskLeavesTheRowAsItWas) {
+    const Ref<ado::Connection> connection = m_engine.connect();
+    addRow(connection, "a");
+    ado::Command limit;
+    limit.SetActiveConnection(connection);
+    limit.SetCommandText("PRAGMA max_page_count = 4");
+    limit.Execute();
+    const auto failure = Attempt([&] { addRow(connection, QString(100000, u'x')); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->number(), failures::unspecified);
+    EXPECT_TRUE(failure->description().contains("full")) << qPrintable(failure->description());
+    addRow(connection, "b");
+    EXPECT_EQ(rows(), 2);
+}
+
+TEST_F(JetFileTest, AWriterWaitsForAnotherAndGivesUpInTime) {
+    const Ref<ado::Connection> mine = m_engine.connect();
+    const Ref<ado::Connection> theirs = m_engine.connect();
+    ado::Command lock;
+    lock.SetActiveConnection(theirs);
+    lock.SetCommandText("BEGIN IMMEDIATE");
+    lock.Execute();
+    const auto failure = Attempt([&] { addRow(mine, "a"); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->number(), failures::unspecified);
+    EXPECT_TRUE(failure->description().contains("another program")) << qPrintable(failure->description());
+    EXPECT_EQ(openRecordset(mine, "tblAll")->RecordCount(), 0) << "readers are not held up";
+    lock.SetCommandText("COMMIT");
+    lock.Execute();
+    EXPECT_EQ(failureOf([&] { addRow(mine, "a"); }), 0);
+}
+
+TEST_F(JetFileTest, WritersSideBySideLoseNothingAndReadersSeeNoHalfRow) {
+    constexpr int each = 40;
+    static_cast<void>(m_engine.connect());
+    const auto write = [this](int writer) {
+        const Ref<ado::Connection> connection = FileEngine::connectTo(m_engine.file());
+        const Ref<ado::Recordset> set = openRecordset(connection, "tblAll");
+        for (int at = 0; at < each; ++at) {
+            set->AddNew();
+            const QString text = QString("%1-%2").arg(writer).arg(at);
+            set->Fields("strText").SetValue(text);
+            set->Fields("strMemo").SetValue(text.repeated(2000));
+            set->Update();
+        }
+    };
+    std::thread one([&] { write(1); });
+    std::thread two([&] { write(2); });
+    const Ref<ado::Connection> reader = m_engine.connect();
+    for (qint32 seen = 0; seen < 2 * each;) {
+        const Ref<ado::Recordset> set = openRecordset(reader, "tblAll");
+        EXPECT_GE(set->RecordCount(), seen);
+        seen = set->RecordCount();
+        for (; !set->IsEOF(); set->MoveNext())
+            EXPECT_EQ(std::get<QString>(set->Fields("strMemo").Value().held()),
+                      std::get<QString>(set->Fields("strText").Value().held()).repeated(2000));
+    }
+    one.join();
+    two.join();
+    EXPECT_EQ(rows(), 2 * each);
+}
+
+TEST_F(JetFileTest, AValueAgainstItsTypeIsShownAndFailsWhereItIsUsed) {
+    plainTool(m_engine.file(), {"INSERT INTO tblAll (intShort, dteDate, strText) VALUES (70000, 'soon', 5)"});
+    const Ref<ado::Recordset> set = openRecordset(m_engine.connect(), "tblAll");
+    EXPECT_EQ(set->Fields("intShort").Value(), Value(qint32{70000}));
+    EXPECT_EQ(set->Fields("dteDate").Value(), Value("soon"));
+    EXPECT_EQ(set->Fields("strText").Value(), Value("5"));
+    set->Fields("strText").SetValue("6");
+    EXPECT_EQ(failureOf([&] { set->Update(); }), 0);
+}
+
+TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
+    const QString moved = m_engine.file() + ".moved";
+    Ref<ado::Connection> open = m_engine.connect();
+    addRow(open, "a");
+    EXPECT_EQ(failureOf([&] { ado::moveJetFile(m_engine.file(), moved); }), failures::permissionDenied);
+    addRow(open, "b");
+    EXPECT_EQ(rows(), 2) << "the user of the file goes on";
+
+    open->Close();
+    ado::moveJetFile(m_engine.file(), moved);
+    EXPECT_FALSE(QFile::exists(m_engine.file()));
+    EXPECT_EQ(openRecordset(FileEngine::connectTo(moved), "tblAll")->RecordCount(), 2);
+
+    EXPECT_EQ(failureOf([&] { ado::moveJetFile(m_engine.file(), moved); }), failures::fileNotFound);
+    const QString other = put("other.mdb", "no database");
+    EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, moved); }), failures::fileExists);
+    EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, other + "2"); }), 0);
+    EXPECT_EQ(bytes(other + "2"), "no database");
+}
+
+} // namespace
