@@ -112,31 +112,26 @@ std::optional<double> parseNumber(const QString &text) {
     const QString trimmed = text.trimmed();
     if (const std::optional<double> number = parseRadix(trimmed))
         return number;
-    const QLocale &locale = Region::locale();
+    const QChar decimalPoint = Region::locale().decimalPoint()[0];
+    const QChar group = Region::locale().groupSeparator()[0];
+    // In its plain form: no groups, a point, a small e.
     QString plain;
-    bool point = false;
-    bool exponent = false;
-    const QString group = locale.groupSeparator();
-    for (qsizetype i = 0; i < trimmed.size(); ++i) {
-        const QChar sign = trimmed[i];
-        if (sign == locale.decimalPoint()[0] && !point && !exponent) {
-            point = true;
+    bool whole = true;
+    for (const QChar sign : trimmed) {
+        const bool afterDigit = !plain.isEmpty() && plain.back().isDigit();
+        if (sign == decimalPoint) {
             plain += u'.';
-        } else if (!group.isEmpty() && (sign == group[0] || (group[0].isSpace() && sign.isSpace())) && !point &&
-                   !exponent && !plain.isEmpty() && plain.back().isDigit()) {
-            continue;
-        } else if ((sign == u'e' || sign == u'E' || sign == u'd' || sign == u'D') && !exponent && !plain.isEmpty()) {
-            exponent = true;
+            whole = false;
+        } else if (QStringLiteral("eEdD").contains(sign)) {
             plain += u'e';
-        } else if ((sign == u'-' || sign == u'+') && (plain.isEmpty() || plain.endsWith(u'e'))) {
-            plain += sign;
-        } else if (sign >= u'0' && sign <= u'9') {
-            plain += sign;
+            whole = false;
+        } else if (whole && afterDigit && (sign == group || (group.isSpace() && sign.isSpace()))) {
+            continue;
         } else {
-            return std::nullopt;
+            plain += sign;
         }
     }
-    static const QRegularExpression shape(QStringLiteral("^[+-]?(\\d+\\.?\\d*|\\.\\d+)(e[+-]?\\d+)?$"));
+    static const QRegularExpression shape(QStringLiteral("^[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)(e[+-]?[0-9]+)?$"));
     if (!shape.match(plain).hasMatch())
         return std::nullopt;
     bool ok = false;
