@@ -1,0 +1,176 @@
+// A database under definition: what is written, what is refused, and that a file is complete or absent.
+
+#include "platform/dao/dao.h"
+
+#include "platform/ado/command.h"
+#include "platform/ado/recordset.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QTemporaryDir>
+
+namespace {
+
+using namespace dao;
+
+class Definition : public ::testing::Test {
+  protected:
+    [[nodiscard]] QString path() const { return m_directory.filePath("new.mdb"); }
+    Ref<Database> create() {
+        return DBEngine().CreateDatabase(path(), ";LANGID=0x0409;CP=1252;COUNTRY=0", dbVersion40);
+    }
+    [[nodiscard]] QStringList files() const { return QDir(m_directory.path()).entryList(QDir::Files | QDir::Hidden); }
+
+    static Ref<TableDef> addTable(const Ref<Database> &database, const QString &name) {
+        const Ref<TableDef> table = database->CreateTableDef(name);
+        const Ref<Field> id = table->CreateField("intID", dbLong);
+        id->Attributes = dbAutoIncrField;
+        table->AppendField(id);
+        database->AppendTableDef(table);
+        return table;
+    }
+
+    static qint32 failureOf(const std::function<void()> &step) {
+        const std::optional<Failure> failure = Attempt(step);
+        return failure ? failure->number() : 0;
+    }
+
+    QTemporaryDir m_directory;
+};
+
+TEST_F(Definition, OfAFileIsCompleteOrAbsent) {
+    {
+        const Ref<Database> database = create();
+        addTable(database, "tblOne");
+        EXPECT_FALSE(files().contains("new.mdb")) << "a program that dies here leaves no file of that name";
+    }
+    EXPECT_EQ(files(), QStringList());
+
+    const Ref<Database> database = create();
+    addTable(database, "tblOne");
+    database->Close();
+    EXPECT_EQ(files(), QStringList("new.mdb"));
+    EXPECT_EQ(failureOf([&] { create(); }), databaseExists);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(database->TableDefs()); }), failures::objectNotSet);
+}
+
+TEST_F(Definition, DoesNotTakeTheNameOfAFileThatCameMeanwhile) {
+    const Ref<Database> mine = create();
+    const Ref<Database> theirs = create();
+    addTable(theirs, "tblTheirs");
+    theirs->Close();
+    EXPECT_EQ(failureOf([&] { mine->Close(); }), cannotCreate);
+    EXPECT_EQ(DBEngine().OpenDatabase(path())->TableDefs()[0]->Name, "tblTheirs");
+}
+
+TEST_F(Definition, IsReadBackAsItWasMade) {
+    {
+        const Ref<Database> database = create();
+        const Ref<TableDef> table = addTable(database, "tblOne");
+        const auto add = [&](const char *name, qint16 type, bool allowEmpty) {
+            const Ref<Field> field = table->CreateField(name, type, type == dbText ? 50 : 0);
+            field->AllowZeroLength = allowEmpty;
+            table->AppendField(field);
+        };
+        add("strA", dbText, true);
+        add("strB", dbText, false);
+        add("strC", dbMemo, false);
+        add("curD", dbCurrency, false);
+        add("dteE", dbDate, false);
+        add("blnF", dbBoolean, false);
+        add("intG", dbInteger, false);
+        table->Fields()[1]->AppendProperty(
+            table->Fields()[1]->CreateProperty("Caption", dbMemo, QString::fromUtf8("\u00C4")));
+        const Ref<Index> key = table->CreateIndex("PrimaryKey");
+        key->Primary = true;
+        key->AppendField(key->CreateField("intID"));
+        table->AppendIndex(key);
+        database->Close();
+    }
+    const Ref<Database> database = DBEngine().OpenDatabase(path());
+    const Ref<TableDef> table = database->FindTableDef("TBLONE");
+    QStringList fields;
+    for (const Ref<Field> &field : table->Fields())
+        fields.append(QString("%1:%2:%3:%4:%5")
+                          .arg(field->Name)
+                          .arg(field->Type)
+                          .arg(field->Size)
+                          .arg(field->Attributes)
+                          .arg(field->AllowZeroLength));
+    EXPECT_EQ(fields.join(" "), "intID:4:0:16:0 strA:10:50:0:1 strB:10:50:0:0 strC:12:0:0:0 curD:5:0:0:0 dteE:8:0:0:0 "
+                                "blnF:1:0:0:0 intG:3:0:0:0");
+    EXPECT_EQ(table->Fields()[1]->FindProperty("caption")->Value, Value(QString::fromUtf8("\u00C4")));
+    EXPECT_TRUE(table->Fields()[2]->FindProperty("Caption").isNothing());
+    ASSERT_EQ(table->Indexes().size(), 1);
+    EXPECT_EQ(table->Indexes()[0]->Name, "PrimaryKey");
+    EXPECT_TRUE(table->Indexes()[0]->Primary);
+    EXPECT_EQ(table->Indexes()[0]->Fields()[0]->Name, "intID");
+}
+
+TEST_F(Definition, RefusesWhatTheEngineDoesNotHold) {
+    const Ref<Database> database = create();
+    const Ref<TableDef> table = addTable(database, "tblOne");
+    EXPECT_EQ(failureOf([&] { addTable(database, "TBLone"); }), objectExists);
+    EXPECT_EQ(failureOf([&] { table->AppendField(table->CreateField("INTid", dbInteger)); }), objectExists);
+    EXPECT_EQ(failureOf([&] { table->AppendField(table->CreateField("x", 99)); }), unsupportedOperation);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(database->FindTableDef("tblNone")); }), dao::itemNotFound);
+    const Ref<Field> loose = table->CreateField("y", dbText, 5);
+    EXPECT_EQ(failureOf([&] { loose->AppendProperty(loose->CreateProperty("Caption", dbMemo, "z")); }),
+              dao::itemNotFound);
+    table->AppendField(loose);
+    const Ref<Index> key = table->CreateIndex("PrimaryKey");
+    key->Primary = true;
+    key->AppendField(key->CreateField("y"));
+    EXPECT_EQ(failureOf([&] { table->AppendIndex(key); }), unsupportedOperation);
+    EXPECT_EQ(
+        failureOf([&] { static_cast<void>(DBEngine().CreateDatabase(m_directory.filePath("no/such/x.mdb"), "", 0)); }),
+        failures::unspecified);
+}
+
+TEST_F(Definition, KeepsRelationsUntilTheyAreDeleted) {
+    const Ref<Database> database = create();
+    for (const char *name : {"one", "two", "three"})
+        database->AppendRelation({name, "tblA", "tblB", dbRelationDontEnforce});
+    EXPECT_EQ(failureOf([&] { database->AppendRelation({"four", "tblA", "tblB", 0}); }), unsupportedOperation);
+    database->DeleteRelation("two");
+    EXPECT_EQ(failureOf([&] { database->DeleteRelation("two"); }), dao::itemNotFound);
+    QStringList names;
+    for (const Relation &relation : database->Relations())
+        names.append(relation.Name);
+    EXPECT_EQ(names.join(" "), "one three");
+}
+
+TEST_F(Definition, AFileMadeHereTakesRowsAndHoldsItsRules) {
+    {
+        const Ref<Database> database = create();
+        const Ref<TableDef> table = addTable(database, "tblOne");
+        table->AppendField(table->CreateField("strMemo", dbMemo));
+        database->Close();
+    }
+    const auto connection = Ref<ado::Connection>::make();
+    connection->SetConnectionString("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path());
+    connection->Open();
+    const auto set = Ref<ado::Recordset>::make();
+    set->SetActiveConnection(connection);
+    set->SetSource("tblOne");
+    set->SetLockType(ado::LockType::Optimistic);
+    set->Open();
+    set->AddNew();
+    set->Fields("strMemo").SetValue("");
+    EXPECT_EQ(failureOf([&] { set->Update(); }), ado::constraintFailed);
+    set->Fields("strMemo").SetValue("x");
+    set->Update();
+    EXPECT_EQ(set->Fields("intID").Value(), Value(qint32{1}));
+
+    // The numbers of a table end with 32 bits: the row is refused, not stored under a number that can't be read.
+    ado::Command last;
+    last.SetActiveConnection(connection);
+    last.SetCommandText("UPDATE sqlite_sequence SET seq = 2147483647");
+    last.Execute();
+    set->AddNew();
+    set->Fields("strMemo").SetValue("y");
+    EXPECT_EQ(failureOf([&] { set->Update(); }), ado::constraintFailed);
+}
+
+} // namespace
