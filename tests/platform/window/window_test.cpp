@@ -1,0 +1,197 @@
+#include "platform/window/askers.h"
+#include "platform/window/window.h"
+#include "support/answers.h"
+
+#include <gtest/gtest-spi.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QRadioButton>
+#include <QTimer>
+
+namespace {
+
+using window::Buttons;
+using window::Icon;
+
+window::Sheet logon() {
+    using Kind = window::Field::Kind;
+    window::Sheet sheet;
+    sheet.name = "frmLogon";
+    sheet.title = "Logon";
+    sheet.fields = {{Kind::Text, "txtServer", "Server", "first", {}, {}},
+                    {Kind::Check, "chkTrusted", "Trusted", "1", {}, {}},
+                    {Kind::Password, "txtPassword", "Password", "secret", {}, "chkTrusted"},
+                    {Kind::Option, "optOne", "One", "1", {}, {}},
+                    {Kind::Option, "optTwo", "Two", "0", {}, {}}};
+    sheet.buttons = {{"cmdOK", "OK"}, {"cmdCancel", "Cancel"}};
+    return sheet;
+}
+
+/// Nobody is there: what the questions say on standard error.
+class NobodyThere : public testing::Test {
+  protected:
+    QString toldBy(const std::function<void()> &step) {
+        testing::internal::CaptureStderr();
+        step();
+        return QString::fromStdString(testing::internal::GetCapturedStderr());
+    }
+};
+
+TEST_F(NobodyThere, EachQuestionGetsItsCautiousAnswerAndIsTold) {
+    struct Case {
+        Buttons buttons;
+        std::optional<window::Answer> given;
+        window::Answer answer;
+        const char *name;
+    };
+    const std::vector<Case> cases = {
+        {Buttons::OK, {}, window::OK, "OK"},
+        {Buttons::OKCancel, {}, window::Cancel, "Cancel"},
+        {Buttons::YesNo, {}, window::No, "No"},
+        {Buttons::YesNoCancel, {}, window::Cancel, "Cancel"},
+        {Buttons::RetryCancel, {}, window::Cancel, "Cancel"},
+        {Buttons::YesNo, window::Yes, window::Yes, "Yes"},
+    };
+    for (const Case &c : cases) {
+        window::Answer answer{};
+        const QString told =
+            toldBy([&] { answer = window::msgBox("Open\r\nit now?", c.buttons, Icon::Question, "Title", c.given); });
+        EXPECT_EQ(answer, c.answer) << c.name;
+        EXPECT_EQ(told, QString("[Title] Open\nit now?\n[Title] answered: %1\n").arg(c.name));
+    }
+}
+
+TEST_F(NobodyThere, ADialogIsClosedAndItsPasswordIsNotTold) {
+    window::Sheet sheet = logon();
+    const QString told = toldBy([&] { EXPECT_EQ(window::showSheet(sheet), ""); });
+    EXPECT_TRUE(told.contains("txtServer Server: first")) << told.toStdString();
+    EXPECT_FALSE(told.contains("secret"));
+    EXPECT_TRUE(told.contains("answered: closed"));
+    sheet.cautious = "cmdOK";
+    EXPECT_TRUE(toldBy([&] { EXPECT_EQ(window::showSheet(sheet), "cmdOK"); }).contains("answered: cmdOK"));
+    EXPECT_TRUE(toldBy([&] { EXPECT_EQ(window::inputBox("Name?", "Title", "preset"), ""); }).contains("Name?"));
+}
+
+TEST(ScriptedAnswers, AreUsedUpInOrder) {
+    support::Answers answers;
+    answers.expect("first", window::Yes);
+    answers.expectSheet("frmLogon", "cmdOK", {{"txtServer", "second"}});
+    answers.expectSheet("inputBox", "cmdOK", {{"txtInput", "a name"}});
+    EXPECT_EQ(window::msgBox("the first", Buttons::YesNo, Icon::None, "Title"), window::Yes);
+    window::Sheet sheet = logon();
+    EXPECT_EQ(window::showSheet(sheet), "cmdOK");
+    EXPECT_EQ(sheet.value("txtServer"), "second");
+    EXPECT_EQ(window::inputBox("Name?", "Title", "preset"), "a name");
+}
+
+TEST(ScriptedAnswers, FailTheTestWhenTheyDoNotFit) {
+    EXPECT_NONFATAL_FAILURE(
+        {
+            const support::Answers answers;
+            window::msgBox("surprise", Buttons::OK, Icon::None, "Title");
+        },
+        "Unexpected question: surprise");
+    EXPECT_NONFATAL_FAILURE(
+        {
+            support::Answers answers;
+            answers.expect("never");
+        },
+        "was not asked: never");
+    EXPECT_NONFATAL_FAILURE(
+        {
+            const support::Answers answers;
+            window::Sheet sheet = logon();
+            window::showSheet(sheet);
+        },
+        "Unexpected dialog: frmLogon");
+}
+
+/// A person at the display, who acts while the dialog is open.
+class APerson : public testing::Test {
+  protected:
+    template <class T>
+    static T *find(const QString &name) {
+        T *widget = QApplication::activeModalWidget()->findChild<T *>(name);
+        if (widget == nullptr)
+            ADD_FAILURE() << "There is no " << name.toStdString();
+        return widget;
+    }
+    static void click(const QString &name) {
+        auto *button = find<QAbstractButton>(name);
+        if (button != nullptr && !button->isEnabled())
+            ADD_FAILURE() << name.toStdString() << " is disabled";
+        if (button != nullptr)
+            button->click();
+    }
+    static void whileOpen(const std::function<void()> &step) { QTimer::singleShot(0, qApp, step); }
+
+    std::unique_ptr<window::Asker> asker = window::makeWidgetAsker();
+};
+
+TEST_F(APerson, AnswersByTheButtonsOfTheBox) {
+    struct Case {
+        Buttons buttons;
+        const char *button;
+        window::Answer answer;
+    };
+    const std::vector<Case> cases = {
+        {Buttons::OK, "cmdOK", window::OK},          {Buttons::OKCancel, "cmdCancel", window::Cancel},
+        {Buttons::YesNo, "cmdYes", window::Yes},     {Buttons::YesNo, "cmdNo", window::No},
+        {Buttons::YesNoCancel, "cmdNo", window::No}, {Buttons::RetryCancel, "cmdRetry", window::Retry},
+    };
+    for (const Case &c : cases) {
+        whileOpen([&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            EXPECT_EQ(box->objectName(), "messageBox");
+            EXPECT_EQ(box->text(), "<b>Really?</b>");
+            EXPECT_EQ(box->textFormat(), Qt::PlainText);
+            click(c.button);
+        });
+        EXPECT_EQ(asker->ask({"<b>Really?</b>", c.buttons, Icon::Question, "Title", window::OK}), c.answer);
+    }
+}
+
+TEST_F(APerson, IsTakenForCautiousWhenTheProcessEndsUnderTheBox) {
+    whileOpen([] { QApplication::activeModalWidget()->close(); });
+    EXPECT_EQ(asker->ask({"Really?", Buttons::YesNo, Icon::None, "Title", window::No}), window::No);
+}
+
+TEST_F(APerson, FillsInADialog) {
+    window::Sheet sheet = logon();
+    whileOpen([] {
+        EXPECT_EQ(QApplication::activeModalWidget()->windowTitle(), "Logon");
+        EXPECT_FALSE(find<QLineEdit>("txtPassword")->isEnabled());
+        EXPECT_EQ(find<QLineEdit>("txtPassword")->echoMode(), QLineEdit::Password);
+        click("chkTrusted");
+        EXPECT_TRUE(find<QLineEdit>("txtPassword")->isEnabled());
+        find<QLineEdit>("txtPassword")->setText("a;b");
+        find<QLineEdit>("txtServer")->setText("second");
+        click("optTwo");
+        click("cmdOK");
+    });
+    EXPECT_EQ(asker->show(sheet), "cmdOK");
+    const std::vector<std::pair<const char *, const char *>> values = {
+        {"txtServer", "second"}, {"chkTrusted", "0"}, {"txtPassword", "a;b"}, {"optOne", "0"}, {"optTwo", "1"}};
+    for (const auto &[name, value] : values)
+        EXPECT_EQ(sheet.value(name), value) << name;
+    whileOpen([] { QApplication::activeModalWidget()->close(); });
+    EXPECT_EQ(asker->show(sheet), "");
+}
+
+TEST(Windows, AreBroughtForwardByTheirTitle) {
+    QLabel label;
+    label.setWindowTitle("A title");
+    EXPECT_FALSE(window::activate("A title"));
+    label.show();
+    EXPECT_TRUE(window::activate("A title"));
+    EXPECT_FALSE(window::activate("Another title"));
+}
+
+} // namespace
