@@ -12,4 +12,7 @@ QString textFromHtml(const QString &html);
 /// A plain text as a piece of HTML that looks the same: escaped, line breaks as <br>, runs of blanks kept.
 QString htmlFromText(const QString &text);
 
+/// What stands between a page's body tags; the whole text when it has no body tag.
+QString bodyOfPage(const QString &html);
+
 } // namespace desk

@@ -39,6 +39,8 @@ struct Attachment {
     QString name;
     /// In lower case, such as "image/png"; never empty.
     QString mimeType = "application/octet-stream";
+    /// The character set of a text, as the sender named it; often empty.
+    QString charset;
     /// Without angle brackets; what "cid:" links in the HTML body name.
     QString contentId;
     /// Meant to be seen inside the body, not beside it.
@@ -48,8 +50,8 @@ struct Attachment {
     friend bool operator==(const Attachment &, const Attachment &) = default;
 };
 
-/// A message. Texts are Unicode, whatever the message used; header texts hold no line breaks or other control
-/// characters; the bodies' lines end in CR LF.
+/// A message. Texts are Unicode, whatever the message used. Header texts are one line without control characters and
+/// without blanks at the ends. The bodies' lines end in CR LF. No text holds a NUL.
 struct Message {
     QString subject;
     /// Who wrote it ("From").

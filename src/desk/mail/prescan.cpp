@@ -1,0 +1,152 @@
+#include "desk/mail/prescan.h"
+
+#include <QByteArrayView>
+
+namespace desk {
+namespace {
+
+/// Lines that may be header fields or boundaries.
+constexpr qint64 mostHeaderLines = 250'000;
+/// Boundary lines, each counted once for every multipart that may be open there.
+constexpr qint64 mostComparisons = 100'000'000;
+/// The library opens no more multiparts inside one another than this.
+constexpr qint64 mostOpenMultiparts = 1024;
+constexpr qsizetype longestFieldName = 200;
+
+class Lines {
+  public:
+    explicit Lines(QByteArrayView bytes) : m_bytes(bytes) {}
+
+    bool next() {
+        if (m_next >= m_bytes.size())
+            return false;
+        start = m_next;
+        qsizetype end = m_bytes.indexOf('\n', start);
+        if (end < 0)
+            end = m_bytes.size();
+        m_next = std::min(end + 1, m_bytes.size());
+        line = m_bytes.sliced(start, end - start);
+        if (line.endsWith('\r'))
+            line.chop(1);
+        return true;
+    }
+
+    QByteArrayView line; ///< without its end
+    qsizetype start = 0;
+
+  private:
+    QByteArrayView m_bytes;
+    qsizetype m_next = 0;
+};
+
+bool isField(QByteArrayView line) {
+    const QByteArrayView front = line.first(std::min(line.size(), longestFieldName));
+    qsizetype colon = front.indexOf(':');
+    if (colon <= 0)
+        return false;
+    while (colon > 1 && (front[colon - 1] == ' ' || front[colon - 1] == '\t'))
+        --colon;
+    return std::all_of(front.begin(), front.begin() + colon, [](char c) { return c > ' ' && c < 0x7F; });
+}
+
+bool isPostmark(QByteArrayView line) { return line.startsWith("From ") || line.startsWith(">From "); }
+
+/// Where the header begins: behind what does not belong to it.
+qsizetype headerStart(QByteArrayView bytes) {
+    Lines lines(bytes);
+    while (lines.next()) {
+        if (isField(lines.line))
+            return lines.start;
+        if (!lines.line.isEmpty() && !isPostmark(lines.line))
+            break;
+    }
+    return -1;
+}
+
+bool isWellKnown(QByteArrayView line) {
+    static constexpr std::array<QByteArrayView, 9> names = {
+        "From:",        "To:",         "Subject:",      "Date:",        "Received:",
+        "Return-Path:", "Message-ID:", "MIME-Version:", "Content-Type:"};
+    return std::any_of(names.begin(), names.end(), [&](QByteArrayView name) {
+        return line.first(std::min(line.size(), name.size())).compare(name, Qt::CaseInsensitive) == 0;
+    });
+}
+
+/// A header behind lines that are none, when the lines up to the first empty one leave no doubt that it is one.
+qsizetype buriedHeader(QByteArrayView bytes) {
+    constexpr int linesLookedAt = 50;
+    Lines lines(bytes);
+    for (int i = 0; i < linesLookedAt && lines.next() && !lines.line.isEmpty(); ++i) {
+        if (isWellKnown(lines.line))
+            return lines.start;
+    }
+    return -1;
+}
+
+bool mentionsBoundary(QByteArrayView line) {
+    const QByteArray lower = line.first(std::min<qsizetype>(line.size(), 10'000)).toByteArray().toLower();
+    return lower.contains("boundary") || lower.contains("multipart");
+}
+
+/// Counts what the message costs, and blanks NULs in headers.
+void count(Prescan &scan) {
+    Lines lines(scan.bytes);
+    bool inHeader = true;
+    bool inFirstHeader = true;
+    qint64 headerLines = 0;
+    qint64 comparisons = 0;
+    qint64 multiparts = 0;
+    QList<qsizetype> nulls;
+    scan.affordable = scan.bytes.size();
+    while (lines.next()) {
+        if (inHeader && lines.line.isEmpty()) {
+            inHeader = inFirstHeader = false;
+            continue;
+        }
+        const bool boundary = lines.line.startsWith("--");
+        inHeader = inHeader || boundary;
+        if (!inHeader)
+            continue;
+        headerLines += 1;
+        comparisons += boundary ? std::min(multiparts, mostOpenMultiparts) : 0;
+        multiparts += mentionsBoundary(lines.line) ? 1 : 0;
+        if (headerLines > mostHeaderLines || comparisons > mostComparisons) {
+            scan.affordable = lines.start;
+            return;
+        }
+        for (qsizetype at = lines.line.indexOf('\0'); at >= 0; at = lines.line.indexOf('\0', at + 1))
+            nulls.append(lines.start + at);
+        const bool folded = lines.line.startsWith(' ') || lines.line.startsWith('\t');
+        if (inFirstHeader && scan.strayLine < 0 && !folded && !isField(lines.line))
+            scan.strayLine = lines.start;
+    }
+    for (const qsizetype at : nulls)
+        scan.bytes[at] = ' ';
+}
+
+} // namespace
+
+bool beginsWithHeader(QByteArrayView bytes) {
+    Lines lines(bytes);
+    return lines.next() && isField(lines.line);
+}
+
+Prescan prescan(const QByteArray &message) {
+    Prescan scan;
+    scan.bytes = message;
+    if (!scan.bytes.contains('\n') && scan.bytes.contains('\r'))
+        scan.bytes.replace('\r', '\n');
+    qsizetype start = headerStart(scan.bytes);
+    if (start < 0)
+        start = buriedHeader(scan.bytes);
+    scan.hasHeader = start >= 0;
+    if (start > 0)
+        scan.bytes.remove(0, start);
+    if (scan.hasHeader)
+        count(scan);
+    else
+        scan.affordable = scan.bytes.size();
+    return scan;
+}
+
+} // namespace desk

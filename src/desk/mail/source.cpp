@@ -1,0 +1,111 @@
+#include "desk/mail/source.h"
+
+#include "desk/mail/mbox.h"
+#include "platform/value/failure.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace desk {
+namespace {
+
+QString tooLong(qint64 maximumSize) {
+    return QString("The message is longer than %1 bytes and was passed over.").arg(maximumSize);
+}
+
+/// The files of a list, one message each.
+class FileSource final : public MessageSource {
+  public:
+    FileSource(QStringList paths, qint64 maximumSize) : m_paths(std::move(paths)), m_maximumSize(maximumSize) {}
+
+    bool next(SourceMessage &message) override {
+        if (m_next >= m_paths.size())
+            return false;
+        message = {m_paths.at(m_next++), {}, {}};
+        QFile file(message.name);
+        if (!file.open(QIODevice::ReadOnly)) {
+            message.error = QString("The message could not be read: %1").arg(file.errorString());
+            return true;
+        }
+        message.bytes = file.read(m_maximumSize + 1);
+        if (message.bytes.size() > m_maximumSize) {
+            message.bytes.clear();
+            message.error = tooLong(m_maximumSize);
+        } else if (file.error() != QFileDevice::NoError) {
+            message.bytes.clear();
+            message.error = QString("The message could not be read: %1").arg(file.errorString());
+        }
+        return true;
+    }
+
+  private:
+    QStringList m_paths;
+    qsizetype m_next = 0;
+    qint64 m_maximumSize;
+};
+
+class MboxSource final : public MessageSource {
+  public:
+    MboxSource(const QString &path, std::unique_ptr<QFile> file, qint64 maximumSize)
+        : m_path(path), m_file(std::move(file)), m_reader(*m_file, maximumSize), m_maximumSize(maximumSize) {}
+
+    bool next(SourceMessage &message) override {
+        message = {};
+        bool complete = true;
+        if (!m_reader.next(message.bytes, complete))
+            return false;
+        message.name = QString("%1#%2").arg(m_path).arg(++m_number);
+        if (!complete) {
+            message.bytes.clear();
+            message.error = tooLong(m_maximumSize);
+        }
+        return true;
+    }
+
+  private:
+    QString m_path;
+    std::unique_ptr<QFile> m_file;
+    MboxReader m_reader;
+    qint64 m_maximumSize;
+    int m_number = 0;
+};
+
+QStringList filesIn(const QString &path, const QStringList &patterns = {}) {
+    const QDir folder(path);
+    QStringList names = folder.entryList(patterns, QDir::Files);
+    // By code units: the same on every machine, whatever its language.
+    std::sort(names.begin(), names.end());
+    for (QString &name : names)
+        name = folder.filePath(name);
+    return names;
+}
+
+QStringList messagesIn(const QString &path) {
+    const QDir folder(path);
+    if (folder.exists("cur") && folder.exists("new"))
+        return filesIn(folder.filePath("new")) + filesIn(folder.filePath("cur"));
+    return filesIn(path, {"*.eml"});
+}
+
+} // namespace
+
+std::unique_ptr<MessageSource> MessageSource::open(const QString &path, qint64 maximumSize) {
+    const QFileInfo info(path);
+    if (!info.exists())
+        throw Failure(failures::fileNotFound, QString("There is no file or folder \"%1\".").arg(path));
+    if (info.isDir()) {
+        if (!info.isReadable())
+            throw Failure(failures::permissionDenied, QString("The folder \"%1\" can't be read.").arg(path));
+        return std::make_unique<FileSource>(messagesIn(path), maximumSize);
+    }
+    auto file = std::make_unique<QFile>(path);
+    if (!file->open(QIODevice::ReadOnly))
+        throw Failure(failures::permissionDenied, QString("\"%1\" can't be read: %2").arg(path, file->errorString()));
+    const bool single = path.endsWith(u".eml", Qt::CaseInsensitive) || file->peek(5) != "From ";
+    if (single)
+        return std::make_unique<FileSource>(QStringList(path), maximumSize);
+    return std::make_unique<MboxSource>(path, std::move(file), maximumSize);
+}
+
+} // namespace desk

@@ -1,0 +1,43 @@
+/// Which parts of a message are its body and which are attachments.
+#pragma once
+
+#include "desk/mail/gmime.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <vector>
+
+namespace desk {
+
+/// One part that holds no other parts, or that is kept closed.
+struct Leaf {
+    GMimeObject *object; ///< belongs to the parsed message
+    QByteArray type;     ///< in lower case, such as "text/plain"
+    QByteArray disposition;
+    QString name;
+    /// A multipart in which no part was found stands for the text that it holds.
+    const char *bareText = nullptr;
+
+    [[nodiscard]] bool isText() const { return type == "text/plain" || type == "text/html"; }
+    /// The content with its transfer encoding undone. Of a multipart kept closed, its source.
+    [[nodiscard]] QByteArray content() const;
+    /// A parameter of the content type; empty when there is none.
+    [[nodiscard]] QByteArray parameter(const char *name) const;
+};
+
+/// A message laid out. The two bodies list the same part where it serves both.
+struct Layout {
+    std::vector<Leaf> text;
+    std::vector<Leaf> html;
+    std::vector<Leaf> attachments;
+    /// The source of the parts beyond the largest number that is read.
+    QByteArray unread;
+};
+
+/// Sorts the parts below `root` by what mail programs agree on: a text is body unless it is marked as an attachment, or
+/// has a name and is not the first of its multipart; of alternatives the HTML goes to one body and the plain text to
+/// the other, and the only one there is to both; in "related" only the first part is body.
+Layout layOut(GMimeObject *root);
+
+} // namespace desk
