@@ -1,0 +1,74 @@
+#include "core/main/programrun.h"
+
+#include "core/entry.h"
+#include "core/errorhandler.h"
+#include "core/main/main.h"
+#include "core/process.h"
+#include "outlook/forms.h"
+#include "outlook/session.h"
+#include "platform/safeobjects/safeobjects.h"
+
+ProgramRun::ProgramRun(ProgramSetup setup, std::function<void()> ended)
+    : m_setup(std::move(setup)), m_ended(std::move(ended)) {}
+
+ProgramRun::~ProgramRun() {
+    m_ended = nullptr;
+    quit();
+    const ProgramCopy::Scope scope(m_copy);
+    m_copy.clear();
+}
+
+void ProgramRun::prepare() {
+    runningHost = [this] {
+        automation::ObjectPtr application = m_setup.host ? m_setup.host() : nullptr;
+        m_hostReached = application != nullptr;
+        return application;
+    };
+    strProgramFolderOverride = m_setup.strProgramFolder;
+    processHooks->subReleaseAll = &subReleaseObjects;
+    processHooks->subStartOutlook = &subStartOutlook;
+    processHooks->ended = [this] { finish(); };
+    safeobjects::registerComponents([] { return onsMAPI->object(); });
+}
+
+void ProgramRun::start() {
+    const ProgramCopy::Scope scope(m_copy);
+    prepare();
+    m_starting = true;
+    m_alive = true;
+    enterProgram([this] {
+        // A profile that isn't there has no other instance either; that the host is missing is told later.
+        if (!m_setup.instanceFile.isEmpty())
+            Attempt([this] { m_lock.emplace(m_setup.instanceFile); });
+        blnPreviousInstance = m_lock && !m_lock->isFirst();
+        Main(m_setup.strCommand);
+    });
+    // Without a form nothing can come any more, and the process ends by itself.
+    if (m_alive && loadedForms->isEmpty())
+        finish();
+    m_starting = false;
+    if (!m_alive)
+        m_copy.clear();
+}
+
+void ProgramRun::quit() {
+    if (!m_alive)
+        return;
+    const ProgramCopy::Scope scope(m_copy);
+    enterProgram([] { subQuit(); });
+}
+
+void ProgramRun::hostGone() {
+    if (!m_alive)
+        return;
+    const ProgramCopy::Scope scope(m_copy);
+    enterProgram([] { subErrorHandler(Failure(failures::peerGone), "ProgramRun.hostGone"); });
+}
+
+void ProgramRun::finish() {
+    m_alive = false;
+    m_exitStatus = strErrorReport->isEmpty() && m_hostReached ? 0 : 1;
+    m_lock.reset();
+    if (m_ended && !m_starting)
+        m_ended();
+}

@@ -1,0 +1,100 @@
+// The ticket run: a ticket from the mail that the person has selected or opened.
+
+#include "core/dialogs.h"
+#include "core/main/main.h"
+#include "core/runtime.h"
+#include "mail/createticket.h"
+#include "outlook/properties.h"
+#include "outlook/safeutils.h"
+#include "reference/settings.h"
+#include "reference/texts.h"
+#include "ticket/ticketfolders.h"
+
+namespace {
+constexpr char received[] = "Received";
+constexpr qint32 discard = 1;
+
+host::Item fncSelectedItem() {
+    const host::Handle window = ouaOutlook->ActiveWindow();
+    if (window.isNothing())
+        return {};
+    const QString strType = window.typeName();
+    if (strType == "Explorer") {
+        const host::Selection selection = host::Explorer(window).Selection();
+        return selection.Count() == 1 ? selection.Item(1) : host::Item();
+    }
+    if (strType == "Inspector")
+        return host::Inspector(window).CurrentItem();
+    return {};
+}
+
+bool fncUsesSubFolders() {
+    return toInt16(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
+}
+
+/// Files the mail under its ticket and gives the question to ask; empty when it could not be filed.
+QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID) {
+    const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, received);
+    if (ouf.isNothing())
+        return {};
+    oui.Move(ouf);
+    const host::Handle window = ouaOutlook->ActiveWindow();
+    if (window && window.typeName() == "Inspector")
+        ouaOutlook->ActiveInspector().Close(discard);
+    return LNGEMAILMOVEDTORECIEVEDSF;
+}
+
+/// Makes the ticket, keeps a copy of the mail under it, and gives the question to ask.
+QString fncMakeTicket(const host::Item &oui, QString &strTicketID) {
+    strTicketID = fncCreateSingleTicket(oui);
+    if (strTicketID.isEmpty())
+        return {};
+    if (fncUsesSubFolders()) {
+        const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, received);
+        if (ouf)
+            Attempt([&] { oui.Copy().Move(ouf); });
+    }
+    return LNGTICKETCREATEDOPENNOW;
+}
+
+bool fncExplorerOnFolder() {
+    const QString strEntryID = oufTickets->EntryID();
+    const host::Explorers explorers = ouaOutlook->Explorers();
+    for (qint32 i = explorers.Count(); i >= 1; --i) {
+        if (AttemptOr([&] { return explorers.Item(i).CurrentFolder().EntryID() == strEntryID; }, false))
+            return true;
+    }
+    return false;
+}
+
+void subOpenTicket(const QString &strTicketID) {
+    constexpr qint32 maximised = 0;
+    if (!fncExplorerOnFolder()) {
+        const host::Explorer oue = ouaOutlook->Explorers().Add(oufTickets, 1);
+        oue.Display();
+        oue.WindowState(maximised);
+        oue.Activate();
+        subSetupOutlookMonitor(oue);
+        objSettings->GetSettings(false);
+    }
+    oufTickets->Items().Find("[Ticket ID] = " + fncQuoted(strTicketID)).Display();
+}
+
+void subHandle(const host::Item &oui) {
+    QString strTicketID = fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
+    const QString strQuestion =
+        strTicketID.isEmpty() ? fncMakeTicket(oui, strTicketID) : fncFileUnderTicket(oui, strTicketID);
+    if (!strQuestion.isEmpty() && fncAssistantYesNo(ouaOutlook, strQuestion, 4) == window::Yes)
+        subOpenTicket(strTicketID);
+}
+} // namespace
+
+void subCreateTicketFromSelected() try {
+    subTrace("Attempting to find the currently selected email to create a ticket from");
+    const host::Item oui = fncSelectedItem();
+    if (oui)
+        subHandle(oui);
+    subCleanupSafeUtils();
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "subCreateTicketFromSelected");
+}
