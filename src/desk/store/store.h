@@ -11,14 +11,17 @@
 /// A Store belongs to the thread that opened it, and must not be used in a forked child.
 #pragma once
 
+#include "desk/store/entryid.h"
 #include "desk/store/records.h"
 
 #include <chrono>
+#include <string_view>
 
 namespace desk {
 
 class Connection;
 class FolderOrder;
+struct Bind;
 
 struct StoreOptions {
     /// The name of the root folder of a store that is made anew.
@@ -40,7 +43,8 @@ class Store {
     [[nodiscard]] const QString &path() const;
     /// 40 hexadecimal characters, the same for as long as the file lives.
     [[nodiscard]] QString storeId() const;
-    [[nodiscard]] QByteArray tag() const;
+    /// The bytes that its entry identifiers carry.
+    [[nodiscard]] const QByteArray &tag() const { return m_tag; }
 
     // --- Folders. An unknown folder is `notFound`. A name is taken once in a folder, compared exactly; a second is
     // `keyExists`.
@@ -109,8 +113,14 @@ class Store {
   private:
     friend class Transfer;
 
+    [[nodiscard]] qint64 numberFor(const QString &entryId, EntryId::Kind kind) const;
+    std::optional<FolderRecord> folderBy(std::string_view sql, std::initializer_list<Bind> binds);
+    QList<FolderRecord> foldersBy(std::string_view sql, std::initializer_list<Bind> binds);
+
     std::unique_ptr<Connection> m_connection;
     std::unique_ptr<FolderOrder> m_order;
+    QByteArray m_tag;
+    qint64 m_seenVersion = 0;
 };
 
 } // namespace desk

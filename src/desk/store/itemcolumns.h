@@ -1,0 +1,39 @@
+/// How the fields of `ItemRecord` stand in the table `items`: the one list that reading, writing and look-ups share.
+#pragma once
+
+#include "desk/store/connection.h"
+#include "desk/store/records.h"
+
+namespace desk {
+
+struct ItemColumn {
+    Field field;
+    std::string_view name;
+    std::variant<QString ItemRecord::*, qint32 ItemRecord::*, bool ItemRecord::*, DateTime ItemRecord::*> member;
+    /// Whether there is a folded key beside it (`<name>_key`) and an index on folder, key and arrival.
+    bool indexed = false;
+
+    [[nodiscard]] bool isText() const { return member.index() == 0; }
+    [[nodiscard]] std::string keyName() const { return std::string(name) + "_key"; }
+};
+
+/// In the order of the fields.
+std::span<const ItemColumn> itemColumns();
+const ItemColumn &itemColumn(Field field);
+
+/// The field's value in a record, as a value and as the database holds it.
+Value fieldOf(const ItemRecord &record, const ItemColumn &column);
+QVariant storedField(const ItemRecord &record, const ItemColumn &column);
+/// The key of an indexed field, as the database holds it.
+QVariant storedKey(const ItemRecord &record, const ItemColumn &column);
+
+/// An item's size, in a select from `items AS i`.
+constexpr std::string_view sizeColumn =
+    "CASE WHEN i.original_bytes > i.body_bytes + i.attachment_bytes THEN i.original_bytes"
+    " ELSE i.body_bytes + i.attachment_bytes END";
+
+/// The columns of a select from `items AS i` that `recordFrom` reads.
+const std::string &recordColumns();
+ItemRecord recordFrom(const Row &row, const QByteArray &storeTag);
+
+} // namespace desk

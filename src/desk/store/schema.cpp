@@ -1,0 +1,157 @@
+#include "desk/store/schema.h"
+
+#include "desk/store/entryid.h"
+#include "desk/store/itemcolumns.h"
+#include "desk/store/storedtext.h"
+
+#include <QRandomGenerator>
+#include <QThread>
+
+namespace desk {
+
+namespace {
+
+/// Marks the file as a message store, whatever its version.
+constexpr qint64 applicationId = 0x4D53544F;
+constexpr qint64 schemaVersion = 1;
+
+/// Every table but `items`, whose columns follow from the list of fields.
+///
+/// `store` has one row. `sequence` is the last number given out, of a folder, item, attachment or arrival alike: none
+/// is ever given out twice. `removals` counts the items that left a folder, so that a reader knows whether the
+/// positions that it remembers still hold. A row of `properties` repeats its item's folder and arrival, so that one
+/// index finds the first item of a folder by a property's value.
+constexpr const char *tables[] = {
+    "CREATE TABLE store (tag BLOB NOT NULL, sequence INTEGER NOT NULL)",
+
+    "CREATE TABLE folders (id INTEGER PRIMARY KEY, parent INTEGER REFERENCES folders ON DELETE CASCADE,"
+    " name TEXT NOT NULL, item_type INTEGER NOT NULL, home_page TEXT NOT NULL, home_page_on INTEGER NOT NULL,"
+    " special INTEGER NOT NULL, removals INTEGER NOT NULL DEFAULT 0)",
+    "CREATE UNIQUE INDEX folders_by_name ON folders (parent, name)",
+
+    "CREATE TABLE bodies (item INTEGER PRIMARY KEY REFERENCES items ON DELETE CASCADE, plain TEXT NOT NULL,"
+    " html TEXT NOT NULL)",
+    "CREATE TABLE originals (item INTEGER PRIMARY KEY REFERENCES items ON DELETE CASCADE, data BLOB NOT NULL)",
+
+    "CREATE TABLE properties (item INTEGER NOT NULL REFERENCES items ON DELETE CASCADE, name_key TEXT NOT NULL,"
+    " position INTEGER NOT NULL, name TEXT NOT NULL, type INTEGER NOT NULL, value, value_key TEXT NOT NULL,"
+    " folder INTEGER, arrival INTEGER NOT NULL, PRIMARY KEY (item, name_key)) WITHOUT ROWID",
+    "CREATE INDEX properties_by_value ON properties (name_key, value_key, folder, arrival) WHERE value_key <> ''",
+
+    // The data stand last: the columns before them are read without them.
+    "CREATE TABLE attachments (id INTEGER PRIMARY KEY, item INTEGER NOT NULL REFERENCES items ON DELETE CASCADE,"
+    " position INTEGER NOT NULL, type INTEGER NOT NULL, file_name TEXT NOT NULL, display_name TEXT NOT NULL,"
+    " mime_type TEXT NOT NULL, content_id TEXT NOT NULL, size INTEGER NOT NULL, data BLOB NOT NULL)",
+    "CREATE INDEX attachments_by_item ON attachments (item, position)",
+
+    "CREATE TABLE transfers_in (item INTEGER PRIMARY KEY REFERENCES items ON DELETE CASCADE, transfer BLOB NOT NULL,"
+    " source BLOB NOT NULL, folder INTEGER NOT NULL)",
+    "CREATE TABLE transfers_out (transfer BLOB PRIMARY KEY, target BLOB NOT NULL) WITHOUT ROWID",
+};
+
+/// An item without a folder is a copy in the middle of a move between stores.
+std::string itemsTable() {
+    std::string sql = "CREATE TABLE items (id INTEGER PRIMARY KEY, folder INTEGER REFERENCES folders ON DELETE CASCADE,"
+                      " version INTEGER NOT NULL, arrival INTEGER NOT NULL, modified_at REAL NOT NULL,"
+                      " attachment_count INTEGER NOT NULL DEFAULT 0, body_bytes INTEGER NOT NULL DEFAULT 0,"
+                      " attachment_bytes INTEGER NOT NULL DEFAULT 0, original_bytes INTEGER NOT NULL DEFAULT 0";
+    for (const ItemColumn &column : itemColumns()) {
+        static constexpr const char *kinds[] = {" TEXT", " INTEGER", " INTEGER", " REAL"};
+        sql.append(", ").append(column.name).append(kinds[column.member.index()]).append(" NOT NULL");
+        if (column.indexed)
+            sql.append(", ").append(column.keyName()).append(" TEXT NOT NULL");
+    }
+    return sql + ")";
+}
+
+/// Empty values are left out: most items have none of a field, and an index of them would cost every save a page.
+std::string itemsIndex(const ItemColumn &column) {
+    return "CREATE INDEX items_by_" + std::string(column.name) + " ON items (folder, " + column.keyName() +
+           ", arrival) WHERE " + column.keyName() + " <> ''";
+}
+
+QByteArray randomTag() {
+    QByteArray tag(EntryId::tagBytes, Qt::Uninitialized);
+    for (char &byte : tag)
+        byte = static_cast<char>(QRandomGenerator::system()->generate() & 0xFF);
+    return tag;
+}
+
+void createTables(Connection &connection, const QString &rootName) {
+    connection.once(QString::fromStdString(itemsTable()));
+    for (const char *table : tables)
+        connection.once(QString::fromLatin1(table));
+    connection.once(QStringLiteral("CREATE INDEX items_by_arrival ON items (folder, arrival)"));
+    for (const ItemColumn &column : itemColumns())
+        if (column.indexed)
+            connection.once(QString::fromStdString(itemsIndex(column)));
+    connection.run("INSERT INTO store (tag, sequence) VALUES (:tag, 1)", {{"tag", randomTag()}});
+    connection.run("INSERT INTO folders (id, parent, name, item_type, home_page, home_page_on, special)"
+                   " VALUES (1, NULL, :name, 0, '', 0, 0)",
+                   {{"name", storedText(rootName)}});
+    connection.once(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
+    connection.once(QStringLiteral("PRAGMA user_version = %1").arg(schemaVersion));
+}
+
+/// The file's version, 0 for an empty one.
+qint64 checkedVersion(Connection &connection) {
+    const qint64 application = connection.once(QStringLiteral("PRAGMA application_id")).toLongLong();
+    const qint64 version = connection.once(QStringLiteral("PRAGMA user_version")).toLongLong();
+    const bool isEmpty = connection.once(QStringLiteral("SELECT count(*) FROM sqlite_master")).toLongLong() == 0;
+    if (application == 0 && version == 0 && isEmpty)
+        return 0;
+    if (application != applicationId)
+        throw Failure(failures::unspecified,
+                      QStringLiteral("The file %1 is another program's and no message store; choose another file.")
+                          .arg(connection.path()));
+    if (version > schemaVersion)
+        throw Failure(failures::unspecified,
+                      QStringLiteral("The store %1 was written by a newer version of this program (its format is %2, "
+                                     "this program knows up to %3); update the program to open it.")
+                          .arg(connection.path())
+                          .arg(version)
+                          .arg(schemaVersion));
+    return version;
+}
+
+/// The engine does not wait by itself when two connections switch a new file to its journal at once.
+void useWriteAheadLog(Connection &connection, std::chrono::milliseconds wait) {
+    const auto end = std::chrono::steady_clock::now() + wait;
+    while (true) {
+        const std::optional<Failure> failure =
+            Attempt([&] { connection.once(QStringLiteral("PRAGMA journal_mode = WAL")); });
+        if (!failure)
+            return;
+        if (failure->number() != failures::unspecified || std::chrono::steady_clock::now() > end)
+            throw Failure(*failure);
+        QThread::msleep(5);
+    }
+}
+
+} // namespace
+
+QByteArray prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait) {
+    const qint64 version = checkedVersion(connection);
+    if (version == 0)
+        useWriteAheadLog(connection, wait);
+    connection.once(QStringLiteral("PRAGMA synchronous = FULL"));
+    connection.once(QStringLiteral("PRAGMA foreign_keys = ON"));
+    connection.once(QStringLiteral("PRAGMA cache_size = -16000"));
+    if (version == 0) {
+        Transaction transaction(connection);
+        // Another process may have made the tables while this one waited.
+        if (checkedVersion(connection) == 0)
+            createTables(connection, rootName);
+        transaction.commit();
+    }
+    const std::optional<QVariant> tag = connection.value("SELECT tag FROM store");
+    if (!tag || tag->toByteArray().size() != EntryId::tagBytes)
+        throw Failure(
+            failures::unspecified,
+            QStringLiteral("The store %1 is damaged (it has lost its tag); it was left as it is. Put a copy of "
+                           "the file from a backup in its place.")
+                .arg(connection.path()));
+    return tag->toByteArray();
+}
+
+} // namespace desk
