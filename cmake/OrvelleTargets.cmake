@@ -13,9 +13,12 @@ endif()
 add_library(orvelle_options INTERFACE)
 target_compile_options(orvelle_options INTERFACE -Wall -Wextra -Wconversion -Wshadow -Wnon-virtual-dtor
                                                  -Wold-style-cast -Werror)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 takes the alternatives that a std::variant does not hold for uninitialised ones.
-  target_compile_options(orvelle_options INTERFACE -fpch-preprocess -Wno-maybe-uninitialized)
+  target_compile_options(orvelle_options INTERFACE -Wno-maybe-uninitialized)
+endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
+  target_compile_options(orvelle_options INTERFACE -fpch-preprocess)
 endif()
 target_compile_definitions(orvelle_options INTERFACE QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS
                                                      QT_NO_URL_CAST_FROM_STRING)
