@@ -2,6 +2,8 @@
 #include "outlook/safeutils.h"
 #include "platform/scripting/components.h"
 
+#include <QSet>
+
 namespace {
 /// How identifiers are cut out of the tails of an address entry's and an address list's `ID`. The kind of the list
 /// decides which cut fits, so all are tried.
@@ -16,19 +18,13 @@ host::MAPIFolder fncFolderOfID(const QString &strID) {
     return AttemptOr([&] { return onsMAPI->GetFolderFromID(strID); }, host::MAPIFolder());
 }
 
-host::ContactItem fncContactOfID(const QString &strID) {
-    host::ContactItem contact;
-    Attempt([&] { contact = host::ContactItem(onsMAPI->GetItemFromID(strID, oufTickets->StoreID()).object()); });
-    if (contact.isNothing())
-        Attempt([&] { contact = host::ContactItem(onsMAPI->GetItemFromID(strID).object()); });
-    return contact;
-}
-
 /// One search through the address lists.
 class ContactSearch {
   public:
-    explicit ContactSearch(const host::AddressEntry &entry) : m_entry(entry) {
+    explicit ContactSearch(const host::AddressEntry &entry) {
         Attempt([&] { m_entryID = entry.ID(); });
+        Attempt([&] { m_address = entry.Address(); });
+        Attempt([&] { m_ticketStoreID = oufTickets->StoreID(); });
         m_contactID = m_entryID.right(contactTail).left(contactLength);
     }
 
@@ -57,25 +53,34 @@ class ContactSearch {
     [[nodiscard]] const host::ContactItem &found() const { return m_found; }
 
   private:
+    /// What an identifier names does not depend on the list, so each is asked for once.
     bool byID() {
-        const host::ContactItem contact = fncContactOfID(m_contactID);
-        if (contact)
-            m_found = contact;
-        return !contact.isNothing();
+        if (m_asked.contains(m_contactID))
+            return false;
+        m_asked.insert(m_contactID);
+        Attempt([&] { m_byID = host::ContactItem(onsMAPI->GetItemFromID(m_contactID, m_ticketStoreID).object()); });
+        if (m_byID.isNothing())
+            Attempt([&] { m_byID = host::ContactItem(onsMAPI->GetItemFromID(m_contactID).object()); });
+        if (m_byID)
+            m_found = m_byID;
+        return !m_byID.isNothing();
     }
 
     /// A hit does not end the search: a later list can replace it.
     void byAddress(const host::MAPIFolder &ouf) {
         Attempt([&] {
-            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + m_entry.Address() + "'");
+            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + m_address + "'");
             if (oui)
                 m_found = host::ContactItem(oui.object());
         });
     }
 
-    host::AddressEntry m_entry;
     QString m_entryID;
+    QString m_address;
+    QString m_ticketStoreID;
     QString m_contactID;
+    QSet<QString> m_asked;
+    host::ContactItem m_byID;
     host::ContactItem m_found;
 };
 } // namespace
