@@ -52,6 +52,8 @@ class File {
 
 class FileSystemObject {
   public:
+    virtual ~FileSystemObject() = default;
+
     [[nodiscard]] bool FileExists(const QString &path) const;
     [[nodiscard]] bool FolderExists(const QString &path) const;
     [[nodiscard]] Ref<File> GetFile(const QString &path) const;
@@ -62,7 +64,7 @@ class FileSystemObject {
     [[nodiscard]] QString GetTempName() const;
 
     /// Without force, a file that may not be written fails with 70.
-    void DeleteFile(const QString &path, bool force = false) const;
+    virtual void DeleteFile(const QString &path, bool force = false) const;
     void CopyFile(const QString &source, const QString &destination, bool overwrite = true) const;
     /// Fails with 58 when the destination is there.
     void MoveFile(const QString &source, const QString &destination) const;

@@ -1,0 +1,81 @@
+// Entering and ending the program, and its log.
+
+#include "corefixture.h"
+
+namespace {
+
+using Process = Core;
+
+TEST_F(Process, EndsPastEveryTolerantStep) {
+    processHooks->subReleaseAll = [this] {
+        ++releases;
+        throw Failure(failures::peerGone);
+    };
+    EXPECT_TRUE(endsProcess([] { (void)Attempt([] { subQuit(); }); }));
+    EXPECT_TRUE(fncIsEnding());
+    EXPECT_TRUE(endsProcess([] { subReleaseAll(); }));
+    EXPECT_EQ(releases, 1);
+}
+
+TEST_F(Process, AnEntryBelongsToTheCopyThatMadeIt) {
+    ProgramCopy other;
+    std::function<void(int)> callback;
+    {
+        const ProgramCopy::Scope inside(other);
+        callback = Entry([](int number) { strCurrentUserName = QString::number(number); });
+    }
+    strCurrentUserName = "here";
+    callback(7);
+    EXPECT_EQ(strCurrentUserName.get(), "here");
+    const ProgramCopy::Scope inside(other);
+    EXPECT_EQ(strCurrentUserName.get(), "7");
+}
+
+TEST_F(Process, AnEntryPassesItsArgumentsByReference) {
+    const auto handler = Entry([](ValueList &arguments) { arguments[0] = true; });
+    ValueList arguments{false};
+    auto changing = handler;
+    changing(arguments);
+    EXPECT_EQ(arguments.first(), Value(true));
+}
+
+TEST_F(Process, AFailureThatReachesTheEntryIsReportedAndEndsTheCopy) {
+    answers.expect("Type mismatch", window::No);
+    int entered = 0;
+    auto callback = Entry([&] {
+        ++entered;
+        (void)toInt32("ticket");
+    });
+    callback();
+    callback();
+    EXPECT_EQ(entered, 1);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(Process, TheProgramFolderIsTheOneSetOrTheExecutables) {
+    strProgramFolderOverride = QString();
+    qputenv("ORVELLE_HOME", "/opt/orvelle/");
+    EXPECT_EQ(fncProgramFolder(), "\\opt\\orvelle");
+    qunsetenv("ORVELLE_HOME");
+    EXPECT_EQ(fncProgramFolder(), scripting::pathText(QCoreApplication::applicationDirPath()));
+}
+
+TEST_F(Process, StepsGoToTheLogOnlyWhenTracing) {
+    subTrace("quiet");
+    EXPECT_EQ(fncLastStep(), "quiet");
+    EXPECT_FALSE(QFile::exists(folder.filePath("TessmarkLog.txt")));
+    blnTrace = true;
+    subTrace("first\r\nand more");
+    subLogLine("");
+    subLogLine("Überschrift");
+    EXPECT_EQ(QString::fromUtf8(bytes("TessmarkLog.txt")),
+              QString("%1\t3/5/2024 12:00:00 PM\tfirst\r\nand more\r\n%1\t3/5/2024 12:00:00 PM\tÜberschrift\r\n")
+                  .arg(strProgramTitle));
+}
+
+TEST_F(Process, ALogThatCannotBeWrittenIsIgnored) {
+    strProgramFolderOverride = "\\proc\\nowhere";
+    subLogLine("a line");
+}
+
+} // namespace
