@@ -1,0 +1,63 @@
+// What concerns the host's own side alone.
+
+#include "automation/sample.h"
+#include "automation/support.h"
+
+using namespace automation;
+
+namespace {
+
+class Local : public testing::Test {
+  protected:
+    std::shared_ptr<sample::Sample> host = std::make_shared<sample::Sample>();
+    ObjectPtr root = wrap(host);
+};
+
+/// Stands for an end of the program that no failure handling may swallow.
+struct ProgramEnd {};
+
+TEST_F(Local, OneWrapperAnObject) {
+    EXPECT_EQ(wrap(host), root);
+    EXPECT_EQ(wrap(nullptr), nullptr);
+    EXPECT_EQ(exposedOf<sample::Sample>(root), host);
+    EXPECT_EQ(exposedOf<sample::Inner>(root), host);
+    EXPECT_EQ(exposedOf<sample::Sample>(Value::nothing()), nullptr);
+    EXPECT_EQ(failureOf([&] { exposedOf<sample::Sample>(Value()); }), failures::typeMismatch);
+    EXPECT_EQ(exposedOrNull(Value(3)), nullptr);
+}
+
+TEST_F(Local, AWrapperKeepsItsObject) {
+    const std::weak_ptr<sample::Sample> watched = host;
+    host.reset();
+    EXPECT_EQ(root->get("Name"), Value("unnamed"));
+    root.reset();
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(Local, WhatIsNoFailurePassesOnAfterAllHandlers) {
+    int later = 0;
+    const SubscriptionPtr first = root->connect("Write", [](ValueList &arguments) {
+        arguments[0] = true;
+        throw ProgramEnd();
+    });
+    const SubscriptionPtr second = root->connect("Write", [&](ValueList &arguments) {
+        EXPECT_EQ(arguments, ValueList{true});
+        ++later;
+    });
+    EXPECT_THROW(root->call("Save", {}), ProgramEnd);
+    EXPECT_EQ(later, 1);
+    EXPECT_THROW(root->call("Break", {}), std::runtime_error);
+    EXPECT_EQ(host->saves(), 0);
+}
+
+TEST_F(Local, AnObjectLivesUntilItsCalledMemberReturns) {
+    const SubscriptionPtr write = root->connect("Write", [&](ValueList &) {
+        root.reset();
+        host.reset();
+    });
+    const std::weak_ptr<sample::Sample> watched = host;
+    EXPECT_EQ(root->call("Save", {}), Value(true)) << "the host went on after the last reference was gone";
+    EXPECT_TRUE(watched.expired());
+}
+
+} // namespace

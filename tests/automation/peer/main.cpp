@@ -1,0 +1,130 @@
+// The other process of the tests: a host, or a client that plays a part. It ends when its standard input does, so that
+// none is left over.
+
+#include "automation/sample.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <cstdio>
+#include <map>
+#include <unistd.h>
+
+using namespace automation;
+
+namespace {
+
+void say(const char *text) {
+    std::puts(text);
+    std::fflush(stdout);
+}
+
+Patience patienceFrom(const QStringList &arguments) {
+    Patience patience;
+    if (arguments.size() >= 2) {
+        patience.silence = std::chrono::milliseconds(arguments[0].toInt());
+        patience.answer = std::chrono::milliseconds(arguments[1].toInt());
+    }
+    return patience;
+}
+
+int runHost(const QString &socket, const QStringList &arguments) {
+    const ObjectPtr root = wrap(std::make_shared<sample::Sample>());
+    try {
+        const Server server([root] { return root; }, socket, patienceFrom(arguments));
+        say("ready");
+        return QCoreApplication::exec();
+    } catch (const Failure &failure) {
+        say(QByteArray::number(failure.number()).constData());
+        return 3;
+    }
+}
+
+/// Everything at once for as long as it lives: calls, objects made and dropped, events that call back.
+int hammer(Object &root) {
+    SubscriptionPtr write = root.connect("Write", [&root](ValueList &arguments) {
+        root.get("Name");
+        arguments[0] = true;
+    });
+    for (int i = 0;; ++i) {
+        const ObjectPtr child = root.call("NewChild", {QString::number(i)}).object();
+        child->get("Name");
+        root.call("Save", {});
+        root.call("Echo", {QString(1000 * (i % 50), u'x')});
+        if (i == 3)
+            say("running");
+    }
+}
+
+/// Cancels every Write, having asked the host for something.
+int cancel(Object &root) {
+    const SubscriptionPtr write = root.connect("Write", [&root](ValueList &arguments) {
+        root.get("Name");
+        arguments[0] = true;
+    });
+    say("running");
+    return QCoreApplication::exec();
+}
+
+/// Takes so long over every Write, in an event loop of its own as a question to a person would.
+int dawdle(Object &root, int milliseconds) {
+    const SubscriptionPtr write = root.connect("Write", [milliseconds](ValueList &arguments) {
+        QEventLoop loop;
+        QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+        loop.exec();
+        arguments[0] = true;
+    });
+    say("running");
+    return QCoreApplication::exec();
+}
+
+/// Goes down as deep as the host says, one level in each handler, then keeps listening.
+int deepen(Object &root, int level) {
+    const SubscriptionPtr deeper = root.connect("Deeper", [&root](ValueList &arguments) {
+        root.call("Deepen", {Value(std::get<qint32>(arguments[0].held()) - 1)});
+    });
+    say("running");
+    for (int round = 0; round < 20; ++round)
+        root.call("Deepen", {level});
+    say("done");
+    return QCoreApplication::exec();
+}
+
+int runClient(const QString &socket, const QStringList &arguments) {
+    const auto client = Client::connect(socket, [] { QCoreApplication::exit(0); });
+    Object &root = *client->root();
+    const QString part = arguments.value(0);
+    const int number = arguments.value(1).toInt();
+    if (part == QLatin1String("hammer"))
+        return hammer(root);
+    if (part == QLatin1String("cancel"))
+        return cancel(root);
+    if (part == QLatin1String("dawdle"))
+        return dawdle(root, number);
+    if (part == QLatin1String("deepen"))
+        return deepen(root, number);
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const QCoreApplication application(argc, argv);
+    const QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, [] {
+        char byte = 0;
+        if (::read(STDIN_FILENO, &byte, 1) <= 0)
+            QCoreApplication::exit(0);
+    });
+    const QStringList arguments = QCoreApplication::arguments();
+    try {
+        return arguments.value(1) == QLatin1String("host") ? runHost(arguments.value(2), arguments.mid(3))
+                                                           : runClient(arguments.value(2), arguments.mid(3));
+    } catch (const Failure &failure) {
+        // The host went away in the middle of a call: that is how these parts end.
+        return failure.number() == failures::peerGone ? 0 : 1;
+    }
+}

@@ -1,0 +1,228 @@
+// The socket file, and what comes in over it from nobody in particular.
+
+#include "automation/sample.h"
+#include "automation/support.h"
+#include "automation/wire.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cstring>
+#include <random>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using namespace automation;
+
+namespace {
+
+ObjectPtr newRoot() { return wrap(std::make_shared<sample::Sample>()); }
+
+TEST(SocketFile, OnlyTheOwnerMayUseIt) {
+    const SocketFolder folder;
+    const Server server(newRoot, folder.socket());
+    struct stat status {};
+    ASSERT_EQ(::stat(QFile::encodeName(folder.socket()).constData(), &status), 0);
+    EXPECT_TRUE(S_ISSOCK(status.st_mode));
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+}
+
+TEST(SocketFile, OneHostAtATime) {
+    const SocketFolder folder;
+    std::optional<Server> first(std::in_place, newRoot, folder.socket());
+    const auto refused = Attempt([&] { const Server second(newRoot, folder.socket()); });
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->number(), failures::permissionDenied);
+    EXPECT_TRUE(refused->description().contains("already running"));
+    // Nor when somebody tidied its lock away.
+    QFile::remove(folder.socket() + ".lock");
+    EXPECT_EQ(failureOf([&] { const Server second(newRoot, folder.socket()); }), failures::permissionDenied);
+    first.reset();
+    EXPECT_EQ(failureOf([&] { Client::connect(folder.socket()); }), failures::cannotCreateObject);
+    EXPECT_EQ(failureOf([&] { const Server second(newRoot, folder.socket()); }), 0);
+}
+
+TEST(SocketFile, OfManyThatReplaceALeftSocketOneWins) {
+    const SocketFolder folder;
+    Peer({"host", folder.socket()}, "ready").kill();
+    ASSERT_TRUE(QFile::exists(folder.socket())) << "nothing was left behind";
+    EXPECT_EQ(failureOf([&] { Client::connect(folder.socket()); }), failures::cannotCreateObject);
+
+    std::vector<std::unique_ptr<QProcess>> hosts;
+    for (int i = 0; i < 8; ++i) {
+        hosts.push_back(std::make_unique<QProcess>());
+        hosts.back()->start(QStringLiteral(PEER_PROGRAM), {"host", folder.socket()});
+    }
+    QByteArrayList said;
+    for (const auto &host : hosts) {
+        EXPECT_TRUE(eventually([&] { return host->canReadLine(); }));
+        said << host->readLine().trimmed();
+    }
+    EXPECT_EQ(said.count("ready"), 1);
+    EXPECT_EQ(said.count(QByteArray::number(failures::permissionDenied)), 7);
+    EXPECT_EQ(Client::connect(folder.socket())->root()->get("Name"), Value("unnamed"));
+    for (const auto &host : hosts) {
+        host->closeWriteChannel();
+        EXPECT_TRUE(eventually([&] { return host->state() == QProcess::NotRunning; }));
+    }
+}
+
+TEST(SocketFile, ALongPathAndNone) {
+    const SocketFolder folder;
+    const QString deep = folder.folder().filePath(QString(120, u'd'));
+    ASSERT_TRUE(QDir().mkdir(deep));
+    EXPECT_EQ(failureOf([&] { const Server server(newRoot, deep + "/host.socket"); }), 0);
+    Peer host({"host", deep + "/host.socket"}, "ready");
+    EXPECT_EQ(Client::connect(deep + "/host.socket")->root()->get("Name"), Value("unnamed"));
+    EXPECT_EQ(failureOf([&] { const Server server(newRoot, deep + "/none/host.socket"); }), failures::pathNotFound);
+    EXPECT_EQ(failureOf([&] { Client::connect(deep + "/none/host.socket"); }), failures::cannotCreateObject);
+}
+
+/// A client without manners: whatever bytes, and what comes back.
+class RawClient {
+  public:
+    explicit RawClient(const QString &path)
+        : m_socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path - 1);
+        EXPECT_EQ(::connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+    }
+    ~RawClient() { ::close(m_socket); }
+    RawClient(const RawClient &) = delete;
+    RawClient &operator=(const RawClient &) = delete;
+
+    void send(std::span<const char> bytes) {
+        EXPECT_EQ(::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
+    }
+    void send(const wire::Frame &frame) {
+        std::vector<char> bytes;
+        wire::encode(bytes, frame, m_objects);
+        send(bytes);
+    }
+    /// The answer to a request; a nameless one when the connection ended.
+    wire::Frame answer(const wire::Frame &frame) {
+        send(frame);
+        std::vector<char> bytes;
+        std::optional<wire::Frame> read;
+        const bool ended = !eventually([&] {
+            takeIn(bytes);
+            read = bytes.size() < 4 ? std::nullopt : wire::decode(std::span<const char>(bytes).subspan(4), m_objects);
+            return read || m_ended;
+        });
+        return ended || !read ? wire::Frame{} : *read;
+    }
+    bool isEnded() {
+        std::vector<char> ignored;
+        takeIn(ignored);
+        return m_ended;
+    }
+    void stopSending() { ::shutdown(m_socket, SHUT_WR); }
+
+  private:
+    struct NoObjects : wire::ObjectTable {
+        Reference give(const ObjectPtr &) override { throw Failure(failures::typeMismatch); }
+        ObjectPtr take(const Reference &) override { return nullptr; }
+    };
+
+    void takeIn(std::vector<char> &bytes) {
+        char portion[4096];
+        for (;;) {
+            const ssize_t count = ::recv(m_socket, portion, sizeof portion, 0);
+            if (count <= 0) {
+                m_ended |= count == 0 || (errno != EAGAIN && errno != EINTR);
+                return;
+            }
+            bytes.insert(bytes.end(), portion, portion + count);
+        }
+    }
+
+    int m_socket;
+    bool m_ended = false;
+    NoObjects m_objects;
+};
+
+class BadClient : public testing::Test {
+  protected:
+    [[nodiscard]] static wire::Frame hello() {
+        return {.kind = wire::FrameKind::Hello, .call = 1, .number = wire::protocolVersion};
+    }
+
+    SocketFolder folder;
+    ObjectPtr root = newRoot();
+    Server server{[this] { return root; }, folder.socket()};
+};
+
+TEST_F(BadClient, WhatIsWrongInAWholeFrameIsRefused) {
+    using enum wire::FrameKind;
+    struct Case {
+        wire::Frame frame;
+        qint32 number;
+    };
+    const Case cases[] = {
+        {{.kind = Hello, .call = 2, .number = 99}, failures::callRejected},
+        {{.kind = Get, .call = 3, .target = 77, .text = "Name"}, failures::disconnected},
+        {{.kind = Get, .call = 4, .target = 1, .text = "Nowhere"}, failures::memberMissing},
+        {{.kind = Put, .call = 5, .target = 1, .text = "Number"}, 0},
+        {{.kind = Connect, .call = 6, .target = 1, .number = 1, .text = "Nowhere"}, failures::memberMissing},
+        {{.kind = Event, .call = 7, .target = 1}, failures::callRejected},
+        {{.kind = Release, .values = {"no", "numbers", 1}}, -1},
+        {{.kind = Release, .values = {77, 1, 1, -5}}, -1},
+        {{.kind = Disconnect, .target = 55}, -1},
+        {{.kind = Answer, .call = 123, .values = {1}}, -1},
+        {{.kind = Get, .call = 8, .target = 1, .text = "Name"}, 0},
+        {{.kind = Release, .values = {1, 1}}, -1},
+        {{.kind = Get, .call = 9, .target = 1, .text = "Name"}, failures::disconnected},
+    };
+    RawClient client(folder.socket());
+    EXPECT_EQ(client.answer(hello()).kind, Answer);
+    for (const Case &entry : cases) {
+        if (entry.number == -1) {
+            client.send(entry.frame);
+            continue;
+        }
+        const wire::Frame answer = client.answer(entry.frame);
+        EXPECT_EQ(answer.call, entry.frame.call);
+        EXPECT_EQ(answer.kind, entry.number ? Refusal : Answer) << "call " << entry.frame.call;
+        EXPECT_EQ(answer.kind == Refusal ? answer.number : 0, entry.number) << "call " << entry.frame.call;
+    }
+    EXPECT_FALSE(client.isEnded());
+}
+
+class Nonsense : public BadClient, public testing::WithParamInterface<unsigned> {};
+INSTANTIATE_TEST_SUITE_P(Seeds, Nonsense, testing::Range(1U, 21U));
+
+TEST_P(Nonsense, EndsItsOwnConnectionOnly) {
+    std::mt19937 random(GetParam());
+    RawClient good(folder.socket());
+    EXPECT_EQ(good.answer(hello()).kind, wire::FrameKind::Answer);
+    RawClient bad(folder.socket());
+    if (random() % 2)
+        bad.answer(hello());
+    std::vector<char> bytes(20 + random() % 5000);
+    for (char &byte : bytes)
+        byte = static_cast<char>(random());
+    // A frame that is announced whole and holds anything, or an impossible announcement.
+    auto length = static_cast<quint32>(bytes.size() - 4);
+    if (random() % 2)
+        length = wire::largestBody + 1 + static_cast<quint32>(random() % 1000);
+    std::memcpy(bytes.data(), &length, sizeof length);
+    bad.send(bytes);
+    EXPECT_TRUE(eventually([&] { return bad.isEnded(); }));
+    EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
+    EXPECT_EQ(good.answer({.kind = wire::FrameKind::Get, .call = 2, .target = 1, .text = "Name"}).values,
+              ValueList{"unnamed"});
+}
+
+TEST_F(BadClient, ThatStopsInTheMiddleOfAFrameIsGone) {
+    RawClient client(folder.socket());
+    const char half[] = {100, 0, 0, 0, 2};
+    client.send(half);
+    EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
+    client.stopSending();
+    EXPECT_TRUE(eventually([&] { return server.clientCount() == 0; }));
+}
+
+} // namespace
