@@ -124,7 +124,7 @@ void subSetupConnection() try {
 
 void subCloseConnection() {
     if (adoConnection.get())
-        Attempt([] { adoConnection.get()->Close(); });
+        Attempt([] { adoConnection->Close(); });
     adoConnection = Ref<ado::Connection>();
 }
 
