@@ -199,7 +199,10 @@ QList<Address> decodeAddresses(QByteArrayView raw, QByteArrayView fallback) {
     if (parsed)
         collect(parsed.get(), result);
     if (result.isEmpty()) {
-        const Address address = sorted(decodeHeader(raw, fallback), {});
+        QString text = decodeHeader(raw, fallback);
+        if (text.startsWith(u'(') && text.endsWith(u')'))
+            text = text.sliced(1, text.size() - 2).trimmed();
+        const Address address = sorted(text, {});
         if (!address.isEmpty())
             result.append(address);
     }
@@ -211,6 +214,8 @@ QByteArray encodeAddresses(const QList<Address> &addresses) {
     for (const Address &entry : addresses) {
         const QString address = cleanAddress(entry.address);
         const QString name = oneLine(entry.name);
+        if (address.isEmpty() && name.isEmpty())
+            continue;
         if (!result.isEmpty())
             result += ",\r\n ";
         if (address.isEmpty())

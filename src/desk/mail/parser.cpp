@@ -78,11 +78,14 @@ void readBodies(const Layout &layout, Message &message) {
     if (!anyOfType(layout.html, "text/html"))
         return;
     for (const Leaf &leaf : layout.html) {
-        const QString text = leaf.type == "text/html" ? textOf(leaf) : htmlFromText(textOf(leaf));
+        const QString text = textOf(leaf);
+        if (text.isEmpty())
+            continue;
+        const QString page = leaf.type == "text/html" ? text : "<div>" + htmlFromText(text) + "</div>";
         if (message.html.isEmpty())
-            message.html = text;
+            message.html = page;
         else
-            appendPage(message.html, text);
+            appendPage(message.html, page);
     }
 }
 
@@ -156,21 +159,12 @@ void readParts(const Layout &layout, const QByteArray &rest, Message &message) {
     message.attachments.append(unread);
 }
 
-/// The parts read from the first `length` bytes. They refer to the bytes, which must outlive them.
-GRef<GMimeObject> parse(const QByteArray &bytes, qsizetype length) {
-    const ParserOptions options = tolerantOptions();
-    const GRef<GMimeStream> stream(
-        g_mime_stream_mem_new_with_buffer(bytes.constData(), static_cast<std::size_t>(length)));
-    const GRef<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
-    return GRef<GMimeObject>(g_mime_parser_construct_part(parser.get(), options.get()));
-}
-
 } // namespace
 
 Message parseMessage(const QByteArray &bytes) {
     const Prescan scan = prescan(bytes);
     Message message;
-    const GRef<GMimeObject> root = scan.hasHeader ? parse(scan.bytes, scan.affordable) : GRef<GMimeObject>();
+    const GRef<GMimeObject> root = scan.hasHeader ? parseParts(scan.bytes, scan.affordable) : GRef<GMimeObject>();
     if (!root) {
         message.text = withLineEnds(decodeText(scan.bytes, {}));
         return message;

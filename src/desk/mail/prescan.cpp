@@ -26,13 +26,15 @@ class Lines {
             end = m_bytes.size();
         m_next = std::min(end + 1, m_bytes.size());
         line = m_bytes.sliced(start, end - start);
-        if (line.endsWith('\r'))
+        endsInReturn = line.endsWith('\r');
+        if (endsInReturn)
             line.chop(1);
         return true;
     }
 
     QByteArrayView line; ///< without its end
     qsizetype start = 0;
+    bool endsInReturn = false;
 
   private:
     QByteArrayView m_bytes;
@@ -86,6 +88,28 @@ qsizetype buriedHeader(QByteArrayView bytes) {
 bool mentionsBoundary(QByteArrayView line) {
     const QByteArray lower = line.first(std::min<qsizetype>(line.size(), 10'000)).toByteArray().toLower();
     return lower.contains("boundary") || lower.contains("multipart");
+}
+
+/// Ends each line before what may be a boundary as the boundary itself ends. The library takes the end of the content
+/// before a boundary for as long as the boundary's own, and would take a character too much or leave one.
+QByteArray withEvenEnds(const QByteArray &bytes) {
+    QByteArray result;
+    qsizetype copied = 0;
+    bool previous = false;
+    Lines lines(bytes);
+    while (lines.next()) {
+        if (lines.line.startsWith("--") && lines.start > 0 && previous != lines.endsInReturn) {
+            const qsizetype end = lines.start - (previous ? 2 : 1);
+            result += QByteArrayView(bytes).sliced(copied, end - copied);
+            result += lines.endsInReturn ? "\r\n" : "\n";
+            copied = lines.start;
+        }
+        previous = lines.endsInReturn;
+    }
+    if (copied == 0)
+        return bytes;
+    result += QByteArrayView(bytes).sliced(copied);
+    return result;
 }
 
 /// Counts what the message costs, and blanks NULs in headers.
@@ -142,6 +166,8 @@ Prescan prescan(const QByteArray &message) {
     scan.hasHeader = start >= 0;
     if (start > 0)
         scan.bytes.remove(0, start);
+    if (scan.hasHeader)
+        scan.bytes = withEvenEnds(scan.bytes);
     if (scan.hasHeader)
         count(scan);
     else

@@ -20,7 +20,8 @@ struct Prescan {
 };
 
 /// Looks once through the message. Takes away what senders and mailboxes put in front of a header (empty lines, a
-/// "From " line), gives a message whose lines end in CR alone LF instead, and blanks for NUL in headers.
+/// "From " line), gives a message whose lines end in CR alone LF instead, and blanks for NUL in headers; in a message
+/// whose lines end now in CR LF, now in LF, the end before a boundary becomes that of the boundary.
 Prescan prescan(const QByteArray &message);
 
 /// Whether the bytes begin with a header field.

@@ -7,6 +7,10 @@ namespace {
 
 constexpr int deepest = 100;
 constexpr int mostParts = 2000;
+/// Twice what the standard allows.
+constexpr qsizetype longestBoundary = 140;
+/// Each costs a copy of the content.
+constexpr std::size_t mostRecovered = 4;
 
 QByteArray source(GMimeObject *object) {
     const GText text(g_mime_object_to_string(object, nullptr));
@@ -36,6 +40,31 @@ Leaf leafOf(GMimeObject *object) {
     return {object, typeOf(object), QByteArray(disposition).toLower(), nameOf(object)};
 }
 
+/// What `write` puts into the stream that it is given.
+template <class Write>
+QByteArray bytesOf(Write write) {
+    const GRef<GMimeStream> stream(g_mime_stream_mem_new());
+    write(stream.get());
+    const GByteArray *bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(stream.get()));
+    return {reinterpret_cast<const char *>(bytes->data), static_cast<qsizetype>(bytes->len)};
+}
+
+/// Whether the first line holds only what base64 consists of. A content that is marked as base64 and is none would be
+/// turned into noise; what stands behind real base64, such as a mailing list's footer, does no harm.
+bool beginsAsBase64(GMimeStream *content) {
+    std::array<char, 1024> front;
+    g_mime_stream_reset(content);
+    const auto length = g_mime_stream_read(content, front.data(), front.size());
+    g_mime_stream_reset(content);
+    QByteArrayView line = QByteArrayView(front.data(), std::max<qsizetype>(length, 0)).trimmed();
+    if (const qsizetype end = line.indexOf('\n'); end >= 0)
+        line = line.first(end);
+    return std::all_of(line.begin(), line.end(), [](char c) {
+        return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
+               QByteArrayView("+/= \t\r").contains(c);
+    });
+}
+
 /// The walk over the tree. The two bodies can be closed for a while: inside an alternative, what follows a text in one
 /// form does not belong to the other.
 class Walk {
@@ -61,7 +90,7 @@ class Walk {
         const auto htmlStart = static_cast<std::ptrdiff_t>(layout.html.size());
         const int count = g_mime_multipart_get_count(parent);
         if (count == 0)
-            emptyMultipart(parent, inAlternative, open);
+            emptyMultipart(parent, depth, inAlternative, open);
         for (int i = 0; i < count; ++i) {
             GMimeObject *child = g_mime_multipart_get_part(parent, i);
             if (m_leaves >= mostParts)
@@ -75,12 +104,41 @@ class Walk {
             shareOnlyForm(textStart, htmlStart);
     }
 
-    void emptyMultipart(GMimeMultipart *parent, bool inAlternative, Open open) {
+    /// A multipart without parts: its boundary got lost, or what it holds is one text.
+    void emptyMultipart(GMimeMultipart *parent, int depth, bool inAlternative, Open open) {
         Leaf text = leafOf(GMIME_OBJECT(parent));
         text.bareText = g_mime_multipart_get_prologue(parent);
+        if (!text.bareText)
+            return;
+        if (GMimeObject *again = depth < deepest ? recover(text) : nullptr) {
+            multipart(GMIME_MULTIPART(again), depth + 1, inAlternative, open);
+            return;
+        }
         text.type = "text/plain";
-        if (text.bareText)
-            leaf(text, true, "mixed", inAlternative, open);
+        leaf(text, true, "mixed", inAlternative, open);
+    }
+
+    /// Reads the parts with the boundary that the content itself shows. Nothing when it shows none.
+    GMimeObject *recover(const Leaf &text) {
+        const QByteArrayView content(text.bareText);
+        const qsizetype dashes = content.startsWith("--") ? 0 : content.indexOf("\n--") + 1;
+        if (!content.sliced(dashes).startsWith("--"))
+            return nullptr;
+        qsizetype end = content.indexOf('\n', dashes);
+        end = end < 0 ? content.size() : end;
+        const QByteArray boundary = content.sliced(dashes + 2, end - dashes - 2).trimmed().toByteArray();
+        if (layout.recovered.size() >= mostRecovered || boundary.isEmpty() || boundary.size() > longestBoundary ||
+            boundary.contains('"') || boundary.contains('\\'))
+            return nullptr;
+        Recovered again;
+        again.bytes = std::make_unique<QByteArray>("Content-Type: " + text.type + "; boundary=\"" + boundary +
+                                                   "\"\n\n" + content.toByteArray());
+        again.root = parseParts(*again.bytes, again.bytes->size());
+        GMimeObject *root = again.root.get();
+        if (!root || !GMIME_IS_MULTIPART(root) || g_mime_multipart_get_count(GMIME_MULTIPART(root)) == 0)
+            return nullptr;
+        layout.recovered.push_back(std::move(again));
+        return root;
     }
 
     Open leaf(const Leaf &part, bool first, const QByteArray &parentKind, bool inAlternative, Open open) {
@@ -129,14 +187,23 @@ QByteArray Leaf::content() const {
     GMimeDataWrapper *wrapper = g_mime_part_get_content(GMIME_PART(object));
     if (!wrapper)
         return {};
-    const GRef<GMimeStream> stream(g_mime_stream_mem_new());
-    g_mime_data_wrapper_write_to_stream(wrapper, stream.get());
-    const GByteArray *bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(stream.get()));
-    return {reinterpret_cast<const char *>(bytes->data), static_cast<qsizetype>(bytes->len)};
+    const bool base64 = g_mime_data_wrapper_get_encoding(wrapper) == GMIME_CONTENT_ENCODING_BASE64;
+    GMimeStream *raw = g_mime_data_wrapper_get_stream(wrapper);
+    if (base64 && !beginsAsBase64(raw))
+        return bytesOf([&](GMimeStream *target) { g_mime_stream_write_to_stream(raw, target); });
+    return bytesOf([&](GMimeStream *target) { g_mime_data_wrapper_write_to_stream(wrapper, target); });
 }
 
 QByteArray Leaf::parameter(const char *parameterName) const {
     return g_mime_object_get_content_type_parameter(object, parameterName);
+}
+
+GRef<GMimeObject> parseParts(const QByteArray &bytes, qsizetype length) {
+    const ParserOptions options = tolerantOptions();
+    const GRef<GMimeStream> stream(
+        g_mime_stream_mem_new_with_buffer(bytes.constData(), static_cast<std::size_t>(length)));
+    const GRef<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
+    return GRef<GMimeObject>(g_mime_parser_construct_part(parser.get(), options.get()));
 }
 
 Layout layOut(GMimeObject *root) {

@@ -26,6 +26,16 @@ struct Leaf {
     [[nodiscard]] QByteArray parameter(const char *name) const;
 };
 
+/// Parts that were read a second time, and the bytes that they refer to.
+struct Recovered {
+    std::unique_ptr<QByteArray> bytes;
+    GRef<GMimeObject> root;
+};
+
+/// The parts read from the first `length` bytes. They refer to the bytes, which must outlive them. Empty when they hold
+/// nothing that could be a header.
+GRef<GMimeObject> parseParts(const QByteArray &bytes, qsizetype length);
+
 /// A message laid out. The two bodies list the same part where it serves both.
 struct Layout {
     std::vector<Leaf> text;
@@ -33,6 +43,8 @@ struct Layout {
     std::vector<Leaf> attachments;
     /// The source of the parts beyond the largest number that is read.
     QByteArray unread;
+    /// Parts found in a multipart whose header had lost the boundary. Leaves refer to them.
+    std::vector<Recovered> recovered;
 };
 
 /// Sorts the parts below `root` by what mail programs agree on: a text is body unless it is marked as an attachment, or
