@@ -1,4 +1,5 @@
-/// The records of a message store: what a folder, an item and its parts are made of, as plain data.
+/// The records of a message store: what a folder, an item and its parts are made of, as plain data. Every member has a
+/// first value, so that a record is written with the members that matter.
 ///
 /// Numbers are those of the object model. Texts may hold any UTF-16 text whatever, halves of surrogate pairs included,
 /// and come back as they were.
@@ -37,12 +38,12 @@ struct FolderRecord {
     /// 0 for the store's root.
     FolderId parent = 0;
     /// 48 hexadecimal characters; made by the store.
-    QString entryId;
+    QString entryId{};
 
-    QString name;
+    QString name{};
     /// The kind of items that are made here by default: 0 mail, 1 appointment, 2 contact, 3 task, 6 post.
     qint32 defaultItemType = 0;
-    QString homePageUrl;
+    QString homePageUrl{};
     bool homePageOn = false;
     SpecialFolder special = SpecialFolder::None;
 
@@ -55,7 +56,7 @@ struct ItemRecord {
     ItemId id = 0;
     FolderId folder = 0;
     /// 48 hexadecimal characters. The same for as long as the item stays in its store.
-    QString entryId;
+    QString entryId{};
     /// Grows by one with every save and move; what the optimistic check compares.
     qint64 version = 0;
     /// The item's place in the order of arrival of its store. A move into a folder is an arrival.
@@ -64,59 +65,59 @@ struct ItemRecord {
     qint64 size = 0;
     qint32 attachmentCount = 0;
     /// The moment of the last save.
-    DateTime modifiedAt;
+    DateTime modifiedAt{};
 
     // Any item.
-    QString messageClass; ///< indexed
-    QString subject;      ///< indexed
+    QString messageClass{}; ///< indexed
+    QString subject{};      ///< indexed
     qint32 importance = 1;
     qint32 sensitivity = 0;
     bool unread = false;
-    QString billingInformation; ///< indexed
-    QString categories;
+    QString billingInformation{}; ///< indexed
+    QString categories{};
     qint32 flagStatus = 0;
-    QString flagRequest;
+    QString flagRequest{};
     /// 0 unspecified, 1 plain, 2 HTML, 3 rich text.
     qint32 bodyFormat = 0;
     /// The moment of the first save, unless the caller gives another.
-    DateTime createdAt;
+    DateTime createdAt{};
 
     // Mail and posts.
-    QString senderName; ///< indexed
-    QString senderAddress;
+    QString senderName{}; ///< indexed
+    QString senderAddress{};
     /// "SMTP", or "EX" for a person of this host's own directory.
-    QString senderAddressType;
-    QString sentOnBehalfOf;
-    QString replyRecipientNames;
-    QString to;
-    QString cc;
-    QString bcc;
+    QString senderAddressType{};
+    QString sentOnBehalfOf{};
+    QString replyRecipientNames{};
+    QString to{};
+    QString cc{};
+    QString bcc{};
     bool readReceiptRequested = false;
     /// Sent or posted; false for a draft.
     bool sent = false;
-    DateTime sentAt;
-    DateTime receivedAt;
+    DateTime sentAt{};
+    DateTime receivedAt{};
     /// Entry identifier of the folder that takes the sent copy; empty for the default one.
-    QString saveSentFolder;
-    QString messageId;
-    QString inReplyTo;
+    QString saveSentFolder{};
+    QString messageId{};
+    QString inReplyTo{};
     /// Identifiers of the thread, parted by blanks.
-    QString references;
+    QString references{};
 
     // Contacts.
-    QString fullName;      ///< indexed
-    QString email1Address; ///< indexed
-    QString businessTelephone;
-    QString company;
-    QString department;
+    QString fullName{};      ///< indexed
+    QString email1Address{}; ///< indexed
+    QString businessTelephone{};
+    QString company{};
+    QString department{};
 
     // Tasks and appointments.
-    DateTime startAt;
-    DateTime dueAt;
+    DateTime startAt{};
+    DateTime dueAt{};
     qint32 taskStatus = 0;
     qint32 percentComplete = 0;
-    QString owner;
-    QString location;
+    QString owner{};
+    QString location{};
 
     friend bool operator==(const ItemRecord &, const ItemRecord &) = default;
 };
@@ -164,8 +165,8 @@ enum class Field {
 };
 
 struct Bodies {
-    QString plain;
-    QString html;
+    QString plain{};
+    QString html{};
 
     friend bool operator==(const Bodies &, const Bodies &) = default;
 };
@@ -174,11 +175,11 @@ enum class PropertyType : int { Text = 1, Number = 3, Date = 5, YesNo = 6 };
 
 /// One typed custom property. An item has one of a name, whatever its case.
 struct Property {
-    QString name;
+    QString name{};
     PropertyType type = PropertyType::Text;
     /// As the type says: text, double, date-time or boolean; Empty for a property that was never given a value. Other
     /// kinds of number are kept as double.
-    Value value;
+    Value value{};
 
     friend bool operator==(const Property &, const Property &) = default;
 };
@@ -189,14 +190,14 @@ struct AttachmentRecord {
     qint64 id = 0;
     /// 1 by value, 5 embedded item, 6 OLE object.
     qint32 type = 1;
-    QString fileName;
-    QString displayName;
-    QString mimeType;
-    QString contentId;
+    QString fileName{};
+    QString displayName{};
+    QString mimeType{};
+    QString contentId{};
     /// In bytes; kept by the store.
     qint64 size = 0;
     /// For a new attachment alone: a read leaves it empty (see `Store::attachmentData`).
-    QByteArray data;
+    QByteArray data{};
 
     friend bool operator==(const AttachmentRecord &, const AttachmentRecord &) = default;
 };
@@ -204,11 +205,11 @@ struct AttachmentRecord {
 /// The parts of an item beside its fields, for a save. A part that is not given stays as it stands; one that is given
 /// replaces all that stands of it, and only what differs is written.
 struct ItemParts {
-    std::optional<Bodies> bodies;
-    std::optional<QList<Property>> properties;
-    std::optional<QList<AttachmentRecord>> attachments;
+    std::optional<Bodies> bodies{};
+    std::optional<QList<Property>> properties{};
+    std::optional<QList<AttachmentRecord>> attachments{};
     /// The message as it came, byte for byte.
-    std::optional<QByteArray> original;
+    std::optional<QByteArray> original{};
 };
 
 /// A field or custom property that equals a value. Texts are compared without regard to case in any alphabet, dates to
@@ -217,7 +218,7 @@ struct ItemParts {
 struct Condition {
     /// Names a field or, by text, a custom property.
     std::variant<Field, QString> subject;
-    Value value;
+    Value value{};
 };
 
 } // namespace desk

@@ -40,6 +40,24 @@ QString dateKey(DateTime moment) {
     return moment.toQt().toString(QStringLiteral("yyyy-MM-ddTHH:mm:ss"));
 }
 
+/// Folds code point by code point, as comparing without regard to case does. Folding a whole text would turn halves of
+/// surrogate pairs into other characters, or not, depending on what stands beside them.
+/// No plane's letters fold into another plane, so the length stays.
+QString foldedText(const QString &text) {
+    QString folded = text;
+    QChar *units = folded.data();
+    for (qsizetype i = 0; i < folded.size(); ++i) {
+        if (units[i].isHighSurrogate() && i + 1 < folded.size() && units[i + 1].isLowSurrogate()) {
+            const char32_t whole = QChar::toCaseFolded(QChar::surrogateToUcs4(units[i], units[i + 1]));
+            units[i] = QChar(QChar::highSurrogate(whole));
+            units[++i] = QChar(QChar::lowSurrogate(whole));
+        } else {
+            units[i] = units[i].toCaseFolded();
+        }
+    }
+    return folded;
+}
+
 } // namespace
 
 QVariant storedText(const QString &text) {
@@ -66,7 +84,7 @@ QString textOf(const QVariant &stored) {
 }
 
 QString foldedKey(const QString &text) {
-    const QString folded = text.toCaseFolded();
+    const QString folded = foldedText(text);
     if (folded.size() <= longestKey)
         return folded;
     const QByteArrayView bytes(reinterpret_cast<const char *>(folded.constData()), folded.size() * 2);

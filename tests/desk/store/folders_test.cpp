@@ -1,0 +1,140 @@
+// The tree of folders, and the items of a folder by position.
+
+#include "storefixture.h"
+
+#include <random>
+
+namespace desk {
+
+class FoldersTest : public StoreTest {
+  protected:
+    std::unique_ptr<Store> m_store =
+        std::make_unique<Store>(path(), StoreOptions{.rootName = QStringLiteral("Mailbox - Ann")});
+    FolderId m_root = m_store->root().id;
+
+    FolderRecord add(FolderId parent, const QString &name) {
+        return m_store->addFolder({.parent = parent, .name = name});
+    }
+};
+
+TEST_F(FoldersTest, ATreeIsMadeAndFoundAgain) {
+    EXPECT_EQ(m_store->root().name, QStringLiteral("Mailbox - Ann"));
+    EXPECT_EQ(m_store->root().parent, 0);
+    const FolderRecord inbox = m_store->addFolder({.parent = m_root,
+                                                   .name = QStringLiteral("Inbox"),
+                                                   .defaultItemType = 6,
+                                                   .homePageUrl = QStringLiteral("file:///x.htm"),
+                                                   .homePageOn = true,
+                                                   .special = SpecialFolder::Inbox});
+    const FolderRecord below = add(inbox.id, QStringLiteral("12"));
+    m_store.reset();
+    m_store = open();
+    EXPECT_EQ(m_store->root().name, QStringLiteral("Mailbox - Ann"));
+    EXPECT_EQ(m_store->specialFolder(SpecialFolder::Inbox), inbox);
+    EXPECT_FALSE(m_store->specialFolder(SpecialFolder::Drafts).has_value());
+    EXPECT_EQ(m_store->childFolders(m_root), QList{inbox});
+    EXPECT_EQ(m_store->findFolder(inbox.id, QStringLiteral("12")), below);
+    EXPECT_FALSE(m_store->findFolder(m_root, QStringLiteral("INBOX")).has_value());
+    for (const QString &name : oddTexts())
+        EXPECT_EQ(m_store->findFolder(m_root, name), std::nullopt) << name.left(20).toStdString();
+    for (const QString &name : oddTexts()) {
+        const FolderRecord added = add(m_root, name);
+        EXPECT_EQ(added.name, name);
+        EXPECT_TRUE(m_store->findFolder(m_root, name) == added) << name.left(20).toStdString();
+    }
+}
+
+TEST_F(FoldersTest, ANameIsTakenOnce) {
+    FolderRecord one = add(m_root, QStringLiteral("One"));
+    add(m_root, QStringLiteral("Two"));
+    EXPECT_EQ(failureOf([&] { add(m_root, QStringLiteral("One")); }), failures::keyExists);
+    EXPECT_EQ(failureOf([&] { add(4711, QStringLiteral("One")); }), failures::notFound);
+    one.name = QStringLiteral("Two");
+    EXPECT_EQ(failureOf([&] { m_store->saveFolder(one); }), failures::keyExists);
+    one.name = QStringLiteral("one");
+    one.homePageOn = true;
+    EXPECT_EQ(m_store->saveFolder(one), one);
+    EXPECT_EQ(m_store->folder(one.id), one);
+}
+
+TEST_F(FoldersTest, AMovedFolderKeepsItsItemsAndFindsAFreeName) {
+    const FolderRecord deleted = add(m_root, QStringLiteral("Deleted Items"));
+    for (int i = 1; i <= 3; ++i) {
+        const FolderRecord gone = add(m_root, QStringLiteral("12"));
+        const FolderRecord below = add(gone.id, QStringLiteral("Received"));
+        m_store->insert(below.id, withSubject(QStringLiteral("kept")));
+        const FolderRecord moved = m_store->moveFolder(gone.id, deleted.id);
+        EXPECT_EQ(moved.name, i == 1 ? QStringLiteral("12") : QStringLiteral("12 (%1)").arg(i));
+        EXPECT_EQ(moved.parent, deleted.id);
+        EXPECT_EQ(subjects(*m_store, below.id), QStringList(QStringLiteral("kept")));
+        EXPECT_EQ(failureOf([&] { m_store->moveFolder(deleted.id, below.id); }), failures::invalidCall);
+    }
+    EXPECT_EQ(failureOf([&] { m_store->moveFolder(m_root, deleted.id); }), failures::invalidCall);
+    EXPECT_EQ(failureOf([&] { m_store->moveFolder(deleted.id, 4711); }), failures::notFound);
+}
+
+TEST_F(FoldersTest, ARemovedFolderTakesAllBelowItAlong) {
+    const FolderRecord one = add(m_root, QStringLiteral("One"));
+    const FolderRecord two = add(one.id, QStringLiteral("Two"));
+    const ItemRecord item = m_store->insert(two.id, {}, everyPart(QStringLiteral("x")));
+    const qint64 attachment = m_store->attachments(item.id).value(0).id;
+    EXPECT_EQ(m_store->count(two.id), 1);
+    const auto other = open();
+    EXPECT_EQ(other->count(two.id), 1);
+    m_store->removeFolder(one.id);
+    for (Store *store : {m_store.get(), other.get()}) {
+        EXPECT_FALSE(store->item(item.id).has_value());
+        EXPECT_EQ(failureOf([&] { static_cast<void>(store->count(two.id)); }), failures::notFound);
+        EXPECT_EQ(failureOf([&] { static_cast<void>(store->folder(one.id)); }), failures::notFound);
+        EXPECT_EQ(failureOf([&] { static_cast<void>(store->attachmentData(attachment)); }), failures::notFound);
+    }
+    EXPECT_EQ(failureOf([&] { m_store->removeFolder(m_root); }), failures::invalidCall);
+}
+
+TEST_F(FoldersTest, TheWalkFromTheLastToTheFirstMovesEveryItemOnce) {
+    const FolderId from = add(m_root, QStringLiteral("From")).id;
+    const FolderId to = add(m_root, QStringLiteral("To")).id;
+    for (int i = 0; i < 700; ++i)
+        m_store->insert(from, withSubject(QString::number(i)));
+    for (qint64 i = m_store->count(from); i >= 1; --i)
+        if (i % 7 != 0)
+            m_store->move(m_store->nth(from, i).value(), to);
+    EXPECT_EQ(m_store->count(from), 100);
+    EXPECT_EQ(m_store->count(to), 600);
+    EXPECT_EQ(m_store->nth(from, 1).value().subject, QStringLiteral("6"));
+    EXPECT_EQ(m_store->nth(from, 100).value().subject, QStringLiteral("699"));
+    EXPECT_EQ(m_store->nth(to, 1).value().subject, QStringLiteral("698"));
+    for (const qint64 beyond : {qint64{0}, qint64{-1}, qint64{101}})
+        EXPECT_FALSE(m_store->nth(from, beyond).has_value());
+}
+
+/// Positions asked for in every order, while two connections add and take away at both ends and in the middle.
+TEST_F(FoldersTest, PositionsFollowWhatBothConnectionsDo) {
+    const FolderId folder = add(m_root, QStringLiteral("Shared")).id;
+    const FolderId aside = add(m_root, QStringLiteral("Aside")).id;
+    const auto other = open();
+    std::mt19937 random(7);
+    QList<ItemId> expected;
+    for (int step = 0; step < 3000; ++step) {
+        Store &store = random() % 2 == 0 ? *m_store : *other;
+        const bool add = expected.size() < 600 || random() % 2 == 0;
+        if (add) {
+            expected << store.insert(folder, {}).id;
+        } else {
+            const auto at = static_cast<qsizetype>(random() % static_cast<unsigned>(expected.size()));
+            const ItemRecord item = store.item(expected[at]).value();
+            if (random() % 2 == 0)
+                store.remove(item);
+            else
+                store.move(item, aside);
+            expected.removeAt(at);
+        }
+        Store &reader = random() % 2 == 0 ? *m_store : *other;
+        ASSERT_EQ(reader.count(folder), expected.size()) << step;
+        const auto position = 1 + static_cast<qsizetype>(random() % static_cast<unsigned>(expected.size()));
+        ASSERT_EQ(reader.nth(folder, position).value().id, expected[position - 1]) << step;
+        ASSERT_EQ(reader.nth(folder, expected.size()).value().id, expected.last()) << step;
+    }
+}
+
+} // namespace desk
