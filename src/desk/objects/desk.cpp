@@ -1,0 +1,51 @@
+#include "desk/objects/desk.h"
+
+#include "desk/objects/application.h"
+#include "desk/objects/itemwatch.h"
+#include "desk/objects/session.h"
+#include "desk/objects/transport.h"
+#include "desk/objects/windows.h"
+
+#include <chrono>
+
+namespace desk {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto pollInterval = 100ms;
+constexpr auto sendInterval = 2000ms;
+
+} // namespace
+
+Desk::Desk(const DeskOptions &options) : m_session(Session::open(Profile(options))) {
+    QObject::connect(&m_pollTimer, &QTimer::timeout, &m_pollTimer,
+                     [this] { static_cast<void>(Attempt([&] { m_session->watch().poll(); })); });
+    // What can't be sent stays in the Outbox and is tried again.
+    QObject::connect(&m_sendTimer, &QTimer::timeout, &m_sendTimer,
+                     [this] { static_cast<void>(Attempt([&] { m_session->transport().deliverNow(); })); });
+    m_pollTimer.start(pollInterval);
+    m_sendTimer.start(sendInterval);
+}
+
+Desk::~Desk() {
+    m_pollTimer.stop();
+    m_sendTimer.stop();
+    Q_EMIT m_session->application()->ApplicationEvents::Quit();
+    m_session->windows().closeAll();
+    m_server.reset();
+}
+
+automation::ObjectPtr Desk::application() const { return automation::wrap(m_session->application()); }
+
+void Desk::listen() {
+    m_server = std::make_unique<automation::Server>([this] { return application(); }, m_session->profile().socket());
+    m_server->onClientGone([this](automation::ClientNumber client) { m_session->windows().clientGone(client); });
+}
+
+void Desk::lookAround() {
+    m_session->watch().poll();
+    m_session->transport().deliverNow();
+}
+
+} // namespace desk

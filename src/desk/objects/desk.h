@@ -1,0 +1,39 @@
+/// The host in one object: a profile opened, its object model, and what runs beside it.
+#pragma once
+
+#include "automation/remote.h"
+#include "desk/objects/profile.h"
+
+#include <QTimer>
+
+namespace desk {
+
+class Session;
+
+/// A desk in this process. Clients of this process use `application()`; those of other processes reach it once it
+/// listens. While the event loop runs, it notices what other processes change and sends what is submitted.
+class Desk {
+  public:
+    explicit Desk(const DeskOptions &options);
+    /// Tells the clients that the host quits, and closes the windows.
+    ~Desk();
+    Desk(const Desk &) = delete;
+    Desk &operator=(const Desk &) = delete;
+
+    [[nodiscard]] automation::ObjectPtr application() const;
+    [[nodiscard]] Session &session() const { return *m_session; }
+
+    /// Lets programs connect, at the profile's socket. Fails with 70 when another desk runs on the profile.
+    void listen();
+
+    /// Looks for what other processes have done, and sends what is submitted; what the timers do.
+    void lookAround();
+
+  private:
+    std::shared_ptr<Session> m_session;
+    std::unique_ptr<automation::Server> m_server;
+    QTimer m_pollTimer;
+    QTimer m_sendTimer;
+};
+
+} // namespace desk

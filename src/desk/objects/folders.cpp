@@ -1,0 +1,84 @@
+#include "desk/objects/folders.h"
+
+#include "desk/objects/itemkinds.h"
+#include "desk/objects/mapifolder.h"
+#include "desk/objects/namespace.h"
+#include "desk/objects/session.h"
+#include "platform/value/convert.h"
+
+namespace desk::objects {
+
+Folders::Folders(std::weak_ptr<desk::Session> session, std::shared_ptr<MAPIFolder> parent)
+    : SessionObject(std::move(session)), m_parent(std::move(parent)) {}
+
+QList<std::shared_ptr<MAPIFolder>> Folders::all() const {
+    const std::shared_ptr<desk::Session> open = session();
+    QList<std::shared_ptr<MAPIFolder>> folders;
+    if (!m_parent) {
+        for (Store *store : open->stores())
+            folders.append(open->folder(*store, store->root().id));
+        return folders;
+    }
+    if (&m_parent->store() == &open->mailbox())
+        open->makeSpecialFolders();
+    for (const FolderRecord &record : m_parent->store().childFolders(m_parent->id()))
+        folders.append(open->folder(m_parent->store(), record.id));
+    return folders;
+}
+
+Value Folders::parent() const {
+    return m_parent ? automation::wrap(m_parent) : automation::wrap(session()->nameSpace());
+}
+
+Value Folders::Item(const Value &Index) {
+    const std::shared_ptr<desk::Session> open = session();
+    if (!Index.isText()) {
+        const QList<std::shared_ptr<MAPIFolder>> folders = all();
+        return automation::wrap(folders.at(positionFrom(Index, folders.size())));
+    }
+    const QString name = toText(Index);
+    if (m_parent) {
+        if (&m_parent->store() == &open->mailbox())
+            open->makeSpecialFolders();
+        if (const auto record = m_parent->store().findFolder(m_parent->id(), name))
+            return automation::wrap(open->folder(m_parent->store(), record->id));
+    } else {
+        for (Store *store : open->stores()) {
+            const FolderRecord root = store->root();
+            if (root.name == name)
+                return automation::wrap(open->folder(*store, root.id));
+        }
+    }
+    throw Failure(failures::notFound, QStringLiteral("There is no folder \"%1\" here.").arg(name));
+}
+
+Value Folders::Add(const QString &Name, const Value &Type) {
+    const std::shared_ptr<desk::Session> open = session();
+    if (!m_parent)
+        throw Failure(failures::accessDenied, QStringLiteral("Top folders can't be added."));
+    if (Name.isEmpty())
+        throw Failure(failures::invalidCall, QStringLiteral("A folder needs a name."));
+    // An ordinary folder of this name would stand in a default folder's place.
+    if (&m_parent->store() == &open->mailbox())
+        open->makeSpecialFolders();
+    FolderRecord record;
+    record.parent = m_parent->id();
+    record.name = Name;
+    record.defaultItemType = Type.isMissing() ? m_parent->defaultItemType() : itemTypeOfFolderType(toInt32(Type));
+    record = m_parent->store().addFolder(record);
+    return automation::wrap(open->folder(m_parent->store(), record.id));
+}
+
+Value Folders::at(qsizetype position) const {
+    const QList<std::shared_ptr<MAPIFolder>> folders = all();
+    return position < folders.size() ? automation::wrap(folders.at(position)) : Value::nothing();
+}
+
+Value Folders::GetFirst() {
+    m_next = 1;
+    return at(0);
+}
+
+Value Folders::GetNext() { return at(m_next++); }
+
+} // namespace desk::objects

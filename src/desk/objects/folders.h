@@ -1,0 +1,39 @@
+/// The folders below a folder, or the top folders of the session.
+#pragma once
+
+#include "desk/objects/sessionobject.h"
+#include "desk/store/records.h"
+
+namespace desk::objects {
+
+class MAPIFolder;
+
+class Folders : public SessionObject {
+    Q_OBJECT
+    Q_PROPERTY(int Count READ count)
+    Q_PROPERTY(Value Parent READ parent)
+
+  public:
+    /// Those below `parent`; without one, the top folders.
+    explicit Folders(std::weak_ptr<desk::Session> session, std::shared_ptr<MAPIFolder> parent = nullptr);
+
+    [[nodiscard]] int count() const { return static_cast<int>(all().size()); }
+    [[nodiscard]] Value parent() const;
+
+    /// By position from 1, or by name, compared exactly. Fails with 0x8004010F for a name that is missing.
+    Q_INVOKABLE Value Item(const Value &Index);
+    /// `Type` is a default folder's number, whose kind of items the new folder takes; left out, the kind of the parent.
+    /// Fails with 457 for a name that is taken.
+    Q_INVOKABLE Value Add(const QString &Name, const Value &Type = Value::Missing{});
+    Q_INVOKABLE Value GetFirst();
+    Q_INVOKABLE Value GetNext();
+
+  private:
+    [[nodiscard]] QList<std::shared_ptr<MAPIFolder>> all() const;
+    Value at(qsizetype position) const;
+
+    std::shared_ptr<MAPIFolder> m_parent;
+    qsizetype m_next = 0;
+};
+
+} // namespace desk::objects

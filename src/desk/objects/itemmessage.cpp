@@ -1,0 +1,190 @@
+#include "desk/objects/itemmessage.h"
+
+#include "desk/mail/composer.h"
+#include "desk/mail/parser.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace desk {
+namespace {
+
+QString joined(const QList<Address> &addresses) {
+    QStringList texts;
+    for (const Address &address : addresses) {
+        const bool hasBoth = !address.name.isEmpty() && !address.address.isEmpty() && address.name != address.address;
+        texts.append(hasBoth ? QStringLiteral("%1 <%2>").arg(address.name, address.address) : address.display());
+    }
+    return texts.join(QStringLiteral("; "));
+}
+
+DateTime localMoment(const QDateTime &moment) {
+    if (!moment.isValid())
+        return {};
+    const DateTime local = DateTime::fromQt(moment.toLocalTime());
+    return local.isValid() ? local : DateTime();
+}
+
+AttachmentRecord recordOf(const Attachment &attachment) {
+    AttachmentRecord record;
+    record.type = static_cast<qint32>(attachment.type);
+    record.fileName = safeFileName(attachment);
+    record.displayName = attachment.name.isEmpty() ? record.fileName : attachment.name;
+    record.mimeType = attachment.mimeType;
+    record.contentId = attachment.contentId;
+    record.data = attachment.data;
+    return record;
+}
+
+bool isDirectoryAddress(const QString &address) { return address.startsWith(u'/'); }
+
+} // namespace
+
+IncomingItem incomingItem(const QByteArray &bytes) {
+    const Message message = parseMessage(bytes);
+    IncomingItem item;
+    ItemRecord &fields = item.fields;
+    fields.messageClass = QStringLiteral("IPM.Note");
+    fields.subject = message.subject;
+    fields.importance = static_cast<qint32>(message.importance);
+    fields.sensitivity = static_cast<qint32>(message.sensitivity);
+    fields.unread = true;
+    fields.bodyFormat = message.html.isEmpty() ? 1 : 2;
+    fields.senderName = message.from.display();
+    fields.senderAddress = message.from.address;
+    fields.senderAddressType = isDirectoryAddress(fields.senderAddress) ? QStringLiteral("EX") : QStringLiteral("SMTP");
+    fields.sentOnBehalfOf = message.from.display();
+    fields.replyRecipientNames = joined(message.replyTo);
+    fields.to = joined(message.to);
+    fields.cc = joined(message.cc);
+    fields.bcc = joined(message.bcc);
+    fields.readReceiptRequested = message.readReceiptRequested;
+    fields.sent = true;
+    fields.sentAt = localMoment(message.sentAt);
+    fields.receivedAt = Clock::now();
+    fields.messageId = message.messageId;
+    fields.inReplyTo = message.inReplyTo.join(u' ');
+    fields.references = message.references.join(u' ');
+
+    item.parts.bodies = Bodies{message.bodyText(), message.html};
+    QList<AttachmentRecord> attachments;
+    for (const Attachment &attachment : message.attachments)
+        attachments.append(recordOf(attachment));
+    item.parts.attachments = attachments;
+    item.parts.original = bytes;
+    return item;
+}
+
+Message outgoingMessage(ItemContent &item, const Profile &profile) {
+    const ItemRecord &fields = item.fields();
+    Message message;
+    message.subject = fields.subject;
+    const Address own{profile.user(), profile.address()};
+    message.from = own;
+    if (!fields.sentOnBehalfOf.isEmpty()) {
+        const Address other = parseAddresses(fields.sentOnBehalfOf).value(0);
+        if (other.address.contains(u'@') && other.address != own.address) {
+            message.from = other;
+            message.sender = own;
+        } else {
+            message.from.name = other.display();
+        }
+    } else if (!fields.senderAddress.isEmpty()) {
+        message.from = {fields.senderName == fields.senderAddress ? QString() : fields.senderName,
+                        fields.senderAddress};
+    }
+    for (const Address &address : parseAddresses(fields.replyRecipientNames)) {
+        if (address.address.contains(u'@'))
+            message.replyTo.append(address);
+    }
+    message.to = parseAddresses(fields.to);
+    message.cc = parseAddresses(fields.cc);
+    message.bcc = parseAddresses(fields.bcc);
+    if (!fields.sentAt.isZero())
+        message.sentAt = fields.sentAt.toQt();
+    message.importance = static_cast<Importance>(fields.importance);
+    message.sensitivity = static_cast<Sensitivity>(fields.sensitivity);
+    message.readReceiptRequested = fields.readReceiptRequested;
+    message.messageId = fields.messageId;
+    message.inReplyTo = fields.inReplyTo.split(u' ', Qt::SkipEmptyParts);
+    message.references = fields.references.split(u' ', Qt::SkipEmptyParts);
+    message.text = item.bodies().plain;
+    if (fields.bodyFormat != 1)
+        message.html = item.bodies().html;
+    for (const ItemContent::AttachmentPtr &record : item.attachments()) {
+        Attachment attachment;
+        attachment.type = static_cast<AttachmentType>(record->type);
+        attachment.name = record->displayName.isEmpty() ? record->fileName : record->displayName;
+        if (!record->mimeType.isEmpty())
+            attachment.mimeType = record->mimeType;
+        attachment.contentId = record->contentId;
+        attachment.isInline = !record->contentId.isEmpty();
+        attachment.data = item.attachmentData(*record);
+        message.attachments.append(attachment);
+    }
+    return message;
+}
+
+QByteArray messageBytes(ItemContent &item, const Profile &profile) {
+    const QByteArray original = item.original();
+    return original.isEmpty() ? composeMessage(outgoingMessage(item, profile)) : original;
+}
+
+QList<Address> parseAddresses(const QString &text) {
+    QList<Address> addresses;
+    QString name;
+    QString address;
+    bool isQuoted = false;
+    bool isAngled = false;
+    const auto finish = [&] {
+        name = name.simplified();
+        address = address.trimmed();
+        if (address.isEmpty())
+            std::swap(name, address);
+        if (!address.isEmpty())
+            addresses.append({name, address});
+        name.clear();
+        address.clear();
+        isAngled = false;
+    };
+    for (const QChar letter : text) {
+        if (letter == u'"' && !isAngled)
+            isQuoted = !isQuoted;
+        else if (isQuoted)
+            name += letter;
+        else if (letter == u'<')
+            isAngled = true;
+        else if (letter == u'>')
+            isAngled = false;
+        else if (letter == u';' || (letter == u',' && (name.contains(u'@') || !address.isEmpty())))
+            finish();
+        else
+            (isAngled ? address : name) += letter;
+    }
+    finish();
+    return addresses;
+}
+
+QString nativePath(const QString &path) { return QString(path).replace(u'\\', u'/'); }
+
+void writeFile(const QString &path, const QByteArray &bytes) {
+    QSaveFile file(nativePath(path));
+    if (!file.open(QIODevice::WriteOnly)) {
+        const bool hasFolder = QFileInfo(QFileInfo(file.fileName()).path()).isDir();
+        throw Failure(hasFolder ? failures::permissionDenied : failures::pathNotFound,
+                      QStringLiteral("%1 can't be written: %2").arg(path, file.errorString()));
+    }
+    if (file.write(bytes) != bytes.size() || !file.commit())
+        throw Failure(failures::diskFull, QStringLiteral("%1 can't be written: %2").arg(path, file.errorString()));
+}
+
+QByteArray readFile(const QString &path) {
+    QFile file(nativePath(path));
+    if (!file.exists() || QFileInfo(file).isDir())
+        throw Failure(failures::fileNotFound, QStringLiteral("There is no file %1.").arg(path));
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure(failures::permissionDenied, QStringLiteral("%1 can't be read: %2").arg(path, file.errorString()));
+    return file.readAll();
+}
+
+} // namespace desk

@@ -1,0 +1,85 @@
+#include "desk/objects/namespace.h"
+
+#include "desk/objects/addresslists.h"
+#include "desk/objects/folders.h"
+#include "desk/objects/item.h"
+#include "desk/objects/mapifolder.h"
+#include "desk/objects/recipient.h"
+#include "desk/objects/session.h"
+#include "desk/objects/transport.h"
+#include "platform/value/convert.h"
+
+namespace desk::objects {
+namespace {
+
+/// The store of an entry identifier, if it is the one that the caller names.
+Store &storeFor(Session &session, const QString &entryId, const Value &storeId) {
+    Store *store = session.storeOf(entryId);
+    if (!store)
+        throw Failure(failures::notFound);
+    const QString named = storeId.isMissing() ? QString() : toText(storeId);
+    if (!named.isEmpty() && named.compare(store->storeId(), Qt::CaseInsensitive) != 0)
+        throw Failure(failures::notFound);
+    return *store;
+}
+
+} // namespace
+
+Value NameSpace::Folders(const Value &Index) {
+    const auto folders = std::make_shared<objects::Folders>(weakSession());
+    return Index.isMissing() ? Value(automation::wrap(folders)) : folders->Item(Index);
+}
+
+Value NameSpace::GetDefaultFolder(int FolderType) {
+    const std::shared_ptr<desk::Session> open = session();
+    const FolderRecord record = open->specialFolder(static_cast<SpecialFolder>(FolderType));
+    return automation::wrap(open->folder(open->mailbox(), record.id));
+}
+
+Value NameSpace::GetFolderFromID(const QString &EntryID, const Value &StoreID) {
+    const std::shared_ptr<desk::Session> open = session();
+    Store &store = storeFor(*open, EntryID, StoreID);
+    const std::optional<FolderRecord> record = store.folderByEntryId(EntryID);
+    if (!record)
+        throw Failure(failures::notFound);
+    return automation::wrap(open->folder(store, record->id));
+}
+
+Value NameSpace::GetItemFromID(const QString &EntryID, const Value &StoreID) {
+    const std::shared_ptr<desk::Session> open = session();
+    Store &store = storeFor(*open, EntryID, StoreID);
+    const std::optional<ItemRecord> record = store.itemByEntryId(EntryID);
+    if (!record)
+        throw Failure(failures::notFound);
+    return automation::wrap(open->item(store, *record));
+}
+
+Value NameSpace::CreateRecipient(const QString &Name) {
+    return automation::wrap(std::make_shared<Recipient>(weakSession(), Name));
+}
+
+Value NameSpace::GetSharedDefaultFolder(const Value &Recipient, int FolderType) {
+    const auto person = automation::exposedOf<objects::Recipient>(Recipient);
+    if (!person)
+        throw Failure(failures::objectNotSet);
+    const Profile &profile = session()->profile();
+    const bool isOwn = person->name().compare(profile.user(), Qt::CaseInsensitive) == 0 ||
+                       person->address().compare(profile.address(), Qt::CaseInsensitive) == 0;
+    if (!isOwn)
+        throw Failure(failures::notFound,
+                      QStringLiteral("The mailbox of %1 can't be opened from here.").arg(person->name()));
+    return GetDefaultFolder(FolderType);
+}
+
+Value NameSpace::PickFolder() { return Value::nothing(); }
+
+Value NameSpace::CurrentUser() { return CreateRecipient(session()->profile().user()); }
+
+Value NameSpace::AddressLists(const Value &Index) {
+    const auto lists = std::make_shared<objects::AddressLists>(weakSession());
+    return Index.isMissing() ? Value(automation::wrap(lists)) : lists->Item(Index);
+}
+
+int NameSpace::DeliverNow() { return session()->transport().deliverNow(); }
+
+} // namespace desk::objects

@@ -1,0 +1,84 @@
+/// The object model of the host, and the session behind it.
+///
+/// Every object that a client meets is a `SessionObject` under the host's own member names (namespace `desk::objects`).
+/// The session holds what they share: the stores, the windows, the watch on new items. The desk knows nothing of the
+/// programs that drive it: what is special about an item is its message class, and the form of a class comes as data.
+#pragma once
+
+#include "desk/objects/profile.h"
+#include "desk/store/store.h"
+
+namespace desk {
+
+class Forms;
+class ItemWatch;
+class Transport;
+class Windows;
+
+namespace objects {
+class Application;
+class Item;
+class MAPIFolder;
+class NameSpace;
+} // namespace objects
+
+/// One person's work with their mailbox and the public folders.
+///
+/// Objects of the session know it weakly. Invariant: the stores live as long as the session.
+class Session : public std::enable_shared_from_this<Session> {
+  public:
+    static std::shared_ptr<Session> open(const Profile &profile);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    [[nodiscard]] const Profile &profile() const { return m_profile; }
+
+    [[nodiscard]] Store &mailbox() { return *m_mailbox; }
+    [[nodiscard]] Store &publicStore() { return *m_public; }
+    /// The mailbox first.
+    [[nodiscard]] std::array<Store *, 2> stores() { return {m_mailbox.get(), m_public.get()}; }
+    /// The store that an entry identifier belongs to; null where it is none of this session.
+    [[nodiscard]] Store *storeOf(const QString &entryId);
+
+    /// A default folder of the mailbox, made when it is first asked for. Fails with 0x8004010F for an unknown number.
+    FolderRecord specialFolder(SpecialFolder special);
+    /// Makes those default folders that are missing: what somebody who looks into the mailbox expects to see.
+    void makeSpecialFolders();
+    [[nodiscard]] bool isIn(const ItemRecord &item, Store &store, SpecialFolder special);
+
+    [[nodiscard]] std::shared_ptr<objects::Application> application();
+    [[nodiscard]] std::shared_ptr<objects::NameSpace> nameSpace();
+    /// The one object of a folder. Whether the folder exists shows when it is used.
+    [[nodiscard]] std::shared_ptr<objects::MAPIFolder> folder(Store &store, FolderId id);
+    /// An item, opened anew: it holds what is stored at this moment, and its own changes.
+    [[nodiscard]] std::shared_ptr<objects::Item> item(Store &store, const ItemRecord &record);
+    /// A new item that is not saved yet, with the fields of the form of its class.
+    [[nodiscard]] std::shared_ptr<objects::Item> newItem(Store &store, FolderId folder, const QString &messageClass);
+
+    [[nodiscard]] Windows &windows() { return *m_windows; }
+    [[nodiscard]] ItemWatch &watch() { return *m_watch; }
+    [[nodiscard]] Transport &transport() { return *m_transport; }
+
+    /// Called when a window begins to show a folder.
+    std::function<void(const FolderRecord &)> folderShown;
+    /// Called when a client asks the host to end.
+    std::function<void()> quitAsked;
+
+  private:
+    explicit Session(const Profile &profile);
+
+    Profile m_profile;
+    std::unique_ptr<Store> m_mailbox;
+    std::unique_ptr<Store> m_public;
+    std::unique_ptr<Windows> m_windows;
+    std::unique_ptr<ItemWatch> m_watch;
+    std::unique_ptr<Transport> m_transport;
+    std::unique_ptr<Forms> m_forms;
+    std::shared_ptr<objects::Application> m_application;
+    std::shared_ptr<objects::NameSpace> m_nameSpace;
+    std::map<std::pair<Store *, FolderId>, std::weak_ptr<objects::MAPIFolder>> m_folders;
+    bool m_hasSpecialFolders = false;
+};
+
+} // namespace desk

@@ -1,0 +1,151 @@
+#include "desk/objects/transport.h"
+
+#include "desk/mail/composer.h"
+#include "desk/objects/directory.h"
+#include "desk/objects/itemmessage.h"
+#include "desk/objects/itemwatch.h"
+#include "desk/objects/session.h"
+#include "desk/store/transfer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLockFile>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace desk {
+namespace {
+
+const QString partSuffix = QStringLiteral(".part");
+
+/// What has been submitted and not sent. A message that has come in has been received; moving it into the Outbox does
+/// not send it again.
+bool isSubmitted(const ItemRecord &item) { return item.sent && item.receivedAt.isZero(); }
+
+/// A message identifier as a file name.
+QString fileNameOf(const QString &messageId) {
+    QString name;
+    for (const QChar letter : messageId.left(180)) {
+        const bool isPlain = letter.unicode() < 128 && letter.isLetterOrNumber();
+        name += isPlain || letter == u'-' || letter == u'_' || letter == u'@' || (letter == u'.' && !name.isEmpty())
+                    ? letter
+                    : QChar(u'_');
+    }
+    return (name.isEmpty() ? QStringLiteral("message") : name) + QStringLiteral(".eml");
+}
+
+void syncFolder(const QString &folder) {
+    const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0)
+        return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+} // namespace
+
+int Transport::deliverNow() {
+    Store &mailbox = m_session.mailbox();
+    const auto outbox = mailbox.specialFolder(SpecialFolder::Outbox);
+    const QString folder = m_session.profile().outgoingFolder();
+    const bool hasLeftovers = !QDir(folder).entryList({u'*' + partSuffix}, QDir::Files).isEmpty();
+    if (!hasLeftovers && (!outbox || mailbox.count(outbox->id) == 0))
+        return 0;
+    if (!QDir().mkpath(folder))
+        throw Failure(failures::pathNotFound, QStringLiteral("The folder %1 can't be made.").arg(folder));
+    QLockFile lock(folder + QStringLiteral("/.lock"));
+    lock.setStaleLockTime(0);
+    if (!lock.tryLock())
+        return 0;
+    settle(folder);
+    int sent = 0;
+    std::optional<Failure> firstFailure;
+    qint64 arrival = 0;
+    while (outbox) {
+        const QList<ItemRecord> waiting = mailbox.itemsArrivedAfter(outbox->id, arrival, 1);
+        if (waiting.isEmpty())
+            break;
+        const ItemRecord &item = waiting.first();
+        arrival = item.arrival;
+        if (!isSubmitted(item))
+            continue;
+        const std::optional<Failure> failure = Attempt([&] { send(folder, item); });
+        sent += failure ? 0 : 1;
+        if (failure && !firstFailure)
+            firstFailure = failure;
+    }
+    lock.unlock();
+    m_session.watch().look();
+    if (firstFailure)
+        throw Failure(*firstFailure);
+    return sent;
+}
+
+void Transport::settle(const QString &folder) {
+    // What was still being written.
+    for (const QString &name : QDir(folder).entryList({u'*' + partSuffix + QStringLiteral(".*")}, QDir::Files))
+        QFile::remove(folder + u'/' + name);
+    for (const QString &name : QDir(folder).entryList({u'*' + partSuffix}, QDir::Files)) {
+        const QString path = folder + u'/' + name;
+        const auto item = m_session.mailbox().itemByEntryId(name.chopped(partSuffix.size()));
+        if (item && m_session.isIn(*item, m_session.mailbox(), SpecialFolder::Outbox)) {
+            QFile::remove(path);
+            continue;
+        }
+        const QString target = folder + u'/' + fileNameOf(item ? item->messageId : name.chopped(partSuffix.size()));
+        QFile::rename(path, target);
+    }
+    syncFolder(folder);
+}
+
+void Transport::send(const QString &folder, const ItemRecord &item) {
+    Store &mailbox = m_session.mailbox();
+    ItemContent content(mailbox, item);
+    Message message = outgoingMessage(content, m_session.profile());
+    for (QList<Address> *list : {&message.to, &message.cc, &message.bcc}) {
+        for (Address &address : *list) {
+            if (address.address.contains(u'@'))
+                continue;
+            if (const auto contact = contactByName(m_session, address.address))
+                address = {contact->fullName, contact->email1Address};
+        }
+    }
+    const QString part = folder + u'/' + item.entryId + partSuffix;
+    writeFile(part, composeMessage(message));
+    syncFolder(folder);
+
+    const FolderRecord sentItems = m_session.specialFolder(SpecialFolder::SentItems);
+    std::optional<ItemRecord> moved;
+    const std::optional<Failure> failure = Attempt([&] { moved = mailbox.move(item, sentItems.id); });
+    if (failure) {
+        QFile::remove(part);
+        throw Failure(*failure);
+    }
+    const QString target = folder + u'/' + fileNameOf(item.messageId);
+    QFile::remove(target);
+    if (!QFile::rename(part, target))
+        throw Failure(failures::permissionDenied, QStringLiteral("%1 can't be renamed to %2.").arg(part, target));
+    syncFolder(folder);
+    fileSent(*moved);
+}
+
+void Transport::fileSent(const ItemRecord &item) {
+    Store &mailbox = m_session.mailbox();
+    ItemRecord filed = item;
+    filed.receivedAt = Clock::now();
+    filed.unread = false;
+    filed = mailbox.save(filed);
+    Store *store = m_session.storeOf(item.saveSentFolder);
+    if (!store)
+        return;
+    const auto folder = store->folderByEntryId(item.saveSentFolder);
+    if (!folder)
+        return;
+    if (store == &mailbox)
+        mailbox.move(filed, folder->id);
+    else
+        moveBetween(mailbox, filed, *store, folder->id);
+}
+
+} // namespace desk

@@ -1,0 +1,33 @@
+/// The way of a submitted mail from the Outbox to the mail system of the machine.
+#pragma once
+
+#include "desk/store/store.h"
+
+namespace desk {
+
+class Session;
+
+/// Mail goes out through a folder that the mail system picks up from: one message file each, complete when it appears.
+///
+/// No crash loses a message or sends it twice. Each goes through
+///   1. "<entry id>.part" is written and durable; the item is in the Outbox: the file is dropped after a crash;
+///   2. the item is moved from the Outbox, which is the moment it counts as sent;
+///   3. the file is renamed to "<message id>.eml": done after a crash, too.
+class Transport {
+  public:
+    explicit Transport(Session &session) : m_session(session) {}
+
+    /// Sends what lies submitted in the Outbox; gives the number of messages. Where another process is at it, that one
+    /// does it and this gives 0. A message that can't be written stays in the Outbox for the next time, and the first
+    /// such failure is thrown when the others are out.
+    int deliverNow();
+
+  private:
+    void settle(const QString &folder);
+    void send(const QString &folder, const ItemRecord &item);
+    void fileSent(const ItemRecord &item);
+
+    Session &m_session;
+};
+
+} // namespace desk
