@@ -156,7 +156,8 @@ bool fncAddReferenceTables() {
     add("intMinutesWorked", dao::dbInteger, LNGMINUTES);
     add("dteWorkedDate", dao::dbDate, LNGDATE);
     add("strWorkDescription", dao::dbText, LNGDESCRIPTION);
-    add("intTicketID", dao::dbInteger, LNGTICKETID);
+    // As wide as the tickets' own numbers: a narrower column would refuse the work of every ticket past 32767.
+    add("intTicketID", dao::dbLong, LNGTICKETID);
     subDAORemoveForeignKeys(objDatabase, "tblTickets");
     return steps.good();
 }

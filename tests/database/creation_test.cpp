@@ -50,7 +50,7 @@ QList<Table> expectedTables() {
         {"tblOtherSettings", {"intSettingID:Id:Configure ID", "strPropName:Text:Name", "strPropValue:Memo:Value"}},
         {"tblWork",
          {"intWorkItemID:Id:Work ID", "strPersonName:Text:Name", "intMinutesWorked:Short:Minutes worked",
-          "dteWorkedDate:Date:Date", "strWorkDescription:Text:Description", "intTicketID:Short:Ticket ID"}},
+          "dteWorkedDate:Date:Date", "strWorkDescription:Text:Description", "intTicketID:Long:Ticket ID"}},
     };
 }
 
