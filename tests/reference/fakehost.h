@@ -6,7 +6,7 @@
 
 #include "automation/object.h"
 #include "core/process.h"
-#include "outlook/safeutils.h"
+#include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
 #include "platform/value/convert.h"
 
@@ -115,7 +115,8 @@ class FakeItem {
     [[nodiscard]] host::Item item() const { return automation::ObjectPtr(bag); }
     void setProperty(const QString &name, const Value &value) const {
         const auto property = std::make_shared<Bag>("UserProperty");
-        property->members = {{"type", 1}, {"value", value}};
+        const qint32 type = value.isText() ? 1 : value.holds<DateTime>() ? 5 : 3;
+        property->members = {{"type", type}, {"value", value}};
         (*m_properties)[name.toLower()] = property;
     }
     /// Empty for a property that is not there.
@@ -169,19 +170,11 @@ class FakeHost {
     FakeHost(const FakeHost &) = delete;
     FakeHost &operator=(const FakeHost &) = delete;
 
-    /// Installs the safe-object library: its wrappers hand the wrapped item's body on.
-    static void installSafeObjects() {
-        scripting::components->add("SafeTessmark.MAPIUtils", [] { return std::make_shared<Bag>("MAPIUtils"); });
-        scripting::components->add("SafeTessmark.SafePostItem", [] {
-            const auto wrapper = std::make_shared<Bag>("SafePostItem");
-            wrapper->onPut = [inside = std::weak_ptr<Bag>(wrapper)](const QString &member, const Value &value) {
-                if (member == "Item") {
-                    inside.lock()->members["body"] = value.object()->get("Body");
-                    inside.lock()->members["htmlbody"] = value.object()->get("HTMLBody");
-                }
-            };
-            return wrapper;
-        });
+    /// Whether the client tools are set up on this machine.
+    static void installSafeObjects(bool installed = true) {
+        safeobjects::registerComponents([] { return onsMAPI->object(); });
+        for (const QString &name : safeobjects::progIds())
+            scripting::Components::setInstalled(name, installed);
     }
 
     BagPtr application = std::make_shared<Bag>("Application");
