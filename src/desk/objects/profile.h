@@ -9,11 +9,11 @@ namespace desk {
 /// don't say either.
 struct DeskOptions {
     /// Default: $ORVELLE_PROFILE, or a folder among the user's data.
-    QString profile;
+    QString profile = {};
     /// The person's name; names the mailbox.
-    QString user;
+    QString user = {};
     /// The file of the public folders' store. Default: in the profile.
-    QString publicFile;
+    QString publicFile = {};
 };
 
 /// The settings of a profile. What the options name is remembered in its file "desk.ini".
