@@ -4,13 +4,11 @@
 #include "automation/sample.h"
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QSocketNotifier>
 #include <QTimer>
 
 #include <cstdio>
-#include <map>
 #include <unistd.h>
 
 using namespace automation;
@@ -93,6 +91,13 @@ int deepen(Object &root, int level) {
     return QCoreApplication::exec();
 }
 
+/// Never stops asking.
+int work(Object &root) {
+    say("running");
+    for (;;)
+        root.call("Deepen", {1});
+}
+
 int runClient(const QString &socket, const QStringList &arguments) {
     const auto client = Client::connect(socket, [] { QCoreApplication::exit(0); });
     Object &root = *client->root();
@@ -104,6 +109,8 @@ int runClient(const QString &socket, const QStringList &arguments) {
         return cancel(root);
     if (part == QLatin1String("dawdle"))
         return dawdle(root, number);
+    if (part == QLatin1String("work"))
+        return work(root);
     if (part == QLatin1String("deepen"))
         return deepen(root, number);
     return 2;
