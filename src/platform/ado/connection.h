@@ -29,6 +29,12 @@ class Connection {
     void Close();
     [[nodiscard]] bool IsOpen() const { return m_provider != nullptr; }
 
+    /// What is written until `CommitTrans` is done as a whole, or not at all. A connection that is closed before it
+    /// rolls it back.
+    void BeginTrans() { provider()->begin(); }
+    void CommitTrans() { provider()->commit(); }
+    void RollbackTrans() { provider()->rollback(); }
+
     /// Fails with `objectClosed` when it is not open.
     [[nodiscard]] const std::shared_ptr<Provider> &provider() const;
 

@@ -50,14 +50,14 @@ QString machinePath(const QString &path) {
 }
 
 JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
-    : m_path(path), m_name(QUuid::createUuid().toString()), m_busySeconds(busySeconds),
+    : m_path(machinePath(path)), m_name(QUuid::createUuid().toString()), m_busySeconds(busySeconds),
       m_order(std::make_unique<TextOrder>()) {
-    const QFileInfo file(machinePath(path));
+    const QFileInfo file(m_path);
     if (mode != Mode::Create) {
         if (!file.isFile())
             throw Failure(failures::unspecified, QString("Could not find the database file %1. Put it back, or restore "
                                                          "it from a backup.")
-                                                     .arg(path));
+                                                     .arg(m_path));
         if (file.size() == 0)
             fail(SQLITE_NOTADB, "the file is empty");
         // The read-only mark of a file holds for everybody, also for those whom the system would let write.
@@ -89,7 +89,7 @@ JetDatabase::~JetDatabase() {
 }
 
 bool JetDatabase::tryOpen(const QString &options, const QString &parameters) {
-    const QByteArray path = QUrl::toPercentEncoding(QFileInfo(machinePath(m_path)).absoluteFilePath(), "/");
+    const QByteArray path = QUrl::toPercentEncoding(QFileInfo(m_path).absoluteFilePath(), "/");
     m_database.close();
     m_database.setConnectOptions(options);
     m_database.setDatabaseName(QString("file:%1?%2").arg(QString::fromLatin1(path), parameters));

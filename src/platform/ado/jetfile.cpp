@@ -165,6 +165,10 @@ class JetFile final : public Provider {
         runOnOriginal(query, 0, original);
     }
 
+    void begin() override { m_database.run("BEGIN IMMEDIATE"); }
+    void commit() override { m_database.run("COMMIT"); }
+    void rollback() override { m_database.run("ROLLBACK"); }
+
   private:
     /// The condition of the optimistic lock: the row is as it was read, in every column that was.
     static QString asRead(const RowSet &set) {

@@ -64,6 +64,11 @@ class Provider {
     virtual void update(const RowSet &set, const Row &original, const Row &row, const std::vector<bool> &assigned) = 0;
     /// Deletes the row that still has all values of `original`.
     virtual void remove(const RowSet &set, const Row &original) = 0;
+
+    /// Starts a transaction, with the right to write.
+    virtual void begin() = 0;
+    virtual void commit() = 0;
+    virtual void rollback() = 0;
 };
 
 /// A value as a column of the type holds it. Null stays Null, and Empty becomes it. Fails with 6 and 13 as the

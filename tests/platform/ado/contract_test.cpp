@@ -287,6 +287,23 @@ TEST_P(Contract, KeepsTheRowsWhenTheConnectionIsClosed) {
     EXPECT_EQ(column(open(), "strText"), "a");
 }
 
+TEST_P(Contract, DoesATransactionAsAWholeOrNotAtAll) {
+    m_connection->BeginTrans();
+    addTexts({"a", "b"});
+    EXPECT_EQ(openRecordset(m_engine->connect(), "tblAll")->RecordCount(), 0);
+    m_connection->RollbackTrans();
+    EXPECT_EQ(open()->RecordCount(), 0);
+
+    m_connection->BeginTrans();
+    addTexts({"c"});
+    m_connection->CommitTrans();
+    m_connection->BeginTrans();
+    addTexts({"d"});
+    m_connection->Close();
+    m_connection->Open();
+    EXPECT_EQ(column(open(), "strText"), "c");
+}
+
 TEST_P(Contract, RunsStatements) {
     addTexts({"a", "b", "c"});
     ado::Command command;

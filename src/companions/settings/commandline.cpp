@@ -1,0 +1,148 @@
+#include "companions/settings/commandline.h"
+
+#include "companions/settings/catalogue.h"
+#include "companions/settings/installation.h"
+#include "core/phrases.h"
+#include "core/process.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+
+#include <cstdio>
+
+namespace settings {
+
+namespace {
+
+constexpr char usage[] = R"(Reads and writes the settings of Orvelle.
+
+Usage:
+  ORVELLESETTINGS.exe list [--json]      all stored settings
+  ORVELLESETTINGS.exe get NAME           the value of one setting
+  ORVELLESETTINGS.exe set NAME VALUE     stores a value; creates the setting, and the database, when missing
+  ORVELLESETTINGS.exe export FILE        all settings and lists into a text file
+  ORVELLESETTINGS.exe import FILE        settings and lists from such a file; "-" is standard input
+  ORVELLESETTINGS.exe --help
+
+The database is that of the program folder: ORVELLE_HOME where it is set, else the folder of this program.
+A change takes effect when orvelle is started the next time.
+
+Exit status: 0 done, 1 failed (standard error says why), 2 wrong usage.
+
+Known settings:
+)";
+
+void print(const QByteArray &text) { std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout); }
+
+void complain(const QString &text) { std::fprintf(stderr, "ORVELLESETTINGS: %s\n", qUtf8Printable(text)); }
+
+/// A value on one line.
+QString oneLine(QString value) { return value.replace("\r\n", "\\r\\n").replace("\n", "\\n").replace("\r", "\\r"); }
+
+int help() {
+    QString text = usage;
+    for (const Known &each : knownSettings())
+        text += QString("  %1 %2\n").arg(QString(each.name), -22).arg(each.meaning);
+    print(text.toUtf8());
+    return 0;
+}
+
+int list(bool asJson) {
+    const QList<Setting> all = Installation(Installation::Missing::Fail).list();
+    if (asJson) {
+        QJsonObject object;
+        for (const Setting &each : all)
+            object.insert(each.name, each.value);
+        print(QJsonDocument(object).toJson());
+        return 0;
+    }
+    for (const Setting &each : all)
+        print((each.name + "=" + oneLine(each.value) + "\n").toUtf8());
+    return 0;
+}
+
+int get(const QString &name) {
+    const std::optional<QString> value = Installation(Installation::Missing::Fail).get(name);
+    if (!value) {
+        complain(QString("The setting %1 is not stored. \"list\" shows those that are, \"set\" stores one.").arg(name));
+        return 1;
+    }
+    print(value->toUtf8() + '\n');
+    return 0;
+}
+
+int set(const QString &name, const QString &value) {
+    if (const std::optional<QString> problem = problemWith(name, value)) {
+        complain(*problem);
+        return 1;
+    }
+    Installation(Installation::Missing::Create).set(name, value);
+    if (!findKnown(name))
+        complain(QString("Note: %1 is no setting that the system knows. It was stored all the same.").arg(name));
+    return 0;
+}
+
+int exportTo(const QString &name) {
+    const QByteArray content = Installation(Installation::Missing::Fail).exported();
+    if (name == "-") {
+        print(content);
+        return 0;
+    }
+    QSaveFile file(name);
+    if (file.open(QFile::WriteOnly) && file.write(content) == content.size() && file.commit())
+        return 0;
+    complain(QString("The file %1 could not be written: %2.").arg(name, file.errorString()));
+    return 1;
+}
+
+int importFrom(const QString &name) {
+    QFile file(name);
+    const bool opened = name == "-" ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
+    if (!opened) {
+        complain(QString("The file %1 could not be read: %2.").arg(name, file.errorString()));
+        return 1;
+    }
+    Installation(Installation::Missing::Create).import(file.readAll());
+    return 0;
+}
+
+/// The command's exit status; nothing for wrong usage.
+std::optional<int> runCommand(const QStringList &arguments) {
+    const QString command = arguments.value(0);
+    const qsizetype count = arguments.size();
+    if (command == "--help" || command == "-h")
+        return help();
+    if (command == "list" && (count == 1 || (count == 2 && arguments[1] == "--json")))
+        return list(count == 2);
+    if (command == "get" && count == 2)
+        return get(arguments[1]);
+    if (command == "set" && count == 3)
+        return set(arguments[1], arguments[2]);
+    if (command == "export" && count == 2)
+        return exportTo(arguments[1]);
+    if (command == "import" && count == 2)
+        return importFrom(arguments[1]);
+    return std::nullopt;
+}
+
+} // namespace
+
+int run(const QStringList &arguments) {
+    try {
+        // Reports that the system's own modules give are in English here, as is all that this program writes.
+        LoadLanguages(1);
+        if (const std::optional<int> status = runCommand(arguments))
+            return *status;
+    } catch (const Failure &failure) {
+        complain(failure.description());
+        return 1;
+    } catch (const ProcessEnd &) {
+        return 1; // The report has been given.
+    }
+    complain("Wrong usage. \"ORVELLESETTINGS.exe --help\" tells the commands.");
+    return 2;
+}
+
+} // namespace settings
