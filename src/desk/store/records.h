@@ -214,7 +214,7 @@ struct ItemParts {
 
 /// A field or custom property that equals a value. Texts are compared without regard to case in any alphabet, dates to
 /// the second. A number, date or boolean of the item also equals the text that writes it ("12", "1.5", "true",
-/// "2026-11-22T09:30:00"). The empty text is met by an empty field or property and by a missing property.
+/// "2026-11-22 09:30:00"). The empty text is met by an empty field or property and by a missing property.
 struct Condition {
     /// Names a field or, by text, a custom property.
     std::variant<Field, QString> subject;

@@ -19,7 +19,7 @@ QString textOf(const QVariant &stored);
 QString foldedKey(const QString &text);
 
 /// The key of a value: that of the text that writes it. Numbers in their shortest exact form, booleans "true" and
-/// "false", dates as ISO to the second; Empty, Null, Nothing and the zero date are the empty text.
+/// "false", dates as "2026-11-22 09:30:00"; Empty, Null, Nothing and the zero date are the empty text.
 QString keyOf(const Value &value);
 
 } // namespace desk

@@ -1,0 +1,180 @@
+// Files that cannot be read or written: a clear failure, and nothing lost.
+
+#include "child.h"
+#include "storefixture.h"
+
+#include "desk/store/connection.h"
+
+#include <QFile>
+
+#include <random>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace desk {
+
+class DamageTest : public StoreTest {
+  protected:
+    /// A store with a few items, closed.
+    void makeStore(int items) {
+        const auto store = open();
+        const FolderId inbox = folderNamed(*store, QStringLiteral("Inbox"));
+        for (int i = 0; i < items; ++i)
+            store->insert(inbox, withSubject(QString::number(i)), everyPart(QString::number(i)));
+    }
+    static QByteArray contentOf(const QString &file) {
+        QFile read(file);
+        EXPECT_TRUE(read.open(QIODevice::ReadOnly));
+        return read.readAll();
+    }
+    static void write(const QString &file, const QByteArray &content) {
+        QFile written(file);
+        EXPECT_TRUE(written.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        EXPECT_EQ(written.write(content), content.size());
+    }
+    /// Gives up the rights of the superuser, who may write everything.
+    static void becomeNobody() {
+        constexpr uid_t nobody = 65534;
+        if (::geteuid() == 0) {
+            EXPECT_EQ(::setuid(nobody), 0);
+        }
+    }
+};
+
+TEST_F(DamageTest, WhatIsNoStoreIsRefusedByNameAndLeftAlone) {
+    makeStore(1);
+    const QByteArray good = contentOf(path());
+    QByteArray newer = good;
+    newer[63] = 2; // the file's version: the last of the four bytes from 60 on
+    QByteArray foreign = good;
+    foreign[71] = 1; // the mark of the program that owns the file: the last of the four bytes from 68 on
+    struct Case {
+        const char *name;
+        QByteArray content;
+        const char *reason;
+    };
+    const Case cases[] = {{"text", QByteArray("Dear all,\r\n").repeated(200), "damaged or is no store"},
+                          {"newer", newer, "newer version"},
+                          {"foreign", foreign, "another program's"},
+                          {"cut", good.left(5000), "damaged"}};
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.name);
+        const QString file = path(QString::fromLatin1(each.name));
+        write(file, each.content);
+        const auto failure = Attempt([&] { const Store store(file); });
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->number(), failures::unspecified);
+        EXPECT_TRUE(failure->description().contains(file)) << failure->what();
+        EXPECT_TRUE(failure->description().contains(QLatin1String(each.reason))) << failure->what();
+        EXPECT_EQ(contentOf(file), each.content);
+    }
+}
+
+TEST_F(DamageTest, AMissingFileIsMadeOnlyWhenAsked) {
+    EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), failures::notFound);
+    EXPECT_FALSE(QFile::exists(path()));
+    EXPECT_EQ(failureOf([&] { const Store store(path(QStringLiteral("none/x.store"))); }), failures::accessDenied);
+    write(path(), {});
+    EXPECT_EQ(open()->root().parent, 0);
+    EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), 0);
+}
+
+/// Any bytes may stand in a damaged file; what is asked of it ends in an answer or a failure.
+TEST_F(DamageTest, DamageAnywhereEndsInAFailureAtWorst) {
+    makeStore(30);
+    const QByteArray good = contentOf(path());
+    std::mt19937 random(5);
+    int failed = 0;
+    for (int round = 0; round < 60; ++round) {
+        QByteArray bad = good;
+        for (int i = 0; i < 200; ++i)
+            bad[static_cast<qsizetype>(random() % static_cast<unsigned>(bad.size()))] = static_cast<char>(random());
+        bad.replace(0, 100, good.left(100));
+        const QString file = path(QStringLiteral("bad%1").arg(round));
+        write(file, bad);
+        failed += failureOf([&] {
+                      Store store(file);
+                      for (const FolderRecord &folder : store.childFolders(store.root().id)) {
+                          for (const ItemRecord &item : store.itemsArrivedAfter(folder.id, 0))
+                              static_cast<void>(partsOf(store, item.id));
+                          static_cast<void>(store.find(folder.id, {{Field::Subject, "7"}}));
+                          static_cast<void>(store.count(folder.id));
+                          store.insert(folder.id, withSubject(QStringLiteral("more")), everyPart(QStringLiteral("p")));
+                      }
+                  }) != 0
+                      ? 1
+                      : 0;
+    }
+    EXPECT_GT(failed, 0);
+}
+
+TEST_F(DamageTest, AFullDiskFailsTheSaveAndKeepsWhatStands) {
+    makeStore(3);
+    Child writer([&](int) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const auto store = open();
+        const FolderId inbox = folderNamed(*store, QStringLiteral("Inbox"));
+        ItemRecord item = store->nth(inbox, 1).value();
+        const rlimit limit{300000, 300000};
+        if (::setrlimit(RLIMIT_FSIZE, &limit) != 0)
+            return 2;
+        const ItemParts large{.original = QByteArray(1000000, 'x')};
+        if (failureOf([&] { store->save(item, large); }) != failures::noDiskSpace ||
+            failureOf([&] { store->insert(inbox, item, large); }) != failures::noDiskSpace)
+            return 3;
+        // What is small still finds its place: the store is not stuck.
+        item.subject = QStringLiteral("small");
+        return failureOf([&] { store->save(item); }) == 0 && partsOf(*store, item.id) == everyPart(QStringLiteral("0"))
+                   ? 0
+                   : 4;
+    });
+    EXPECT_EQ(writer.wait(), 0);
+    const auto store = open();
+    const FolderId inbox = folderNamed(*store, QStringLiteral("Inbox"));
+    EXPECT_EQ(subjects(*store, inbox).join(u' '), QStringLiteral("small 1 2"));
+    EXPECT_TRUE(partsOf(*store, store->nth(inbox, 1).value().id) == everyPart(QStringLiteral("0")));
+}
+
+TEST_F(DamageTest, AReadOnlyFileOrFolderDeniesTheWrite) {
+    makeStore(1);
+    const QByteArray folder = QFile::encodeName(path(QString()));
+    ASSERT_EQ(::chmod(folder.constData(), 0555), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(path()).constData(), 0444), 0);
+    Child closed([&](int) {
+        becomeNobody();
+        return failureOf([&] { const Store store(path()); }) == failures::accessDenied ? 0 : 1;
+    });
+    EXPECT_EQ(closed.wait(), 0);
+    ASSERT_EQ(::chmod(folder.constData(), 0777), 0);
+    Child writer([&](int) {
+        becomeNobody();
+        const auto store = open();
+        const ItemRecord item = store->nth(store->childFolders(store->root().id).value(0).id, 1).value();
+        return failureOf([&] { store->save(item); }) == failures::accessDenied &&
+                       failureOf([&] { store->insert(item.folder, item); }) == failures::accessDenied
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(writer.wait(), 0);
+    EXPECT_EQ(open()->count(open()->childFolders(open()->root().id).value(0).id), 1);
+}
+
+TEST_F(DamageTest, AStoreThatStaysLockedSaysSoAndIsWrittenWhenItIsFreeAgain) {
+    const auto store = std::make_unique<Store>(path(), StoreOptions{.wait = std::chrono::milliseconds(30)});
+    const FolderId root = store->root().id;
+    const ItemRecord item = store->insert(root, withSubject(QStringLiteral("x")));
+    Connection other(path(), std::chrono::milliseconds(30));
+    {
+        const Transaction held(other);
+        const auto failure = Attempt([&] { store->save(item); });
+        ASSERT_TRUE(failure.has_value());
+        EXPECT_EQ(failure->number(), failures::unspecified);
+        EXPECT_TRUE(failure->description().contains(path())) << failure->what();
+        EXPECT_TRUE(failure->description().contains(QStringLiteral("locked by another program"))) << failure->what();
+        EXPECT_EQ(store->item(item.id), item);
+    }
+    EXPECT_EQ(store->save(item).version, 2);
+}
+
+} // namespace desk
