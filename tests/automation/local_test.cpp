@@ -51,12 +51,15 @@ TEST_F(Local, WhatIsNoFailurePassesOnAfterAllHandlers) {
 }
 
 TEST_F(Local, AnObjectLivesUntilItsCalledMemberReturns) {
+    const std::weak_ptr<sample::Sample> watched = host;
+    bool livesOn = false;
     const SubscriptionPtr write = root->connect("Write", [&](ValueList &) {
         root.reset();
         host.reset();
     });
-    const std::weak_ptr<sample::Sample> watched = host;
-    EXPECT_EQ(root->call("Save", {}), Value(true)) << "the host went on after the last reference was gone";
+    const SubscriptionPtr saved = root->connect("Saved", [&](ValueList &) { livesOn = !watched.expired(); });
+    EXPECT_EQ(root->call("Save", {}), Value(true));
+    EXPECT_TRUE(livesOn) << "the last reference went in the middle of the call";
     EXPECT_TRUE(watched.expired());
 }
 

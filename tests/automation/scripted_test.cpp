@@ -205,7 +205,10 @@ TEST_F(Scripted, AHostThatOnlyAnswersPingsIsWaitedForUntilItStops) {
             return std::vector<Frame>{};
         }
     });
+    QElapsedTimer timer;
+    timer.start();
     EXPECT_EQ(client->root()->get("Any"), Value("at last"));
+    EXPECT_GE(timer.elapsed(), 590) << "pinged only after a silence each time";
     EXPECT_EQ(failureOf([&] { client->root()->get("Any"); }), failures::peerStuck);
 }
 

@@ -8,7 +8,9 @@
 #include <QFile>
 
 #include <cstring>
+#include <fcntl.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -42,6 +44,17 @@ TEST(SocketFile, OneHostAtATime) {
     first.reset();
     EXPECT_EQ(failureOf([&] { Client::connect(folder.socket()); }), failures::cannotCreateObject);
     EXPECT_EQ(failureOf([&] { const Server second(newRoot, folder.socket()); }), 0);
+}
+
+TEST(SocketFile, OneThatIsJustStartingCounts) {
+    const SocketFolder folder;
+    // It holds the lock and does not listen yet.
+    const int lock =
+        ::open(QFile::encodeName(folder.socket() + ".lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_EQ(::flock(lock, LOCK_EX | LOCK_NB), 0);
+    EXPECT_EQ(failureOf([&] { const Server server(newRoot, folder.socket()); }), failures::permissionDenied);
+    ::close(lock);
+    EXPECT_EQ(failureOf([&] { const Server server(newRoot, folder.socket()); }), 0);
 }
 
 TEST(SocketFile, OfManyThatReplaceALeftSocketOneWins) {
@@ -189,6 +202,22 @@ TEST_F(BadClient, WhatIsWrongInAWholeFrameIsRefused) {
         EXPECT_EQ(answer.kind == Refusal ? answer.number : 0, entry.number) << "call " << entry.frame.call;
     }
     EXPECT_FALSE(client.isEnded());
+}
+
+TEST_F(BadClient, AHandleThatWasGivenTwiceIsHeldUntilBothAreReleased) {
+    using enum wire::FrameKind;
+    RawClient client(folder.socket());
+    client.answer(hello());
+    // The root is handle 1, its child handle 2. An event may give a handle anew while its release is on the way.
+    const auto ask = [&](quint32 call, wire::Handle handle, const QString &member) {
+        return client.answer({.kind = Get, .call = call, .target = handle, .text = member}).kind;
+    };
+    ask(2, 1, "Child");
+    ask(3, 1, "Child");
+    client.send({.kind = Release, .values = {2, 1}});
+    EXPECT_EQ(ask(4, 2, "Name"), Answer);
+    client.send({.kind = Release, .values = {2, 1}});
+    EXPECT_EQ(ask(5, 2, "Name"), Refusal);
 }
 
 class Nonsense : public BadClient, public testing::WithParamInterface<unsigned> {};
