@@ -77,7 +77,7 @@ void cSettings::subNoConnection() {
     if (ReportTo == sqlServer)
         text += "To re-install, please remove the DBConnection.txt file.";
     if (ouaOutlook->isNothing())
-        processHooks->subStartOutlook(defaultfolder::inbox);
+        subStartOutlook(defaultfolder::inbox);
     subAssistantMessage(ouaOutlook, text);
     // Off the ticket folder, so that the next run is not started by the folder at once.
     ouaOutlook->ActiveExplorer().CurrentFolder(onsMAPI->GetDefaultFolder(defaultfolder::inbox));
