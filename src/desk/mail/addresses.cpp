@@ -1,7 +1,6 @@
 #include "desk/mail/addresses.h"
 
 #include "desk/mail/charset.h"
-#include "desk/mail/gmime.h"
 #include "desk/mail/headertext.h"
 
 namespace desk {
@@ -9,52 +8,122 @@ namespace {
 
 /// What of an address header is read: more than any list of people.
 constexpr qsizetype longestList = 1024 * 1024;
-/// Every ':' may open a group, and the library goes one call deeper for each.
-constexpr int mostGroups = 200;
+constexpr qsizetype mostAddresses = 10'000;
 /// A name longer than this is not written as one quoted word.
 constexpr qsizetype longestQuoted = 60;
 
-QByteArray quoted(const QString &text) {
-    QByteArray result = "\"";
-    for (const char c : text.toUtf8()) {
-        if (c == '"' || c == '\\')
-            result += '\\';
-        result += c;
-    }
-    return result + '"';
+/// The text without what could not stand in an address, blanks and brackets above all.
+QString cleanPlain(QString text, QStringView further) {
+    text.removeIf(
+        [&](QChar c) { return c.isSpace() || QStringView(u"<>(),;\"\\").contains(c) || further.contains(c); });
+    return text;
 }
 
-/// Rewrites a list so that the library has nothing left to decode: every encoded word and quoted text is a quoted text
-/// in UTF-8, every comment is closed, nothing nests deep.
-class Rewriter {
-  public:
-    Rewriter(QByteArrayView raw, QByteArrayView fallback) : m_raw(raw), m_fallback(fallback), m_words(raw) {}
+/// Where the '@' behind a quoted local part is, -1 when the address has none.
+qsizetype endOfQuotedPart(const QString &address) {
+    if (!address.startsWith(u'"'))
+        return -1;
+    qsizetype i = 1;
+    while (i < address.size() && address[i] != u'"')
+        i += address[i] == u'\\' ? 2 : 1;
+    return i + 1 < address.size() && address[i + 1] == u'@' ? i + 1 : -1;
+}
 
-    QByteArray run() {
-        while (m_at < m_raw.size())
+/// An address as it can be written in angle brackets. A quoted local part keeps its quotes, a domain that is a number
+/// its brackets: "\"a b\"@[IPv6:::1]".
+QString cleanAddress(const QString &text) {
+    QString address = oneLine(text);
+    // What looks like the start of an encoded word could not be written.
+    if (address.contains(u"=?"))
+        address.remove(u'?');
+    QString quoted;
+    if (const qsizetype end = endOfQuotedPart(address); end >= 0) {
+        quoted = address.first(end);
+        quoted.removeIf([](QChar c) { return c == u'<' || c == u'>'; });
+        address = address.sliced(end);
+    }
+    const qsizetype literal = address.endsWith(u']') ? address.lastIndexOf(u"@[") : -1;
+    const QString domain = literal < 0 ? QString() : cleanPlain(address.sliced(literal), {});
+    if (literal >= 0)
+        address.truncate(literal);
+    return quoted + cleanPlain(address, u":[]") + domain;
+}
+
+/// One that came in unusual clothes: the address inside the name, a name where the address belongs.
+Address sorted(QString name, QString address) {
+    if (address.isEmpty()) {
+        const qsizetype open = name.lastIndexOf(u'<');
+        const qsizetype close = name.indexOf(u'>', std::max<qsizetype>(open, 0));
+        if (open >= 0 && close > open && QStringView(name).sliced(open, close - open).contains(u'@')) {
+            address = cleanAddress(name.sliced(open + 1, close - open - 1));
+            name = name.first(open).trimmed();
+        } else if (name.contains(u'@') && cleanAddress(name) == name) {
+            std::swap(name, address);
+        }
+    } else if (name.isEmpty() && !address.contains(u'@')) {
+        std::swap(name, address);
+    }
+    return {name, address};
+}
+
+/// Reads a list from left to right, in time in line with its length: a search that failed is not made again.
+class AddressReader {
+  public:
+    AddressReader(QByteArrayView raw, QByteArrayView fallback) : m_raw(raw), m_fallback(fallback), m_encoded(raw) {}
+
+    QList<Address> read() {
+        while (m_at < m_raw.size() && m_result.size() < mostAddresses)
             step();
-        return m_result;
+        finishEntry();
+        finishGroup();
+        return std::move(m_result);
     }
 
   private:
     void step() {
-        const char c = m_raw[m_at];
-        if (c == '"') {
+        switch (m_raw[m_at]) {
+        case '"':
             quotedText();
-        } else if (c == '(') {
+            break;
+        case '(':
             comment();
-        } else if (c == '=') {
-            if (const auto decoded = m_words.read(m_at))
-                m_result += ' ' + quoted(oneLine(*decoded)) + ' ';
-            else
-                m_result += m_raw[m_at++];
-        } else if (static_cast<unsigned char>(c) >= 0x80) {
-            eightBit();
-        } else {
+            break;
+        case '<':
+            angleAddress();
+            break;
+        case ',':
+            finishEntry();
             ++m_at;
-            const bool blank = static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == ')' || c == '\\';
-            m_result += blank || (c == ':' && ++m_groups > mostGroups) ? ' ' : c;
+            break;
+        case ';':
+            finishEntry();
+            finishGroup();
+            ++m_at;
+            break;
+        case ':':
+            startGroup();
+            ++m_at;
+            break;
+        case ' ':
+        case '\t':
+        case '\r':
+        case '\n':
+        case '>':
+        case ')':
+            m_apart = true;
+            ++m_at;
+            break;
+        default:
+            atom();
         }
+    }
+
+    void word(const QString &text) {
+        if (m_apart || m_words.isEmpty())
+            m_words.append(text);
+        else
+            m_words.last() += text;
+        m_apart = false;
     }
 
     void quotedText() {
@@ -62,34 +131,99 @@ class Rewriter {
         m_openQuote = end < 0;
         if (end < 0) {
             ++m_at;
-            m_result += ' ';
             return;
         }
         const QString text = decodeHeader(unescaped(end), m_fallback);
-        // A quoted local part has its '@' right behind it; a quoted name must not touch what follows.
-        m_result += quoted(text);
+        const bool localPart = end + 1 < m_raw.size() && m_raw[end + 1] == '@';
+        word(localPart ? QString::fromUtf8(m_raw.sliced(m_at, end + 1 - m_at)) : text);
         m_at = end + 1;
     }
 
     void comment() {
         const qsizetype end = m_openComment ? -1 : closing('(', ')');
         m_openComment = end < 0;
-        if (end < 0) {
-            ++m_at;
-            m_result += ' ';
-            return;
-        }
-        QByteArray text = decodeHeader(unescaped(end), m_fallback).toUtf8();
-        text.replace('\\', ' ').replace('(', ' ').replace(')', ' ');
-        m_result += '(' + text + ')';
-        m_at = end + 1;
+        m_apart = true;
+        if (end >= 0)
+            m_comment = decodeHeader(unescaped(end), m_fallback);
+        m_at = end < 0 ? m_at + 1 : end + 1;
     }
 
-    void eightBit() {
-        const qsizetype start = m_at;
-        while (m_at < m_raw.size() && !QByteArrayView("\"(),:;<>@ \t\r\n").contains(m_raw[m_at]))
+    void angleAddress() {
+        const qsizetype start = m_at + 1;
+        // An old route, "@relay,@relay:", stands in front of the address.
+        const bool route = start < m_raw.size() && m_raw[start] == '@';
+        m_at = start;
+        if (m_at < m_raw.size() && m_raw[m_at] == '"' && !m_openQuote) {
+            const qsizetype end = closing('"', '"');
+            m_openQuote = end < 0;
+            m_at = end < 0 ? m_at : end;
+        }
+        while (m_at < m_raw.size() && m_raw[m_at] != '>' && m_raw[m_at] != '<' &&
+               (route || (m_raw[m_at] != ',' && m_raw[m_at] != ';')))
             ++m_at;
-        m_result += oneLine(decodeText(m_raw.sliced(start, m_at - start), {}, m_fallback)).toUtf8();
+        QByteArrayView content = m_raw.sliced(start, m_at - start);
+        if (const qsizetype colon = route ? content.lastIndexOf(':') : -1; colon >= 0)
+            content = content.sliced(colon + 1);
+        if (m_address.isEmpty())
+            m_address = cleanAddress(decodeHeader(content, m_fallback));
+        m_apart = true;
+    }
+
+    void atom() {
+        if (const auto decoded = m_raw[m_at] == '=' ? m_encoded.read(m_at) : std::nullopt) {
+            word(oneLine(*decoded));
+            return;
+        }
+        const qsizetype start = m_at++;
+        while (m_at < m_raw.size() && !QByteArrayView("\"(),:;<>= \t\r\n").contains(m_raw[m_at]))
+            ++m_at;
+        word(oneLine(decodeText(m_raw.sliced(start, m_at - start), {}, m_fallback)));
+    }
+
+    void startGroup() {
+        const bool address =
+            std::any_of(m_words.begin(), m_words.end(), [](const QString &text) { return text.contains(u'@'); });
+        if (address || !m_address.isEmpty()) {
+            word(":");
+            return;
+        }
+        finishGroup();
+        m_group = m_words.join(u' ').trimmed();
+        m_members = m_result.size();
+        clearEntry();
+    }
+
+    /// A group without members is kept as its name.
+    void finishGroup() {
+        if (!m_group.isEmpty() && m_members == m_result.size())
+            m_result.append({m_group, {}});
+        m_group.clear();
+    }
+
+    void finishEntry() {
+        if (m_address.isEmpty()) {
+            const auto bare = std::find_if(m_words.begin(), m_words.end(),
+                                           [](const QString &text) { return cleanAddress(text).indexOf(u'@') > 0; });
+            const bool alone = bare != m_words.end() && (m_words.size() == 1 || !bare->contains(u' '));
+            if (alone) {
+                m_address = cleanAddress(*bare);
+                m_words.erase(bare);
+            }
+        }
+        QString name = oneLine(m_words.join(u' '));
+        if (name.isEmpty())
+            name = m_comment;
+        const Address entry = sorted(name, m_address);
+        if (!entry.isEmpty())
+            m_result.append(entry);
+        clearEntry();
+    }
+
+    void clearEntry() {
+        m_words.clear();
+        m_comment.clear();
+        m_address.clear();
+        m_apart = false;
     }
 
     /// Where what opens at the present position closes, -1 when it does not.
@@ -118,58 +252,30 @@ class Rewriter {
 
     QByteArrayView m_raw;
     QByteArrayView m_fallback;
-    EncodedWordReader m_words;
+    EncodedWordReader m_encoded;
     qsizetype m_at = 0;
-    int m_groups = 0;
     bool m_openQuote = false;
     bool m_openComment = false;
-    QByteArray m_result;
+    QList<Address> m_result;
+
+    // The entry being read.
+    QStringList m_words;
+    QString m_comment;
+    QString m_address;
+    bool m_apart = false; ///< whether the next piece starts a word of its own
+
+    QString m_group;
+    qsizetype m_members = 0; ///< how many addresses there were when the group began
 };
 
-/// An address without what could not stand in angle brackets.
-QString cleanAddress(const QString &text) {
-    QString address = oneLine(text);
-    address.removeIf([](QChar c) { return c.isSpace() || QStringView(u"<>(),;\"\\").contains(c); });
-    return address;
-}
-
-/// One that came in unusual clothes: the address inside the name, a name where the address belongs.
-Address sorted(QString name, QString address) {
-    if (address.isEmpty()) {
-        const qsizetype open = name.lastIndexOf(u'<');
-        const qsizetype close = name.indexOf(u'>', std::max<qsizetype>(open, 0));
-        if (open >= 0 && close > open && QStringView(name).sliced(open, close - open).contains(u'@')) {
-            address = cleanAddress(name.sliced(open + 1, close - open - 1));
-            name = name.first(open).trimmed();
-        } else if (name.contains(u'@') && cleanAddress(name) == name) {
-            std::swap(name, address);
-        }
-    } else if (name.isEmpty() && !address.contains(u'@')) {
-        std::swap(name, address);
+QByteArray quoted(const QString &text) {
+    QByteArray result = "\"";
+    for (const char c : text.toUtf8()) {
+        if (c == '"' || c == '\\')
+            result += '\\';
+        result += c;
     }
-    return {name, address};
-}
-
-void collect(InternetAddressList *list, QList<Address> &result) {
-    const int count = internet_address_list_length(list);
-    for (int i = 0; i < count; ++i) {
-        InternetAddress *entry = internet_address_list_get_address(list, i);
-        const QString name = oneLine(QString::fromUtf8(internet_address_get_name(entry)));
-        Address address;
-        if (INTERNET_ADDRESS_IS_GROUP(entry)) {
-            InternetAddressList *members = internet_address_group_get_members(INTERNET_ADDRESS_GROUP(entry));
-            if (members && internet_address_list_length(members) > 0) {
-                collect(members, result);
-                continue;
-            }
-            address.name = name;
-        } else {
-            const char *text = internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(entry));
-            address = sorted(name, cleanAddress(QString::fromUtf8(text)));
-        }
-        if (!address.isEmpty())
-            result.append(address);
-    }
+    return result + '"';
 }
 
 bool isWord(char c) {
@@ -191,22 +297,7 @@ QByteArray encodePhrase(const QString &name) {
 } // namespace
 
 QList<Address> decodeAddresses(QByteArrayView raw, QByteArrayView fallback) {
-    raw = raw.first(std::min(raw.size(), longestList));
-    const ParserOptions options = tolerantOptions();
-    const QByteArray list = Rewriter(raw, fallback).run();
-    const GRef<InternetAddressList> parsed(internet_address_list_parse(options.get(), list.constData()));
-    QList<Address> result;
-    if (parsed)
-        collect(parsed.get(), result);
-    if (result.isEmpty()) {
-        QString text = decodeHeader(raw, fallback);
-        if (text.startsWith(u'(') && text.endsWith(u')'))
-            text = text.sliced(1, text.size() - 2).trimmed();
-        const Address address = sorted(text, {});
-        if (!address.isEmpty())
-            result.append(address);
-    }
-    return result;
+    return AddressReader(raw.first(std::min(raw.size(), longestList)), fallback).read();
 }
 
 QByteArray encodeAddresses(const QList<Address> &addresses) {

@@ -90,15 +90,6 @@ QByteArray parameter(const QByteArray &name, const QString &value) {
     return result;
 }
 
-/// The type as the header can hold it: two tokens and a slash.
-QByteArray safeType(const QString &mimeType) {
-    const QByteArray type = mimeType.toLatin1().toLower();
-    const auto isToken = [](char c) { return c > ' ' && c < 0x7F && !QByteArrayView("()<>@,;:\\\"[]?=").contains(c); };
-    const bool valid = type.count('/') == 1 && !type.startsWith('/') && !type.endsWith('/') &&
-                       !type.startsWith("multipart/") && std::all_of(type.begin(), type.end(), isToken);
-    return valid ? type : QByteArray("application/octet-stream");
-}
-
 BodyPart plainMessage(const QByteArray &data, const QByteArray &headers) {
     const LineShape shape = shapeOf(data);
     if (shape.nul || shape.bareReturn || shape.longest > longestLine)
@@ -126,9 +117,9 @@ BodyPart textPart(const QByteArray &subtype, const QString &text) {
 
 BodyPart attachmentPart(const Attachment &attachment) {
     const QString name = oneLine(attachment.name);
-    QByteArray headers = "Content-Type: " + safeType(attachment.mimeType);
-    if (!attachment.charset.isEmpty())
-        headers += parameter("charset", oneLine(attachment.charset));
+    QByteArray headers = "Content-Type: " + cleanMimeType(attachment.mimeType).toLatin1();
+    if (const QString charset = cleanCharset(attachment.charset); !charset.isEmpty())
+        headers += "; charset=" + charset.toLatin1();
     headers += QByteArray("\r\nContent-Disposition: ") + (attachment.isInline ? "inline" : "attachment");
     if (!name.isEmpty())
         headers += parameter("filename", name);

@@ -18,7 +18,9 @@ class HeaderBlock {
             m_text += QByteArray(name) + ": " + value + "\r\n";
     }
 
-    void text(const char *name, const QString &value) { raw(name, encodeHeader(value, qstrlen(name))); }
+    void text(const char *name, const QString &value) {
+        raw(name, encodeHeader(value, static_cast<qsizetype>(qstrlen(name))));
+    }
 
     void addresses(const char *name, const QList<Address> &list) { raw(name, encodeAddresses(list)); }
 

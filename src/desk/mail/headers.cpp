@@ -111,8 +111,29 @@ Sensitivity Headers::sensitivity() const {
 
 QString cleanIdentifier(const QString &text) {
     QString id = oneLine(text);
-    id.removeIf([](QChar c) { return c.isSpace() || c == u'<' || c == u'>'; });
+    // What looks like the start of an encoded word could not be written.
+    const bool encoded = id.contains(u"=?");
+    id.removeIf([&](QChar c) { return c.isSpace() || c == u'<' || c == u'>' || (encoded && c == u'?'); });
     return id;
+}
+
+QString cleanMimeType(const QString &text) {
+    constexpr qsizetype longest = 100;
+    const auto isToken = [](QChar c) {
+        return c > u' ' && c < QChar(0x7F) && !QStringView(u"()<>@,;:\\\"[]?=").contains(c);
+    };
+    const bool valid = text.count(u'/') == 1 && !text.startsWith(u'/') && !text.endsWith(u'/') &&
+                       !text.startsWith(u"multipart/", Qt::CaseInsensitive) && text.size() <= longest &&
+                       std::all_of(text.begin(), text.end(), isToken);
+    return valid ? text.toLower() : QString("application/octet-stream");
+}
+
+QString cleanCharset(const QString &text) {
+    constexpr qsizetype longest = 60;
+    QString name = text.first(std::min(text.size(), longest));
+    name.removeIf(
+        [](QChar c) { return !QStringView(u"-_.:+").contains(c) && !(c < QChar(0x7F) && c.isLetterOrNumber()); });
+    return name;
 }
 
 } // namespace desk

@@ -36,4 +36,10 @@ class Headers {
 /// The identifier without what can't stand in one: brackets, blanks, control characters.
 QString cleanIdentifier(const QString &text);
 
+/// The type in lower case where it is a proper one that is not multipart, else "application/octet-stream".
+QString cleanMimeType(const QString &text);
+
+/// The name of a character set without what can't stand in one.
+QString cleanCharset(const QString &text);
+
 } // namespace desk

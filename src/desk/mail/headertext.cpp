@@ -91,15 +91,23 @@ std::optional<EncodedWordReader::Word> EncodedWordReader::wordAt(qsizetype posit
     if (mark + 2 >= m_raw.size() || mark == start || m_raw[mark] != '?' || m_raw[mark + 2] != '?')
         return std::nullopt;
     const char encoding = m_raw[mark + 1];
-    const qsizetype end = endFrom(mark + 3);
-    if (end < 0 || !QByteArrayView("bBqQ").contains(encoding))
+    if (!QByteArrayView("bBqQ").contains(encoding))
         return std::nullopt;
+    qsizetype end = endFrom(mark + 3);
+    qsizetype after = end + 2;
+    // Cut off: the rest of the word is what is left of the text.
+    if (end < 0) {
+        end = mark + 3;
+        while (end < m_raw.size() && !isBlank(m_raw[end]))
+            ++end;
+        after = end;
+    }
     QByteArrayView charset = m_raw.sliced(start, mark - start);
     if (const qsizetype language = charset.indexOf('*'); language >= 0)
         charset = charset.first(language);
     const QByteArrayView text = m_raw.sliced(mark + 3, end - mark - 3);
     const bool base64 = encoding == 'b' || encoding == 'B';
-    return Word{charset, base64 ? QByteArray::fromBase64(text.toByteArray()) : decodeQ(text), end + 2};
+    return Word{charset, base64 ? QByteArray::fromBase64(text.toByteArray()) : decodeQ(text), after};
 }
 
 std::optional<QString> EncodedWordReader::read(qsizetype &position) {

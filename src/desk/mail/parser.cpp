@@ -106,8 +106,8 @@ bool isShownInside(const Leaf &leaf, const QString &contentId) {
 Attachment readAttachment(const Leaf &leaf) {
     Attachment attachment;
     attachment.name = leaf.name;
-    attachment.mimeType = oneLine(QString::fromLatin1(leaf.type)).toLower();
-    attachment.charset = oneLine(QString::fromLatin1(leaf.parameter("charset")));
+    attachment.mimeType = cleanMimeType(QString::fromLatin1(leaf.type));
+    attachment.charset = cleanCharset(QString::fromLatin1(leaf.parameter("charset")));
     const Headers headers(leaf.object);
     attachment.contentId = headers.identifier("Content-ID");
     attachment.isInline = isShownInside(leaf, attachment.contentId);

@@ -84,7 +84,7 @@ class Walk {
     };
 
     void multipart(GMimeMultipart *parent, int depth, bool inAlternative, Open open) {
-        const QByteArray kind = typeOf(GMIME_OBJECT(parent)).mid(qstrlen("multipart/"));
+        const QByteArray kind = typeOf(GMIME_OBJECT(parent)).mid(static_cast<qsizetype>(qstrlen("multipart/")));
         const bool alternative = kind == "alternative";
         const auto textStart = static_cast<std::ptrdiff_t>(layout.text.size());
         const auto htmlStart = static_cast<std::ptrdiff_t>(layout.html.size());
