@@ -1,0 +1,104 @@
+// The confirmation that answers the sender of a converted mail.
+
+#include "mail/confirmation.h"
+
+#include "support/helpdesk.h"
+
+namespace {
+
+class Confirmation : public support::Helpdesk {
+  protected:
+    void SetUp() override {
+        setSetting("ConvertedEmailMessage", "Ticket [TICKETID] for \"[SUBJECT]\". Again: [TICKETID]");
+        setSetting("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
+    }
+};
+
+TEST_F(Confirmation, GoesOutToTheSender) {
+    start();
+    deliver({.subject = "no toner"});
+    ASSERT_EQ(outgoing().size(), 1);
+    const QString sent = QString::fromUtf8(outgoing().first());
+    EXPECT_TRUE(sent.contains("Subject: Helpdesk Ticket {1}")) << sent.toStdString();
+    EXPECT_TRUE(sent.contains("cal@example.org"));
+    EXPECT_TRUE(sent.contains("Ticket 1 for \"no toner\". Again: 1"));
+    EXPECT_TRUE(subjects(mapi().GetDefaultFolder(4)).isEmpty()) << "nothing is left in the Outbox";
+    EXPECT_TRUE(subjects(mapi().GetDefaultFolder(16)).isEmpty()) << "nor in the Drafts";
+    EXPECT_EQ(subjects(mapi().GetDefaultFolder(5)), QStringList{"Helpdesk Ticket {1}"});
+}
+
+TEST_F(Confirmation, IsSentWhateverItsSubjectIs) {
+    setSetting("ConvertedEmailSubject", "");
+    start();
+    deliver({});
+    EXPECT_EQ(outgoing().size(), 1);
+}
+
+TEST_F(Confirmation, ItsSentCopyIsFiledUnderTheTicketWhereTicketsHaveFolders) {
+    setSetting("EmailSubFolders", "1");
+    start();
+    deliver({});
+    ASSERT_EQ(outgoing().size(), 1);
+    EXPECT_EQ(subjects(tickets().Folders("1").Folders("Sent")), QStringList{"Helpdesk Ticket {1}"});
+    EXPECT_EQ(folderNames(mapi().GetDefaultFolder(5)), QStringList{"ORVLSentItems"});
+}
+
+struct ConditionCase {
+    const char *message;
+    /// Whether a mail that the scan meets, and one that comes later, is confirmed.
+    int scanned;
+    int incoming;
+};
+
+class ConfirmationCondition : public support::Helpdesk, public testing::WithParamInterface<ConditionCase> {};
+
+TEST_P(ConfirmationCondition, DiffersBetweenTheScanAndWhatComesLater) {
+    setSetting("ConvertedEmailMessage", GetParam().message);
+    deliver({.subject = "scanned"});
+    start();
+    EXPECT_EQ(outgoing().size(), GetParam().scanned);
+    deliver({.subject = "incoming"});
+    EXPECT_EQ(outgoing().size(), GetParam().scanned + GetParam().incoming);
+    EXPECT_EQ(subjects(tickets()), (QStringList{"scanned", "incoming"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Messages, ConfirmationCondition,
+                         testing::Values(ConditionCase{"", 0, 0}, ConditionCase{"    ", 0, 1},
+                                         ConditionCase{"abc", 1, 0}, ConditionCase{"abcd", 1, 1}));
+
+struct FromCase {
+    const char *name;
+    bool isUsed;
+};
+
+class ConfirmationSender : public Confirmation, public testing::WithParamInterface<FromCase> {};
+
+TEST_P(ConfirmationSender, IsTheNameOfTheSettingWhenItIsLongEnough) {
+    setSetting("EmailFrom", GetParam().name);
+    start();
+    deliver({});
+    ASSERT_EQ(outgoing().size(), 1);
+    const host::MailItem sent(mapi().GetDefaultFolder(5).Items().Item(1).object());
+    EXPECT_EQ(sent.SentOnBehalfOfName() == GetParam().name, GetParam().isUsed);
+    EXPECT_EQ(sent.ReplyRecipientNames() == GetParam().name, GetParam().isUsed);
+}
+
+INSTANTIATE_TEST_SUITE_P(Names, ConfirmationSender,
+                         testing::Values(FromCase{"five5", false}, FromCase{"sixsix", true}));
+
+TEST(FillConfirmation, ReplacesInTurnAndEverywhere) {
+    struct Case {
+        const char *text;
+        const char *body;
+        const char *subject;
+        const char *expected;
+    };
+    for (const Case &each :
+         {Case{"[TICKETID] and [TICKETID]", "", "", "7 and 7"}, Case{"[BODY]/[SUBJECT]", "b", "s", "b/s"},
+          Case{"[BODY]", "it says [SUBJECT]", "s", "it says s"},
+          Case{"[SUBJECT]", "b", "it says [BODY]", "it says [BODY]"}, Case{"[ticketid]", "", "", "[ticketid]"},
+          Case{"", "b", "s", ""}})
+        EXPECT_EQ(fncFillConfirmation(each.text, "7", each.body, each.subject), each.expected) << each.text;
+}
+
+} // namespace

@@ -1,0 +1,249 @@
+// A mail's road from a monitored folder to a ticket, with one copy of the program and with several.
+
+#include "mail/foldermonitor.h"
+
+#include "core/process.h"
+#include "database/connection.h"
+#include "mail/intake.h"
+#include "support/helpdesk.h"
+
+namespace {
+
+class FolderMonitor : public support::Helpdesk {
+  protected:
+    [[nodiscard]] host::MAPIFolder converted() const { return intake().Folders("Converted"); }
+    [[nodiscard]] host::Item ticket(qint32 index = 1) const { return tickets().Items().Item(index); }
+};
+
+TEST_F(FolderMonitor, AMailThatComesBecomesATicket) {
+    start();
+    ASSERT_EQ(subjects(intake()), QStringList{strFlagSubject});
+    deliver({.html = "<html><body><p>It makes a <b>noise</b>.</p></body></html>"});
+
+    ASSERT_EQ(subjects(tickets()), QStringList{"The printer is jammed"});
+    EXPECT_EQ(property(ticket(), "Ticket ID"), "1");
+    EXPECT_EQ(property(ticket(), "Created by"), "Alma Tester");
+    EXPECT_EQ(property(ticket(), "Created at"), "3/5/2024 12:00:00 PM");
+    EXPECT_EQ(property(ticket(), "Date due"), "3/5/2024 12:00:00 PM");
+    EXPECT_EQ(property(ticket(), "Caller name"), "Cal Caller");
+    EXPECT_EQ(property(ticket(), "Caller email"), "cal@example.org");
+    EXPECT_EQ(ticket().Sensitivity(), 1);
+    EXPECT_TRUE(ticket().HTMLBody().contains("<p>It makes a <b>noise</b>.</p>"));
+    EXPECT_EQ(rows("SELECT * FROM tblTickets", {"strTicketID", "strTicketSubject", "strCustomerName", "blnClosed"}),
+              QStringList{"1|The printer is jammed|Cal Caller|False"});
+
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
+    ASSERT_EQ(subjects(converted()), QStringList{"The printer is jammed"});
+    const host::MailItem mail(converted().Items().Item(1).object());
+    EXPECT_EQ(mail.FlagStatus(), 2);
+    EXPECT_EQ(mail.FlagRequest(), "Ticket # 1 created at 3/5/2024 12:00:00 PM");
+    EXPECT_EQ(mail.BillingInformation(), "1");
+    EXPECT_TRUE(outgoing().isEmpty());
+}
+
+TEST_F(FolderMonitor, TheScanConvertsWhatWaitsAndTakesTheEmptyFolder) {
+    deliver({.subject = "first"});
+    deliver({.subject = "second"});
+    start();
+    EXPECT_EQ(subjects(tickets()), (QStringList{"second", "first"}));
+    EXPECT_EQ(subjects(converted()), (QStringList{"second", "first"}));
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
+    EXPECT_EQ(intake().Items().Item(1).Body().trimmed(), "Alma Tester");
+}
+
+TEST_F(FolderMonitor, WhatTheScanRefusesKeepsTheFolderUnwatched) {
+    put(intake(), "IPM.Appointment", "a meeting");
+    deliver({.subject = "a mail"});
+    start();
+    EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
+    EXPECT_EQ(subjects(intake()), QStringList{"a meeting"});
+    deliver({.subject = "a later mail"});
+    EXPECT_EQ(subjects(intake()), (QStringList{"a meeting", "a later mail"}));
+}
+
+TEST_F(FolderMonitor, ExactlyOneOfTwoCopiesWatches) {
+    auto &first = start();
+    auto &second = start();
+    deliver({.subject = "one"});
+    EXPECT_EQ(subjects(tickets()), QStringList{"one"});
+
+    first.run.quit();
+    EXPECT_EQ(first.ends, 1);
+    EXPECT_TRUE(subjects(intake()).isEmpty());
+    deliver({.subject = "between"});
+    EXPECT_EQ(subjects(tickets()), QStringList{"one"}) << "no copy takes over while it runs";
+    EXPECT_TRUE(second.run.alive());
+
+    start();
+    EXPECT_EQ(subjects(tickets()), (QStringList{"one", "between"}));
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
+}
+
+TEST_F(FolderMonitor, TheFlagOfADeadCopyKeepsTheFolderUntilItIsRemoved) {
+    put(intake(), "IPM.Post", strFlagSubject);
+    deliver({.subject = "a mail"});
+    start();
+    EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
+    deliver({.subject = "unseen"});
+    EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
+}
+
+TEST_F(FolderMonitor, EveryConfiguredFolderIsWatchedAndMissingOnesArePassedOver) {
+    const host::MAPIFolder other = mailbox().Folders().Add("Urgent", 6);
+    setEmailFolders(
+        {"\\\\Mailbox - Alma Tester\\Support", "\\\\No\\Such\\Folder", "\\\\Mailbox - Alma Tester\\Urgent"});
+    start();
+    deliver({.subject = "to support"});
+    deliver({.subject = "urgent"}, other);
+    EXPECT_EQ(subjects(tickets()), (QStringList{"to support", "urgent"}));
+    EXPECT_EQ(subjects(other.Folders("Converted")), QStringList{"urgent"});
+}
+
+struct ClassCase {
+    const char *messageClass;
+    bool isNew;
+    int tickets;
+    const char *mark;
+    const char *folder;
+};
+
+class ItemClasses : public FolderMonitor, public testing::WithParamInterface<ClassCase> {};
+
+TEST_P(ItemClasses, DecideWhatBecomesOfAnItem) {
+    const ClassCase &each = GetParam();
+    const host::Item item = put(intake(), each.messageClass, "an item");
+    auto &copy = newCopy();
+    EXPECT_EQ(copy.in([&] { return fncIsNewMailItem(item); }), each.isNew);
+    copy.run.start();
+    EXPECT_EQ(subjects(tickets()).size(), each.tickets);
+    const host::Item after = mapi().GetItemFromID(item.EntryID());
+    EXPECT_EQ(after.BillingInformation(), each.mark);
+    EXPECT_EQ(after.Parent().Name(), each.folder);
+    EXPECT_EQ(host::MailItem(after.object()).FlagStatus(), QString(each.mark) == "1" ? 2 : 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, ItemClasses,
+                         testing::Values(ClassCase{"IPM.Note", true, 1, "1", "Converted"},
+                                         ClassCase{"ipm.note", true, 1, "1", "Converted"},
+                                         ClassCase{"IPM.Post", true, 1, "Working...", "Converted"},
+                                         ClassCase{"IPM.Note.Something", true, 0, "", "Support"},
+                                         ClassCase{"IPM.Notes", true, 0, "", "Support"},
+                                         ClassCase{"REPORT.IPM.Note.NDR", false, 0, "", "Support"}));
+
+TEST_F(FolderMonitor, ItemsThatAreClaimedOrFlagsOrNothingAreNotNew) {
+    auto &copy = newCopy();
+    const auto isNew = [&](const host::Item &item) { return copy.in([&] { return fncIsNewMailItem(item); }); };
+    const host::Item claimed = put(intake(), "IPM.Note", "claimed");
+    claimed.BillingInformation("Working...");
+    EXPECT_FALSE(isNew(claimed));
+    EXPECT_FALSE(isNew(put(intake(), "IPM.Post", strFlagSubject)));
+    EXPECT_FALSE(isNew(host::Item()));
+    EXPECT_TRUE(isNew(put(intake(), "IPM.Note", "")));
+    const host::Item gone = put(intake(), "IPM.Note", "gone");
+    gone.Delete();
+    EXPECT_FALSE(isNew(gone));
+}
+
+TEST_F(FolderMonitor, AClaimThatAnotherClientWonLeavesTheItem) {
+    auto &copy = start();
+    const host::Item item = put(mailbox().Folders().Add("Elsewhere", 6), "IPM.Note", "contested");
+    // The item as this client opened it, before the other one saved.
+    const host::Item seen = mapi().GetItemFromID(item.EntryID());
+    ASSERT_EQ(seen.Subject(), "contested");
+    item.Importance(2);
+    item.Save();
+    copy.in([&] { subHandleNewItem(seen, [&] { return intake(); }); });
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+    EXPECT_EQ(mapi().GetItemFromID(item.EntryID()).BillingInformation(), "");
+}
+
+TEST_F(FolderMonitor, AnItemThatIsClaimedWhenItComesIsLeftAlone) {
+    start();
+    const host::Item item = intake().Items().Add("IPM.Note");
+    item.Subject("claimed");
+    item.BillingInformation("Working...");
+    item.Save();
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+    EXPECT_EQ(subjects(intake()), (QStringList{strFlagSubject, "claimed"}));
+}
+
+// ---- replies
+
+struct ReplyCase {
+    const char *subject;
+    bool subFolders;
+    /// The folder below the ticket folder that takes the reply; empty when it becomes a ticket of its own.
+    const char *folder;
+};
+
+class Replies : public FolderMonitor, public testing::WithParamInterface<ReplyCase> {};
+
+TEST_P(Replies, AreFiledByTheNumberInTheSubject) {
+    const ReplyCase &each = GetParam();
+    setSetting("EmailSubFolders", each.subFolders ? "1" : "0");
+    start();
+    deliver({.subject = each.subject});
+    if (*each.folder == '\0') {
+        EXPECT_EQ(subjects(tickets()), QStringList{each.subject});
+        return;
+    }
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+    EXPECT_EQ(subjects(tickets().Folders(each.folder).Folders("Received")), QStringList{each.subject});
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
+}
+
+INSTANTIATE_TEST_SUITE_P(Subjects, Replies,
+                         testing::Values(ReplyCase{"Re: Helpdesk Ticket {12}", true, "12"},
+                                         ReplyCase{"Re: Helpdesk Ticket {12}", false, ""},
+                                         ReplyCase{"{a b} {12}", true, "a b"}, ReplyCase{"only { opens", true, ""},
+                                         ReplyCase{"}{ the wrong way round", true, ""},
+                                         ReplyCase{"empty {} braces", true, ""}));
+
+TEST_F(FolderMonitor, AReplyAddsAWorkRowAndMarksTheTicketUnread) {
+    setSetting("EmailSubFolders", "1");
+    start();
+    deliver({.subject = "a problem"});
+    EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), QStringList{"a problem"}) << "a copy is kept";
+    const host::Item before = ticket();
+    before.UnRead(false);
+    before.Save();
+
+    deliver({.subject = "Re: a problem {1}", .from = "\"Rita Reply\" <rita@example.org>"});
+    EXPECT_EQ(subjects(tickets()).size(), 1);
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"intTicketID", "strPersonName", "intMinutesWorked"}),
+              QStringList{"1|Rita Reply|0"});
+    EXPECT_TRUE(ticket().UnRead());
+    EXPECT_TRUE(property(ticket(), "WorkDescriptions0").contains("Rita Reply"));
+    EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), (QStringList{"a problem", "Re: a problem {1}"}));
+    EXPECT_TRUE(outgoing().isEmpty());
+}
+
+TEST_F(FolderMonitor, TheScanClaimsARepliesToo) {
+    setSetting("EmailSubFolders", "1");
+    deliver({.subject = "Re: {7}"});
+    start();
+    const host::MAPIFolder received = tickets().Folders("7").Folders("Received");
+    ASSERT_EQ(subjects(received), QStringList{"Re: {7}"});
+    EXPECT_EQ(received.Items().Item(1).BillingInformation(), "Working...");
+    EXPECT_TRUE(rows("SELECT * FROM tblWork", {"intTicketID"}).isEmpty());
+}
+
+// ---- the ends of the road
+
+TEST_F(FolderMonitor, ATicketItemThatCannotBeNumberedIsNotLeftBehind) {
+    auto &copy = start();
+    copy.answers.expect("Failed to open tblTickets for writing!");
+    QFile::rename(path("program/Orvelle.mdb"), path("program/away.mdb"));
+    copy.in([] {
+        subCloseConnection();
+        blnAllowDBCreation = false;
+    });
+    deliver({.subject = "unlucky"});
+    QFile::rename(path("program/away.mdb"), path("program/Orvelle.mdb"));
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+    EXPECT_EQ(subjects(intake()), (QStringList{strFlagSubject, "unlucky"}));
+    EXPECT_EQ(intake().Items().Item(2).BillingInformation(), "") << "tried again at the next scan";
+}
+
+} // namespace
