@@ -121,7 +121,9 @@ class JetFile final : public Provider {
         QSqlQuery query = m_database.query();
         m_database.prepare(query, translated.text);
         m_database.run(query);
-        m_haveMoney = false; // It may have changed the schema.
+        // It may have changed the schema.
+        m_haveMoney = false;
+        m_keys.clear();
         return query.numRowsAffected();
     }
 
@@ -249,17 +251,23 @@ class JetFile final : public Provider {
         }
     }
 
-    /// Makes the set writable when it holds the key of its table.
-    void findKey(const QString &table, RowSet &set) {
+    /// The column that numbers a table's rows; empty for a table without one.
+    const QString &keyOf(const QString &table) {
+        const auto found = m_keys.constFind(table);
+        if (found != m_keys.constEnd())
+            return *found;
         QSqlQuery query = m_database.query();
         m_database.prepare(query, "SELECT name FROM pragma_table_info(?) WHERE pk = 1 AND upper(type) = 'INTEGER'");
         query.bindValue(0, table);
         m_database.run(query);
-        if (!query.next())
-            return;
-        const QString key = query.value(0).toString();
+        return *m_keys.insert(table, query.next() ? query.value(0).toString() : QString());
+    }
+
+    /// Makes the set writable when it holds the key of its table.
+    void findKey(const QString &table, RowSet &set) {
+        const QString &key = keyOf(table);
         for (std::size_t at = 0; at < set.columns.size(); ++at) {
-            if (set.columns[at].name.compare(key, Qt::CaseInsensitive) == 0) {
+            if (!key.isEmpty() && set.columns[at].name.compare(key, Qt::CaseInsensitive) == 0) {
                 set.table = table;
                 set.key = static_cast<int>(at);
                 set.columns[at].type = ColumnType::AutoNumber;
@@ -293,6 +301,7 @@ class JetFile final : public Provider {
 
     JetDatabase m_database;
     std::map<QString, std::unique_ptr<QSqlQuery>> m_prepared;
+    QHash<QString, QString> m_keys;
     QSet<QString> m_lookups;
     QSet<QString> m_money;
     bool m_haveMoney = false;
