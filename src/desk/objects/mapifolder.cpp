@@ -1,6 +1,7 @@
 #include "desk/objects/mapifolder.h"
 
 #include "desk/objects/explorers.h"
+#include "desk/objects/folderpath.h"
 #include "desk/objects/folders.h"
 #include "desk/objects/itemkinds.h"
 #include "desk/objects/items.h"
@@ -36,15 +37,7 @@ QString MAPIFolder::storeId() const {
     return m_store->storeId();
 }
 
-QString MAPIFolder::folderPath() const {
-    FolderRecord folder = record();
-    QString path = folder.name;
-    while (folder.parent != 0) {
-        folder = m_store->folder(folder.parent);
-        path = folder.name + u'\\' + path;
-    }
-    return QStringLiteral("\\\\") + path;
-}
+QString MAPIFolder::folderPath() const { return pathOf(*m_store, record()); }
 
 Value MAPIFolder::parent() const {
     const FolderRecord folder = record();

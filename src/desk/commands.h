@@ -1,0 +1,15 @@
+/// The commands of orvelle-desk. Each gives the exit status, and fails with a `Failure` where it can't be done.
+#pragma once
+
+#include "desk/commandline.h"
+
+namespace desk {
+
+int runCommand(const CommandLine &line);
+int deliverCommand(const CommandLine &line);
+int foldersCommand(const CommandLine &line);
+int addFolderCommand(const CommandLine &line);
+int listCommand(const CommandLine &line);
+int showCommand(const CommandLine &line);
+
+} // namespace desk
