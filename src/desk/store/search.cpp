@@ -8,7 +8,7 @@ namespace desk {
 namespace {
 
 /// So many matches are counted of each condition that could lead.
-constexpr const char *probeLimit = "200";
+constexpr const char *probeEnd = " AND folder = :folder AND arrival > :arrival LIMIT 200)";
 
 std::string notEmpty(const std::string &column) { return column + " <> ''"; }
 
@@ -107,15 +107,13 @@ std::size_t Search::leadingClause(Connection &connection) const {
             continue;
         if (eligible == 1)
             return i;
-        const std::string limited =
-            std::string(" AND folder = :folder AND arrival > :arrival LIMIT ") + probeLimit + ")";
         std::vector<Bind> binds{{"key", clause.key}, {"folder", m_folder}, {"arrival", m_arrival}};
         std::string sql = "SELECT count(*) FROM (SELECT 1 FROM ";
         if (clause.isProperty) {
-            sql += "properties WHERE name_key = :name AND value_key = :key AND " + notEmpty("value_key") + limited;
+            sql += "properties WHERE name_key = :name AND value_key = :key AND " + notEmpty("value_key") + probeEnd;
             binds.push_back({"name", clause.nameKey});
         } else {
-            sql += "items WHERE " + clause.name + " = :key AND " + notEmpty(clause.name) + limited;
+            sql += "items WHERE " + clause.name + " = :key AND " + notEmpty(clause.name) + probeEnd;
         }
         qint64 matches = 0;
         connection.each(sql, binds, [&matches](const Row &row) { matches = row.number(0); });
