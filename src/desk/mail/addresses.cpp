@@ -177,13 +177,14 @@ class AddressReader {
         const qsizetype start = m_at++;
         while (m_at < m_raw.size() && !QByteArrayView("\"(),:;<>= \t\r\n").contains(m_raw[m_at]))
             ++m_at;
-        word(oneLine(decodeText(m_raw.sliced(start, m_at - start), {}, m_fallback)));
+        const QByteArrayView text = m_raw.sliced(start, m_at - start);
+        word(oneLine(decodeText(text, {}, m_fallback)));
+        if (m_bare < 0 && text.contains('@'))
+            m_bare = m_words.size() - 1;
     }
 
     void startGroup() {
-        const bool address =
-            std::any_of(m_words.begin(), m_words.end(), [](const QString &text) { return text.contains(u'@'); });
-        if (address || !m_address.isEmpty()) {
+        if (m_bare >= 0 || !m_address.isEmpty()) {
             word(":");
             return;
         }
@@ -201,15 +202,8 @@ class AddressReader {
     }
 
     void finishEntry() {
-        if (m_address.isEmpty()) {
-            const auto bare = std::find_if(m_words.begin(), m_words.end(),
-                                           [](const QString &text) { return cleanAddress(text).indexOf(u'@') > 0; });
-            const bool alone = bare != m_words.end() && (m_words.size() == 1 || !bare->contains(u' '));
-            if (alone) {
-                m_address = cleanAddress(*bare);
-                m_words.erase(bare);
-            }
-        }
+        if (m_address.isEmpty() && m_bare >= 0)
+            m_address = cleanAddress(m_words.takeAt(m_bare));
         QString name = oneLine(m_words.join(u' '));
         if (name.isEmpty())
             name = m_comment;
@@ -223,6 +217,7 @@ class AddressReader {
         m_words.clear();
         m_comment.clear();
         m_address.clear();
+        m_bare = -1;
         m_apart = false;
     }
 
@@ -262,7 +257,8 @@ class AddressReader {
     QStringList m_words;
     QString m_comment;
     QString m_address;
-    bool m_apart = false; ///< whether the next piece starts a word of its own
+    qsizetype m_bare = -1; ///< the word that holds an '@' outside quotes, -1 when none does
+    bool m_apart = false;  ///< whether the next piece starts a word of its own
 
     QString m_group;
     qsizetype m_members = 0; ///< how many addresses there were when the group began

@@ -86,8 +86,9 @@ QStringList Headers::identifiers(const char *name) const {
             at = close + 1;
         }
         // Some programs forget the brackets.
-        if (at == 0 && !line.contains(u'<') && !cleanIdentifier(line).isEmpty())
-            found.append(cleanIdentifier(line.section(u' ', 0, 0)));
+        const QString bare = line.contains(u'<') ? QString() : cleanIdentifier(line.section(u' ', 0, 0));
+        if (!bare.isEmpty())
+            found.append(bare);
     }
     return found;
 }
