@@ -48,7 +48,7 @@ void subShowExecuteFailure(const QString &strFile, const QString &strReason) {
 /// The companion program's file: in the folder asked for if it is there, else in the program folder.
 QString fncCompanion(const QString &strFile, const QString &strPath) {
     const QString strName = "\\" + strFile + ".exe";
-    const QString strAsked = fncNoTrailingSlash(strPath) + strName;
+    QString strAsked = fncNoTrailingSlash(strPath) + strName;
     subSetupFS();
     if (!strPath.isEmpty() && fsoFileSystem->FileExists(strAsked))
         return strAsked;
