@@ -1,0 +1,150 @@
+// Folders as paths, as saved references, and as the ticket folder.
+
+#include "outlook/folderpath.h"
+#include "outlook/homepage.h"
+#include "outlook/outlookfixture.h"
+#include "outlook/outlookfolder.h"
+#include "platform/scripting/shell.h"
+
+namespace {
+
+class FolderTest : public OutlookTest {};
+
+TEST_F(FolderTest, APathNamesTheFolderAndFindsIt) {
+    const host::MAPIFolder deep = tickets().Folders().Add("A; B", 6).Folders().Add("C", 6);
+    EXPECT_EQ(fncGetFolderPath(tickets(), onsMAPI), "\\\\Public Folders\\Helpdesk");
+    EXPECT_EQ(fncGetFolderPath(deep, onsMAPI), "\\\\Public Folders\\Helpdesk\\A; B\\C");
+    EXPECT_EQ(fncGetFolderPath(mailbox(), onsMAPI), "Mailbox - Alma Tester") << "a top folder has no top above it";
+    EXPECT_EQ(fncGetFolderPath(host::MAPIFolder(), onsMAPI), "");
+    EXPECT_TRUE(fncGetFolderFromPath("\\\\Public Folders\\Helpdesk\\A; B\\C") == deep);
+}
+
+struct PathCase {
+    const char *path;
+    /// The name of the folder found; empty for Nothing.
+    const char *found;
+};
+
+class FolderFromPath : public OutlookTest, public testing::WithParamInterface<PathCase> {};
+
+TEST_P(FolderFromPath, GivesTheFolderOrNothing) {
+    const host::MAPIFolder found = fncGetFolderFromPath(GetParam().path);
+    EXPECT_EQ(found ? found.Name() : QString(), GetParam().found);
+}
+
+INSTANTIATE_TEST_SUITE_P(Paths, FolderFromPath,
+                         testing::Values(PathCase{"\\\\Public Folders\\Helpdesk", "Helpdesk"},
+                                         PathCase{"\\\\Public Folders", "Public Folders"},
+                                         PathCase{"\\\\Public Folders\\Missing\\Helpdesk", ""},
+                                         PathCase{"\\\\Missing\\Helpdesk", ""}, PathCase{"A\\B", ""}, PathCase{"", ""},
+                                         PathCase{"   ", ""}, PathCase{"Alma Tester", "Inbox"},
+                                         PathCase{"Nobody Known", ""}));
+
+TEST_F(FolderTest, ASavedReferenceFindsByIdentifierThenByPathAndChecksTheName) {
+    const QString id = tickets().EntryID();
+    const QString store = tickets().StoreID();
+    const QString path = "\\\\Public Folders\\Helpdesk";
+    const QString otherPath = "\\\\Mailbox - Alma Tester\\Support";
+    struct Case {
+        const char *what;
+        QString entryID;
+        QString storeID;
+        QString path;
+        QString name;
+        const char *found;
+    };
+    for (const Case &each : {
+             Case{"identifiers alone", id, store, "", "", "Helpdesk"},
+             Case{"identifiers and name", id, store, "", "Helpdesk", "Helpdesk"},
+             Case{"path alone", "", "", path, "", "Helpdesk"},
+             Case{"a dead identifier, then the path", "00AA", store, path, "Helpdesk", "Helpdesk"},
+             Case{"renamed", id, store, "", "Old name", ""},
+             Case{"renamed, with its path", id, store, path, "Old name", ""},
+             Case{"name in another case", id, store, path, "helpdesk", ""},
+             Case{"the identifier is another folder's", id, store, otherPath, "Support", "Support"},
+             Case{"nothing", "", "", "", "", ""},
+             Case{"a name alone", "", "", "", "Helpdesk", ""},
+         }) {
+        cOutlookFolder folder;
+        folder.EntryID = each.entryID;
+        folder.StoreID = each.storeID;
+        folder.Path = each.path;
+        folder.Name = each.name;
+        const host::MAPIFolder found = folder.GetFolder();
+        EXPECT_EQ(found ? found.Name() : QString(), each.found) << each.what;
+    }
+}
+
+TEST_F(FolderTest, ASavedReferenceCrossesAnItem) {
+    cOutlookFolder written;
+    written.Path = "\\\\A\\B";
+    written.EntryID = "01";
+    written.StoreID = "02";
+    written.Name = "B";
+    const host::Item item = put(tickets(), "IPM.Post", "holder");
+    written.SaveToOutlookProps(item, "Home");
+    EXPECT_EQ(property(item, "HomeOutlookFolderName"), "B");
+    cOutlookFolder read;
+    read.GetFromOutlookProps(item, "Home");
+    EXPECT_EQ(read.Path, written.Path);
+    EXPECT_EQ(read.EntryID, written.EntryID);
+    EXPECT_EQ(read.StoreID, written.StoreID);
+    EXPECT_EQ(read.Name, written.Name);
+}
+
+TEST_F(FolderTest, APickThatIsCancelledLeavesTheReference) {
+    cOutlookFolder folder;
+    folder.Name = "as it was";
+    folder.GetOutlookPathInfo(nullptr, 6);
+    EXPECT_EQ(folder.Name, "as it was");
+}
+
+TEST_F(FolderTest, TheHomePageMarksAHelpdeskFolderWhateverItsCase) {
+    tickets().WebViewURL("file:C:\\Share\\orvelle.HTM");
+    EXPECT_TRUE(fncValidTicketFolder() == tickets());
+}
+
+TEST_F(FolderTest, WithoutAHomePageThePersonPicksOrGivesUp) {
+    for (const char *url : {"", "file:C:\\Share\\Orvelle.htm?x=1", "file:C:\\Share\\Orvelle.html"}) {
+        tickets().WebViewURL(url);
+        answers().expect("Are you sure you want to exit?", window::No);
+        answers().expect("Are you sure you want to exit?", window::Yes);
+        EXPECT_TRUE(endsProcess([] { static_cast<void>(fncValidTicketFolder()); })) << url;
+    }
+}
+
+TEST_F(FolderTest, TheHomePagesFolderIsItsPathWithoutTheScheme) {
+    EXPECT_EQ(fncHomePageFolder("file:C:\\Share\\Orvelle.htm"), "C:\\Share");
+    EXPECT_EQ(fncHomePageFolder("file:\\\\server\\share\\sub\\Orvelle.htm"), "\\\\server\\share\\sub");
+    EXPECT_EQ(fncHomePageFolder("file:/srv/helpdesk/Orvelle.htm"), "/srv/helpdesk");
+    EXPECT_EQ(fncHomePageFolder("Orvelle.htm"), "");
+}
+
+TEST_F(FolderTest, TheReferenceIsLeftInTheRegistry) {
+    subWriteReg();
+    const scripting::Shell shell;
+    const QString key = "HKCU\\Software\\Tessmark\\Orvelle\\";
+    EXPECT_EQ(shell.RegRead(key + "Folder EntryID"), tickets().EntryID());
+    EXPECT_EQ(shell.RegRead(key + "Folder StoreID"), tickets().StoreID());
+    EXPECT_EQ(shell.RegRead(key + "Folder Path"), "\\\\Public Folders\\Helpdesk");
+    EXPECT_EQ(shell.RegRead(key + "Folder Name"), "Helpdesk");
+    EXPECT_EQ(shell.RegRead(key + "Minutes"), LNGMINUTES.text());
+}
+
+TEST_F(FolderTest, WithoutATicketFolderTheReferenceIsAReport) {
+    oufTickets = host::MAPIFolder();
+    answers().expect("subWriteReg", window::No);
+    EXPECT_TRUE(endsProcess([] { subWriteReg(); }));
+}
+
+TEST_F(FolderTest, RefreshingTheHomePageShowsTheParentAndComesBack) {
+    QStringList shown;
+    const auto subscription =
+        explorer().connect("FolderSwitch", [&](ValueList &) { shown << explorer().CurrentFolder().Name(); });
+    subRefreshCBHomepage();
+    EXPECT_EQ(shown, (QStringList{"Public Folders", "Helpdesk"}));
+    EXPECT_TRUE(tickets().WebViewOn());
+    EXPECT_TRUE(oufTickets == tickets());
+}
+
+} // namespace

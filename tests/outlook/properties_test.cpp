@@ -1,0 +1,146 @@
+// Custom properties of an item, in every type, and texts too long for one of them.
+
+#include "outlook/properties.h"
+
+#include "outlook/outlookfixture.h"
+
+namespace {
+
+class Properties : public OutlookTest {
+  protected:
+    void SetUp() override {
+        OutlookTest::SetUp();
+        m_item = put(tickets(), "IPM.Post", "an item");
+    }
+    void TearDown() override {
+        m_item = {};
+        OutlookTest::TearDown();
+    }
+    [[nodiscard]] const host::Item &item() const { return m_item; }
+    [[nodiscard]] bool has(const QString &name) const { return !m_item.UserProperties().Find(name).isNothing(); }
+
+  private:
+    host::Item m_item;
+};
+
+TEST_F(Properties, AreReadBackAsTheTypeTheyWereWrittenIn) {
+    struct Case {
+        qint32 type;
+        Value written;
+        Value read;
+    };
+    const DateTime day = DateTime::fromDate(2024, 3, 5);
+    for (const Case &each : {
+             Case{2, 7, qint16(7)},
+             Case{2, "12", qint16(12)},
+             Case{2, "no number", qint16(0)},
+             Case{2, Value(Value::Null{}), qint16(0)},
+             Case{7, day, day},
+             Case{7, "3/5/2024", day},
+             Case{8, "text", "text"},
+             Case{8, 12, "12"},
+             Case{11, true, true},
+             Case{11, "False", false},
+         }) {
+        SCOPED_TRACE(each.written.kindName().toStdString() + " as " + std::to_string(each.type));
+        subSetOutlookValue(item(), "P" + QString::number(each.type), each.written, each.type);
+        EXPECT_EQ(fncGetOutlookValue(item(), "P" + QString::number(each.type), each.type), each.read);
+    }
+}
+
+TEST_F(Properties, AMissingOneReadsAsItsDefault) {
+    struct Case {
+        qint32 type;
+        Value otherwise;
+        Value read;
+    };
+    for (const Case &each : {
+             Case{2, Value(), qint16(0)},
+             Case{2, 5, qint16(5)},
+             Case{2, "x", qint16(0)},
+             Case{2, 70000, qint16(0)},
+             Case{7, DateTime::fromDate(2024, 3, 5), DateTime()},
+             Case{8, Value(), ""},
+             Case{8, "default", "default"},
+             Case{11, Value(), false},
+             Case{11, 1, true},
+             Case{11, "x", Value()},
+             Case{3, 1, Value()},
+         })
+        EXPECT_EQ(fncGetOutlookValue(item(), "Missing", each.type, each.otherwise), each.read)
+            << each.type << " " << each.otherwise.kindName().toStdString();
+    EXPECT_FALSE(has("Missing"));
+}
+
+TEST_F(Properties, ANoDateLeavesADateAsItWasButMakesAMissingOne) {
+    const DateTime day = DateTime::fromDate(2024, 3, 5);
+    subSetOutlookValue(item(), "Due", day, 7);
+    subSetOutlookValue(item(), "Due", "some day", 7);
+    EXPECT_EQ(fncGetOutlookValue(item(), "Due", 7), Value(day));
+    subSetOutlookValue(item(), "Other", "some day", 7);
+    EXPECT_TRUE(has("Other"));
+}
+
+TEST_F(Properties, AnEmptyTextCannotBeToldFromAMissingOne) {
+    subSetOutlookValue(item(), "Text", "", 8);
+    EXPECT_EQ(fncGetOutlookValue(item(), "Text", 8, "default"), Value("default"));
+    EXPECT_EQ(fncGetOutlookValue(item(), "Text", 8), Value(""));
+}
+
+TEST_F(Properties, UnknownTypesAndNothingDoNothing) {
+    subSetOutlookValue(item(), "Odd", 1, 4);
+    EXPECT_FALSE(has("Odd"));
+    subSetOutlookValue(host::Item(), "Odd", 1, 2);
+    EXPECT_EQ(fncGetOutlookValue(host::Item(), "Odd", 8, "default"), Value("default"));
+}
+
+TEST_F(Properties, AWriteThatFailsIsReported) {
+    answers().expect("subSetOutlookValue", window::No);
+    EXPECT_TRUE(endsProcess([&] { subSetOutlookValue(item(), "Number", 40000, 2); }));
+}
+
+struct LongCase {
+    qsizetype length;
+    int highest;
+};
+
+class LongProperty : public Properties, public testing::WithParamInterface<LongCase> {};
+
+TEST_P(LongProperty, IsStoredInPiecesAndReadBackWhole) {
+    QString text;
+    for (qsizetype i = 0; i < GetParam().length; ++i)
+        text += QChar(static_cast<char16_t>(u'a' + i % 26));
+    subFixLongProperty(item(), text, "Log", false);
+    EXPECT_EQ(property(item(), "LogCount"), QString::number(GetParam().highest));
+    for (int i = 0; i <= GetParam().highest; ++i)
+        EXPECT_EQ(property(item(), "Log" + QString::number(i)), text.mid(i * 1000, 1000));
+    EXPECT_FALSE(has("Log" + QString::number(GetParam().highest + 1)));
+    EXPECT_FALSE(has("Log"));
+    EXPECT_EQ(fncGetLongProperty(item(), "Log"), text);
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, LongProperty,
+                         testing::Values(LongCase{0, 0}, LongCase{499, 0}, LongCase{500, 0}, LongCase{501, 1},
+                                         LongCase{999, 1}, LongCase{1000, 1}, LongCase{1400, 1}, LongCase{1500, 2},
+                                         LongCase{1600, 2}, LongCase{2500, 2}, LongCase{2501, 3}));
+
+TEST_F(Properties, AShorterTextIsReadBackAlone) {
+    subFixLongProperty(item(), QString(3000, 'x'), "Log", false);
+    subFixLongProperty(item(), "short", "Log", false);
+    EXPECT_EQ(fncGetLongProperty(item(), "Log"), "short");
+    EXPECT_EQ(property(item(), "Log2").size(), 1000) << "the old pieces stay";
+}
+
+TEST_F(Properties, WithoutACountTheFirstPieceIsRead) {
+    subSetOutlookValue(item(), "Log0", "first", 8);
+    subSetOutlookValue(item(), "Log1", "second", 8);
+    EXPECT_EQ(fncGetLongProperty(item(), "Log"), "first");
+}
+
+TEST_F(Properties, ALongWriteThatFailsIsToldUnlessSilent) {
+    subFixLongProperty(host::Item(), "text", "Log", true);
+    answers().expect("Failed to save Log " + LNGCHECKPERM);
+    subFixLongProperty(host::Item(), "text", "Log", false);
+}
+
+} // namespace

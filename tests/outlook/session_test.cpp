@@ -1,0 +1,190 @@
+// Finding the host, its user and its folder, and letting go of it.
+
+#include "outlook/session.h"
+
+#include "outlook/clienttools.h"
+#include "outlook/forms.h"
+#include "outlook/outlookfixture.h"
+#include "outlook/safeutils.h"
+#include "platform/scripting/components.h"
+
+namespace {
+
+class SessionTest : public OutlookTest {};
+
+TEST_F(SessionTest, AHostWithoutAWindowGetsOneOnTheFolder) {
+    explorer().Close();
+    subReleaseOutlook();
+    ASSERT_EQ(app().Explorers().Count(), 0);
+    subStartOutlook(9);
+    EXPECT_EQ(app().ActiveExplorer().CurrentFolder().Name(), "Calendar");
+}
+
+TEST_F(SessionTest, AHostThatIsThereIsNotLookedForAgain) {
+    runningHost = []() -> automation::ObjectPtr { throw Failure(failures::cannotCreateObject); };
+    subStartOutlook(6);
+    EXPECT_TRUE(ouaOutlook == app());
+}
+
+TEST_F(SessionTest, WithoutAHostTheProcessEndsWithAMessage) {
+    subReleaseOutlook();
+    runningHost = nullptr;
+    answers().expect("Please start Outlook manually before you execute this application!");
+    EXPECT_TRUE(endsProcess([] { subStartOutlook(6); }));
+}
+
+TEST_F(SessionTest, AComponentOfTheHostsNameIsTheSecondChoice) {
+    subReleaseOutlook();
+    runningHost = nullptr;
+    scripting::components->add("Outlook.Application.9", [this] { return desk().application(); });
+    subStartOutlook(6);
+    EXPECT_TRUE(ouaOutlook == app());
+}
+
+TEST_F(SessionTest, TheCurrentFolderIsTheActiveExplorers) {
+    oufTickets = host::MAPIFolder();
+    subSetCurrentFolder(9);
+    EXPECT_TRUE(oufTickets == tickets());
+    explorer().Close();
+    subSetCurrentFolder(9);
+    EXPECT_EQ(oufTickets->Name(), "Calendar");
+}
+
+TEST_F(SessionTest, TheUserIsReadFromTheMailboxRoot) {
+    struct Case {
+        const char *root;
+        const char *before;
+        const char *name;
+    };
+    for (const Case &each : {Case{"Mailbox - Alma Tester", "", "Alma Tester"}, Case{"Box -  A - B ", "", "A - B"},
+                             Case{"Tester, Alma", "", "Tester, Alma"}, Case{"Plain", "kept", "kept"}}) {
+        mapi().GetDefaultFolder(9).Parent().put("Name", each.root);
+        strCurrentUserName = QString(each.before);
+        EXPECT_EQ(fncGetUserName(), each.name) << each.root;
+    }
+}
+
+TEST_F(SessionTest, AMailboxWithoutANameLeavesItToTheMachine) {
+    mapi().GetDefaultFolder(9).Parent().put("Name", "Plain");
+    strCurrentUserName = QString();
+    EXPECT_FALSE(fncGetUserName().isEmpty());
+}
+
+TEST_F(SessionTest, TheFormsMessageEndsInWhatTheHostSaid) {
+    const QString message = fncFormsCacheMessage("the reason");
+    EXPECT_TRUE(message.startsWith("Failed to create a new Outlook form!\r\n"));
+    EXPECT_TRUE(message.endsWith("I apologize for the trouble!\r\n\r\nthe reason"));
+    EXPECT_EQ(message.count("\r\n"), 12);
+}
+
+class StubbornForm : public LoadableForm {
+  public:
+    bool stays = false;
+
+  protected:
+    void Form_Unload() override {
+        if (stays)
+            throw Failure(failures::invalidCall);
+    }
+};
+
+TEST_F(SessionTest, FormsAreUnloadedFromTheLastUntilOneStays) {
+    StubbornForm first;
+    StubbornForm second;
+    StubbornForm third;
+    for (StubbornForm *form : {&first, &second, &third})
+        form->Load();
+    second.stays = true;
+    subUnloadForms();
+    EXPECT_TRUE(first.isLoaded());
+    EXPECT_TRUE(second.isLoaded());
+    EXPECT_FALSE(third.isLoaded());
+    second.stays = false;
+    subReleaseOutlook();
+    EXPECT_TRUE(loadedForms->isEmpty());
+    EXPECT_TRUE(ouaOutlook->isNothing());
+    EXPECT_TRUE(onsMAPI->isNothing());
+    EXPECT_TRUE(oufTickets->isNothing());
+}
+
+// ---- the client tools and the library that they bring
+
+TEST_F(SessionTest, TheClientToolsAreThereByDefault) {
+    subCheckClientTools();
+    EXPECT_TRUE(fncSetupSafeUtils());
+}
+
+TEST_F(SessionTest, MissingClientToolsAreOfferedAndTheLibraryOnlyOnce) {
+    setClientTools(false);
+    answers().expect("Client Tools", window::No);
+    subCheckClientTools();
+    answers().expect("Client Tools", window::No);
+    EXPECT_FALSE(fncSetupSafeUtils());
+    EXPECT_FALSE(fncSetupSafeUtils());
+    setClientTools(true);
+    EXPECT_FALSE(fncSetupSafeUtils()) << "not asked for again in this run";
+}
+
+class OldAddIn : public automation::Object {
+  public:
+    QString typeName() override { return "cButtonHolder"; }
+    Value get(const QString &member) override {
+        if (member != "FileVersion" || !version)
+            throw Failure(failures::memberMissing);
+        return *version;
+    }
+    void put(const QString &, const Value &) override { throw Failure(failures::memberMissing); }
+    Value call(const QString &, const ValueList &) override { throw Failure(failures::memberMissing); }
+    automation::SubscriptionPtr connect(const QString &, automation::EventHandler) override { return nullptr; }
+
+    std::optional<Value> version;
+};
+
+TEST_F(SessionTest, ClientToolsThatAreTooOldAreOffered) {
+    struct Case {
+        std::optional<Value> version;
+        bool isOffered;
+    };
+    for (const Case &each :
+         {Case{std::nullopt, true}, Case{92199, true}, Case{92200, false}, Case{"92200", false}, Case{"new", true}}) {
+        scripting::components->add("OrvelleClientTools.cButtonHolder", [&] {
+            auto addIn = std::make_shared<OldAddIn>();
+            addIn->version = each.version;
+            return addIn;
+        });
+        if (each.isOffered)
+            answers().expect("Client Tools", window::No);
+        subCheckClientTools();
+    }
+}
+
+TEST_F(SessionTest, AcceptingTheOfferStartsTheSetUpBesideTheHomePageAndEnds) {
+    QFile setUp(path("OrvelleClientTools.exe"));
+    ASSERT_TRUE(setUp.open(QIODevice::WriteOnly));
+    setUp.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    setUp.close();
+    const support::Launches launches;
+    answers().expect("Client Tools", window::Yes);
+    answers().expect(LNGRESTARTOUTLOOK);
+    EXPECT_TRUE(endsProcess([] { subOfferClientTools(); }));
+    EXPECT_EQ(launches.started(), QStringList{path("OrvelleClientTools.exe")});
+}
+
+TEST_F(SessionTest, AContactIsFoundByTheIdentifierOrByTheAddress) {
+    const host::Item contact = mapi().GetDefaultFolder(10).Items().Add("IPM.Contact");
+    contact.put("FullName", "Carla Contact");
+    contact.put("Email1Address", "carla@example.org");
+    contact.Save();
+    const host::Handle list = host::Handle(mapi().call("AddressLists")).call("Item", {1});
+    const host::AddressEntry entry(host::Handle(list.call("AddressEntries")).call("Item", {1}));
+    EXPECT_EQ(fncFindContact(entry).EntryID(), contact.EntryID());
+
+    deliver({.from = "\"Another Name\" <carla@example.org>"});
+    EXPECT_EQ(fncFindContact(fncSafeMailItem(intake().Items().Item(1)).Sender()).FullName(), "Carla Contact");
+    deliver({.from = "\"Nobody\" <nobody@example.org>"});
+    EXPECT_TRUE(fncFindContact(fncSafeMailItem(intake().Items().Item(2)).Sender()).isNothing());
+    EXPECT_EQ(fncGetSenderName(intake().Items().Item(2)), "Nobody");
+    EXPECT_EQ(fncGetSenderName(host::Item()), "");
+}
+
+} // namespace
