@@ -2,6 +2,8 @@
 
 #include "platform/value/convert.h"
 
+#include <QRegularExpression>
+
 namespace desk {
 namespace {
 
@@ -130,16 +132,9 @@ class FilterReader {
 
     /// Whether nothing but the end or another condition follows.
     [[nodiscard]] bool endsLiteral(qsizetype at) const {
-        while (at < m_text.size() && m_text.at(at).isSpace())
-            ++at;
-        if (at >= m_text.size())
-            return true;
-        if (!startsWord(at, QLatin1StringView("and")))
-            return false;
-        at += 3;
-        while (at < m_text.size() && m_text.at(at).isSpace())
-            ++at;
-        return at < m_text.size() && m_text.at(at) == u'[';
+        static const QRegularExpression rest(QStringLiteral("\\G\\s*($|(and|or)\\s*\\[)"),
+                                             QRegularExpression::CaseInsensitiveOption);
+        return rest.match(m_text, at).hasMatch();
     }
 
     const QString &m_text;

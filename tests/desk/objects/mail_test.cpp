@@ -1,0 +1,269 @@
+// Mail on its way in and out, and the people it is from.
+
+#include "deskfixture.h"
+
+#include "desk/mail/parser.h"
+#include "desk/objects/delivery.h"
+#include "desk/objects/session.h"
+
+#include <QDir>
+
+namespace {
+
+class MailTest : public DeskTest {
+  protected:
+    Handle delivered(const QByteArray &message) const {
+        desk::Session &session_ = m_desk->session();
+        const desk::FolderRecord inbox = session_.specialFolder(desk::SpecialFolder::Inbox);
+        desk::deliver(session_.mailbox(), inbox.id, message);
+        return folder(6).of("Items").of("GetLast");
+    }
+    [[nodiscard]] QStringList outgoing() const {
+        return QDir(file("outgoing")).entryList({"*.eml"}, QDir::Files, QDir::Name);
+    }
+    [[nodiscard]] desk::Message sentMessage() const {
+        const QStringList files = outgoing();
+        EXPECT_EQ(files.size(), 1);
+        return desk::parseMessage(contentOf(file("outgoing/" + files.value(0))));
+    }
+    Handle contact(const QString &name, const QString &address) const {
+        const Handle made = application().of("CreateItem", {2});
+        made.put("FullName", name);
+        made.put("Email1Address", address);
+        made.put("BusinessTelephoneNumber", "0815");
+        made.put("Department", "Sales");
+        made.call("Save");
+        return made;
+    }
+};
+
+const QByteArray withParts = "From: Bo Other <bo@example.org>\r\n"
+                             "To: desk@example.org\r\n"
+                             "Subject: Parts\r\n"
+                             "Date: Mon, 16 Nov 2026 09:49:08 +0000\r\n"
+                             "Importance: high\r\n"
+                             "Content-Type: multipart/mixed; boundary=x\r\n\r\n"
+                             "--x\r\nContent-Type: text/html\r\n\r\n<p>Seen</p>\r\n"
+                             "--x\r\nContent-Type: text/plain\r\n"
+                             "Content-Disposition: attachment; filename=\"../../etc/passwd\"\r\n\r\nsafe\r\n"
+                             "--x\r\nContent-Type: message/rfc822\r\n\r\nSubject: Inside\r\n\r\nInner text\r\n"
+                             "--x\r\nContent-Type: application/oleobject\r\n"
+                             "Content-Disposition: attachment; filename=chart.ole\r\n\r\nole\r\n"
+                             "--x--\r\n";
+
+TEST_F(MailTest, AMessageBecomesAnItem) {
+    const Handle mail = delivered(withParts);
+    EXPECT_EQ(mail.typeName(), "MailItem");
+    EXPECT_EQ(mail.text("MessageClass"), "IPM.Note");
+    EXPECT_TRUE(toBool(mail.get("UnRead")));
+    EXPECT_EQ(mail.text("SenderName"), "Bo Other");
+    EXPECT_EQ(mail.text("To"), "desk@example.org");
+    EXPECT_EQ(mail.number("Importance"), 2);
+    EXPECT_EQ(mail.number("BodyFormat"), 2);
+    EXPECT_TRUE(mail.text("HTMLBody").contains("<p>Seen</p>"));
+    EXPECT_TRUE(mail.text("Body").contains("Seen"));
+    EXPECT_FALSE(toDateTime(mail.get("ReceivedTime")).isZero());
+    EXPECT_EQ(mail.number("Size"), withParts.size());
+    mail.call("SaveAs", {file("copy.msg"), 3});
+    EXPECT_EQ(contentOf(file("copy.msg")), withParts);
+}
+
+TEST_F(MailTest, AttachmentsComeOutUnderSafeNames) {
+    const Handle attachments = delivered(withParts).of("Attachments");
+    ASSERT_EQ(attachments.number("Count"), 3);
+    const struct {
+        int type;
+        QByteArray content;
+    } cases[] = {{1, "safe"}, {5, "Subject: Inside"}, {6, "ole"}};
+    for (int i = 0; i < 3; ++i) {
+        const Handle attachment = attachments.of("Item", {i + 1});
+        EXPECT_EQ(attachment.number("Type"), cases[i].type) << i;
+        const QString name = attachment.text("FileName");
+        EXPECT_FALSE(name.isEmpty() || name.contains(u'/') || name.contains(u'\\') || name.startsWith("..")) << i;
+        attachment.call("SaveAsFile", {m_folder.path() + u'\\' + name});
+        EXPECT_TRUE(contentOf(file(name)).startsWith(cases[i].content)) << i;
+    }
+    EXPECT_EQ(attachments.of("Item", {1}).text("DisplayName"), "../../etc/passwd");
+    EXPECT_EQ(failureOf([&] { attachments.of("Item", {1}).call("SaveAsFile", {"/nowhere/at/all"}); }),
+              failures::pathNotFound);
+}
+
+TEST_F(MailTest, AttachedFilesAreCopied) {
+    const Handle item = newItem(folder(6), "IPM.Post", "Files");
+    const QString path = written("note.txt", "content");
+    item.of("Attachments").call("Add", {QString(path).replace(u'/', u'\\'), 1, Value::Missing{}, "A/B: shown"});
+    QFile::remove(path);
+    item.call("Save");
+    const Handle attachment = folder(6).of("Items").of("Item", {1}).of("Attachments").of("Item", {1});
+    EXPECT_EQ(attachment.text("DisplayName"), "A/B: shown");
+    EXPECT_EQ(attachment.text("FileName"), "note.txt");
+    attachment.call("SaveAsFile", {path});
+    EXPECT_EQ(contentOf(path), "content");
+    EXPECT_EQ(failureOf([&] { item.of("Attachments").call("Add", {file("missing")}); }), failures::fileNotFound);
+    const Handle held = item.of("Attachments").of("Item", {1});
+    held.call("Delete");
+    item.call("Save");
+    EXPECT_EQ(folder(6).of("Items").of("Item", {1}).of("Attachments").number("Count"), 0);
+    EXPECT_EQ(failureOf([&] { static_cast<void>(held.get("FileName")); }), failures::itemGone);
+}
+
+TEST_F(MailTest, ASubmittedMailGoesOutOnce) {
+    const Handle mail = newItem(folder(4), "IPM.Note", "Answer");
+    mail.put("To", "Bo Other <bo@example.org>; Cleo");
+    mail.put("HTMLBody", "<p>Hello</p>");
+    static_cast<void>(contact("Cleo", "cleo@example.org"));
+    mail.call("Send");
+    EXPECT_EQ(subjects(folder(4)), QStringList{"Answer"});
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 0);
+    EXPECT_EQ(subjects(folder(4)), QStringList{});
+    EXPECT_EQ(subjects(folder(5)), QStringList{"Answer"});
+    const desk::Message message = sentMessage();
+    EXPECT_EQ(message.from.name, "Alma Tester");
+    ASSERT_EQ(message.to.size(), 2);
+    EXPECT_EQ(message.to.at(1).address, "cleo@example.org") << "a name is looked up in the address book";
+    EXPECT_TRUE(message.html.contains("Hello"));
+    EXPECT_FALSE(message.messageId.isEmpty());
+}
+
+TEST_F(MailTest, TheSentCopyGoesWhereItIsWanted) {
+    const Handle kept = folder(5).of("Folders").of("Add", {"Kept"});
+    for (const Handle &target : {kept, publicFolder("Sent by us")}) {
+        const Handle mail = newItem(folder(4), "IPM.Note", "Filed");
+        mail.put("To", "bo@example.org");
+        mail.put("SaveSentMessageFolder", target);
+        EXPECT_TRUE(mail.of("SaveSentMessageFolder") == target);
+        const Recorder added(target.of("Items"), "ItemAdd");
+        mail.call("Send");
+        session().call("DeliverNow");
+        EXPECT_EQ(subjects(target), QStringList{"Filed"});
+        EXPECT_EQ(folder(5).of("Items").number("Count"), 0);
+    }
+}
+
+TEST_F(MailTest, ADraftGoesByWayOfTheOutbox) {
+    const Handle mail = newItem(folder(4), "IPM.Note", "Helpdesk Ticket {7}");
+    mail.put("To", "bo@example.org");
+    mail.put("SentOnBehalfOfName", "Service Desk <service@example.org>");
+    mail.put("ReplyRecipientNames", "service@example.org");
+    mail.call("Close", {0});
+    const Handle moved = folder(16).of("Items").of("Item", {"Helpdesk Ticket {7}"}).of("Move", {folder(4)});
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 0) << "what merely lies in the Outbox is not sent";
+    moved.call("Send");
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
+    const desk::Message message = sentMessage();
+    EXPECT_EQ(message.from.address, "service@example.org");
+    EXPECT_EQ(message.sender.name, "Alma Tester");
+    ASSERT_EQ(message.replyTo.size(), 1);
+    EXPECT_EQ(message.replyTo.first().address, "service@example.org");
+}
+
+TEST_F(MailTest, WhatHasComeInOrGoneOutIsNotSentAgain) {
+    delivered(withParts).call("Move", {folder(4)});
+    const Handle mail = newItem(folder(4), "IPM.Note", "Once");
+    mail.put("To", "bo@example.org");
+    mail.call("Send");
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
+    folder(5).of("Items").of("Item", {"Once"}).call("Move", {folder(4)});
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 0);
+    EXPECT_EQ(outgoing().size(), 1);
+}
+
+TEST_F(MailTest, AMailNeedsARecipientAndConsent) {
+    const Handle mail = newItem(folder(16), "IPM.Note", "Nobody");
+    EXPECT_EQ(failureOf([&] { mail.call("Send"); }), failures::invalidCall);
+    mail.put("To", "bo@example.org");
+    const auto send = mail.on("Send", [](ValueList &arguments) { arguments[0] = true; });
+    mail.call("Send");
+    EXPECT_EQ(folder(4).of("Items").number("Count"), 0);
+}
+
+TEST_F(MailTest, ACrashBeforeOrAfterTheMomentOfSendingIsSettled) {
+    const Handle mail = newItem(folder(16), "IPM.Note", "Crashed");
+    mail.put("To", "bo@example.org");
+    mail.call("Send");
+    const QString entryId = folder(4).of("Items").of("Item", {1}).text("EntryID");
+    ASSERT_TRUE(QDir().mkpath(file("outgoing")));
+    // The file was written, and the item not yet moved: the whole is done again.
+    written("outgoing/" + entryId + ".part", "half");
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
+    ASSERT_EQ(outgoing().size(), 1);
+    EXPECT_EQ(sentMessage().subject, "Crashed");
+    // The item was moved, and the file not yet renamed: it goes out under the same name.
+    ASSERT_TRUE(QFile::rename(file("outgoing/" + outgoing().first()), file("outgoing/" + entryId + ".part")));
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 0);
+    ASSERT_EQ(outgoing().size(), 1);
+    EXPECT_EQ(sentMessage().subject, "Crashed");
+    EXPECT_EQ(QDir(file("outgoing")).entryList({"*.part"}).size(), 0);
+}
+
+TEST_F(MailTest, APostIsSignedOnce) {
+    const Handle post = newItem(folder(6), "IPM.Post", "Notice");
+    EXPECT_TRUE(Handle(post.get("Sender")).isNothing());
+    post.call("Post");
+    const Handle stored = folder(6).of("Items").of("Item", {1});
+    EXPECT_EQ(stored.of("Sender").text("Name"), "Alma Tester");
+    const DateTime sent = toDateTime(stored.get("SentOn"));
+    EXPECT_FALSE(sent.isZero());
+    stored.put("Body", "more");
+    stored.call("Save");
+    EXPECT_EQ(toDateTime(folder(6).of("Items").of("Item", {1}).get("SentOn")), sent);
+}
+
+TEST_F(MailTest, ASenderIsAnAddressEntry) {
+    static_cast<void>(contact("Berta Boss", "berta@example.org"));
+    const struct {
+        QByteArray from;
+        QString name, address, type, smtp, telephone;
+    } cases[] = {
+        {"Bo Other <bo@example.org>", "Bo Other", "bo@example.org", "SMTP", "bo@example.org", ""},
+        {"bo@example.org", "bo@example.org", "bo@example.org", "SMTP", "bo@example.org", ""},
+        {"B <berta@example.org>", "B", "berta@example.org", "SMTP", "berta@example.org", "0815"},
+        {"Berta Boss </o=Example/cn=berta>", "Berta Boss", "/o=Example/cn=berta", "EX", "berta@example.org", "0815"}};
+    for (const auto &each : cases) {
+        const Handle sender = delivered("From: " + each.from + "\r\nSubject: S\r\n\r\nText\r\n").of("Sender");
+        EXPECT_EQ(sender.text("Name"), each.name) << each.from.constData();
+        EXPECT_EQ(sender.text("Address"), each.address) << each.from.constData();
+        EXPECT_EQ(sender.text("Type"), each.type) << each.from.constData();
+        EXPECT_EQ(toText(sender.call("Fields", {0x39FE001E})), each.smtp) << each.from.constData();
+        EXPECT_EQ(toText(sender.call("Fields", {0x3A08001E})), each.telephone) << each.from.constData();
+        EXPECT_EQ(toText(sender.call("Fields", {0x3A18001E})), each.telephone.isEmpty() ? "" : "Sales");
+        EXPECT_EQ(failureOf([&] { sender.call("Fields", {1}); }), failures::notFound);
+        const QString tail = sender.text("ID").right(54).left(48);
+        EXPECT_EQ(failureOf([&] { session().call("GetItemFromID", {tail}); }), failures::notFound);
+    }
+}
+
+TEST_F(MailTest, TheAddressBookLeadsToFoldersAndContacts) {
+    const Handle made = contact("Bo Other", "bo@example.org");
+    const Handle shared = publicFolder("Customers").of("Folders").of("Add", {"People", 10});
+    const Handle lists = session().of("AddressLists");
+    ASSERT_EQ(lists.number("Count"), 2);
+    const Handle list = lists.of("Item", {1});
+    EXPECT_TRUE(session().of("GetFolderFromID", {list.text("ID").right(48)}) == folder(10));
+    EXPECT_TRUE(session().of("GetFolderFromID", {lists.of("Item", {"People"}).text("ID").right(48)}) == shared);
+    const Handle entry = list.of("AddressEntries").of("Item", {"Bo Other"});
+    EXPECT_EQ(entry.text("Address"), "bo@example.org");
+    const QString contactId = entry.text("ID").right(54).left(48);
+    EXPECT_EQ(contactId, made.text("EntryID"));
+    EXPECT_EQ(session().of("GetItemFromID", {contactId}).text("FullName"), "Bo Other");
+}
+
+TEST_F(MailTest, RecipientsAreResolved) {
+    static_cast<void>(contact("Bo Other", "bo@example.org"));
+    const struct {
+        QString given, name, address;
+    } cases[] = {{"Alma Tester", "Alma Tester", "alma.tester@localhost"},
+                 {"bo other", "Bo Other", "bo@example.org"},
+                 {"bo@example.org", "Bo Other", "bo@example.org"},
+                 {"Cleo <cleo@example.org>", "Cleo", "cleo@example.org"},
+                 {"Nobody", "Nobody", ""}};
+    for (const auto &each : cases) {
+        const Handle recipient = session().of("CreateRecipient", {each.given});
+        EXPECT_EQ(recipient.text("Name"), each.name);
+        EXPECT_EQ(recipient.text("Address"), each.address) << each.given.toStdString();
+        EXPECT_EQ(toBool(recipient.call("Resolve")), !each.address.isEmpty()) << each.given.toStdString();
+    }
+}
+
+} // namespace
