@@ -1,0 +1,138 @@
+// The commands of orvelle-desk, without a running desk.
+
+#include "program.h"
+
+#include <QCryptographicHash>
+
+namespace {
+
+using CommandsTest = DeskProgramTest;
+
+TEST_F(CommandsTest, WrongUsageIsTwo) {
+    const QList<QStringList> cases{{"nonsense"},
+                                   {"folder"},
+                                   {"folder", "remove", "x"},
+                                   {"folder", "add"},
+                                   {"folder", "add", "a", "b"},
+                                   {"list"},
+                                   {"list", "a", "b"},
+                                   {"show"},
+                                   {"deliver"},
+                                   {"folders", "extra"},
+                                   {"list", "a", "--open", "b"},
+                                   {"--unknown"},
+                                   {"list", "a", "--columns"}};
+    for (const QStringList &arguments : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(outcome.out.isEmpty());
+        EXPECT_TRUE(outcome.error.contains("--help")) << outcome.error.toStdString();
+    }
+    EXPECT_FALSE(QDir(profile()).exists());
+    const Outcome help = run({"deliver", "--help"});
+    EXPECT_EQ(help.status, 0);
+    for (const char *word : {"deliver", "folder add", "folders", "list", "show", "--profile", "--public", "--open"})
+        EXPECT_TRUE(help.out.contains(word)) << word;
+}
+
+TEST_F(CommandsTest, WhatCannotBeDoneIsOne) {
+    written("blocked", "a file, no folder");
+    const QList<QStringList> cases{{"list", "\\\\Nowhere"},
+                                   {"list", inboxPath + "\\Missing"},
+                                   {"show", "0123"},
+                                   {"show", QString(48, u'0')},
+                                   {"deliver", file("missing.eml")},
+                                   {"folder", "add", "\\\\Nowhere\\New"},
+                                   {"deliver", "--folder", "\\\\Nowhere", file("blocked")},
+                                   {"folders", "--profile", file("blocked/below")}};
+    for (const QStringList &arguments : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 1) << arguments.join(u' ').toStdString();
+        EXPECT_FALSE(outcome.error.isEmpty());
+    }
+}
+
+TEST_F(CommandsTest, FoldersAreMadeWithWhatIsMissingAbove) {
+    const QString path = "\\\\Public Folders\\Support\\First line";
+    EXPECT_EQ(json({"folder", "add", path, "--home-page", "file:/x/Page.htm"}).object()["path"].toString(), path);
+    EXPECT_EQ(run({"folder", "add", "/Public Folders/Support/First line/Deep"}).status, 0);
+    QStringList paths;
+    const QJsonArray folders = json({"folders"}).array();
+    for (const QJsonValue folder : folders) {
+        paths.append(folder["path"].toString());
+        if (paths.last() == path) {
+            EXPECT_EQ(folder["homePage"].toString(), "file:/x/Page.htm");
+            EXPECT_TRUE(folder["homePageOn"].toBool());
+            EXPECT_EQ(folder["entryId"].toString().size(), 48);
+        }
+    }
+    for (const QString &expected : {QStringLiteral("\\\\Mailbox - Alma Tester"), inboxPath, path, path + "\\Deep"})
+        EXPECT_TRUE(paths.contains(expected)) << expected.toStdString();
+    EXPECT_EQ(paths.removeDuplicates(), 0);
+}
+
+TEST_F(CommandsTest, DeliveredMailIsListedAndShown) {
+    const QByteArray data = "a,b\r\n1,2\r\n";
+    const QString mail = written("one.eml", "From: Bo <bo@example.org>\r\nSubject: =?utf-8?q?Dr=C3=BCcker?=\r\n"
+                                            "Content-Type: multipart/mixed; boundary=x\r\n\r\n"
+                                            "--x\r\n\r\nText\x1b[31m\r\n"
+                                            "--x\r\nContent-Type: text/csv\r\nContent-Transfer-Encoding: base64\r\n"
+                                            "Content-Disposition: attachment; filename=\"list.csv\"\r\n\r\n" +
+                                                data.toBase64() + "\r\n--x--\r\n");
+    written("many/b.eml", "Subject: second\r\n\r\nx\r\n");
+    written("many/a.eml", "Subject: first\r\n\r\nx\r\n");
+    const QString box = written("box", "From x Mon Nov 16 09:00:00 2026\nSubject: boxed\n\nx\n");
+    const QString junk = written("junk.eml", QByteArray("\0\xff\xfe no message", 14));
+    const QJsonObject report = json({"deliver", mail, file("many"), box, junk}).object();
+    EXPECT_EQ(report["folder"].toString(), inboxPath);
+    EXPECT_EQ(report["delivered"].toArray().size(), 5);
+    EXPECT_EQ(count(inboxPath), 5);
+
+    const QJsonArray list = json({"list", inboxPath}).array();
+    QStringList subjects;
+    for (const QJsonValue item : list)
+        subjects.append(item["subject"].toString());
+    EXPECT_EQ(subjects.mid(0, 4), (QStringList{"Drücker", "first", "second", "boxed"}));
+    const QJsonObject first = list.first().toObject();
+    EXPECT_EQ(first["senderName"].toString(), "Bo");
+    EXPECT_EQ(first["attachments"].toInt(), 1);
+    EXPECT_TRUE(first["unread"].toBool());
+    EXPECT_EQ(first["messageClass"].toString(), "IPM.Note");
+
+    const QJsonObject shown = json({"show", first["entryId"].toString()}).object();
+    EXPECT_EQ(shown["folder"].toString(), inboxPath);
+    EXPECT_EQ(shown["fields"]["Subject"].toString(), "Drücker");
+    EXPECT_TRUE(shown["body"].toString().contains("Text"));
+    const QJsonObject attachment = shown["attachments"][0].toObject();
+    EXPECT_EQ(attachment["displayName"].toString(), "list.csv");
+    EXPECT_EQ(attachment["size"].toInt(), data.size());
+    EXPECT_EQ(attachment["sha256"].toString().toLatin1(),
+              QCryptographicHash::hash(data, QCryptographicHash::Sha256).toHex());
+
+    const Outcome text = run({"show", first["entryId"].toString()});
+    EXPECT_TRUE(text.out.contains("Drücker"));
+    EXPECT_FALSE(text.out.contains('\x1b')) << "a mail does not command the terminal";
+    const Outcome table = run({"list", inboxPath, "--columns", "Subject,Sender Name,Attachments"});
+    EXPECT_TRUE(table.out.split('\n').value(1).startsWith("Drücker")) << table.out.toStdString();
+    EXPECT_TRUE(run({"folders", "--mail"}).out.contains("second"));
+}
+
+TEST_F(CommandsTest, OneMissingFileDoesNotHoldUpTheRest) {
+    const QString good = written("good.eml", "Subject: good\r\n\r\nx\r\n");
+    const Outcome outcome = run({"deliver", file("missing.eml"), good, "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.json().object()["delivered"].toArray().size(), 1);
+    EXPECT_EQ(outcome.json().object()["errors"].toArray().size(), 1);
+    EXPECT_EQ(count(inboxPath), 1);
+}
+
+TEST_F(CommandsTest, ProfilesShareAPublicStore) {
+    const QString shared = file("shared.store");
+    EXPECT_EQ(run({"folder", "add", "\\\\Public Folders\\Ours", "--public", shared}).status, 0);
+    EXPECT_TRUE(run({"folders"}).out.contains("Ours")) << "the profile remembers its public store";
+    const Outcome other = run({"folders", "--profile", file("other"), "--user", "Bo Other", "--public", shared});
+    EXPECT_TRUE(other.out.contains("\\\\Mailbox - Bo Other"));
+    EXPECT_TRUE(other.out.contains("\\\\Public Folders\\Ours"));
+}
+
+} // namespace

@@ -1,0 +1,183 @@
+// A running desk, with programs connected to it and commands beside it.
+
+#include "program.h"
+
+namespace {
+
+class RunningTest : public DeskProgramTest {
+  protected:
+    /// A page beside a program that leaves its environment in a file.
+    QString pageWithProgram(const QByteArray &name) const {
+        const QString script =
+            written("page/note", "#!/bin/sh\nprintf '%s\\n' \"$ORVELLE_PROFILE\" >>\"$0.started\"\n");
+        QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        return "file:" + written("page/Page.htm", "<html><head><!-- <meta name=\"start-program\" content=\"other\"> -->"
+                                                  "<meta name=\"start-program\" content=\"" +
+                                                      name + "\"></head></html>");
+    }
+    [[nodiscard]] qsizetype starts() const { return contentOf(file("page/note.started")).count('\n'); }
+};
+
+TEST_F(RunningTest, ADeliveryBesideTheDeskIsToldToItsClients) {
+    startDesk();
+    const auto client = connect();
+    const auto session = client->root()->call("GetNamespace", {"MAPI"}).object();
+    const auto inbox = session->call("GetDefaultFolder", {6}).object();
+    const auto items = inbox->get("Items").object();
+    QStringList subjects;
+    const auto watch = items->connect("ItemAdd", [&](ValueList &arguments) {
+        const auto item = arguments[0].object();
+        subjects.append(toText(item->get("Subject")));
+        item->put("BillingInformation", "seen");
+        item->call("Save", {});
+    });
+    const QString mail = written("one.eml", "Subject: one\r\n\r\nx\r\n");
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(run({"deliver", mail}).status, 0);
+    EXPECT_TRUE(comes([&] { return subjects.size() >= 3; }));
+    EXPECT_EQ(subjects, (QStringList{"one", "one", "one"}));
+    const QJsonArray list = json({"list", inboxPath}).array();
+    for (const QJsonValue item : list)
+        EXPECT_EQ(item["billingInformation"].toString(), "seen");
+}
+
+TEST_F(RunningTest, ItEndsInOrderAndTellsItsClients) {
+    startDesk();
+    bool isGone = false;
+    const auto client = connect([&] { isGone = true; });
+    bool isTold = false;
+    const auto quit = client->root()->connect("Quit", [&](ValueList &) { isTold = true; });
+    m_desk.terminate();
+    EXPECT_TRUE(comes([&] { return isGone; }));
+    EXPECT_TRUE(isTold);
+    EXPECT_TRUE(m_desk.waitForFinished(30'000));
+    EXPECT_EQ(m_desk.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(m_desk.exitCode(), 0);
+    startDesk();
+    EXPECT_EQ(endDesk(), 0);
+}
+
+TEST_F(RunningTest, AClientMayEndIt) {
+    startDesk();
+    const auto client = connect();
+    client->root()->call("Quit", {});
+    EXPECT_TRUE(comes([&] { return m_desk.waitForFinished(0) || m_desk.state() == QProcess::NotRunning; }));
+    EXPECT_EQ(m_desk.exitCode(), 0);
+}
+
+TEST_F(RunningTest, ThereIsOneDeskOnAProfile) {
+    startDesk();
+    const Outcome second = run({});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_FALSE(second.error.isEmpty());
+    EXPECT_EQ(endDesk(), 0);
+}
+
+TEST_F(RunningTest, AKilledDeskLeavesNothingInTheWay) {
+    startDesk();
+    m_desk.kill();
+    m_desk.waitForFinished();
+    startDesk();
+    EXPECT_NE(connect(), nullptr);
+    EXPECT_EQ(endDesk(), 0);
+}
+
+TEST_F(RunningTest, ABarGoesWithItsClient) {
+    startDesk();
+    const auto stays = connect();
+    const auto explorer = [&] { return stays->root()->call("ActiveExplorer", {}).object(); };
+    const auto bars = [&] { return toInt32(explorer()->get("CommandBars").object()->get("Count")); };
+    explorer()->get("CommandBars").object()->call("Add", {"Stays"});
+    auto goes = connect();
+    goes->root()->call("ActiveExplorer", {}).object()->get("CommandBars").object()->call("Add", {"Goes"});
+    EXPECT_EQ(bars(), 2);
+    goes.reset();
+    EXPECT_TRUE(comes([&] { return bars() == 1; }));
+    EXPECT_EQ(toText(explorer()->get("CommandBars").object()->call("Item", {1}).object()->get("Name")), "Stays");
+}
+
+TEST_F(RunningTest, TheFolderShownIsRemembered) {
+    EXPECT_EQ(run({"folder", "add", "\\\\Public Folders\\Ours"}).status, 0);
+    for (const QStringList &arguments : {QStringList{"--open", "\\\\Public Folders\\Ours"}, QStringList{}}) {
+        startDesk(arguments);
+        const auto client = connect();
+        const auto explorer = client->root()->call("ActiveExplorer", {}).object();
+        EXPECT_EQ(toText(explorer->get("CurrentFolder").object()->get("Name")), "Ours");
+        EXPECT_EQ(endDesk(), 0);
+    }
+    EXPECT_EQ(run({"--open", "\\\\Nowhere"}).status, 1);
+}
+
+TEST_F(RunningTest, AHomePageStartsItsProgramAtEachShowing) {
+    const QString folder = "\\\\Public Folders\\Ours";
+    EXPECT_EQ(run({"folder", "add", folder, "--home-page", pageWithProgram("note")}).status, 0);
+    startDesk({"--open", folder});
+    EXPECT_TRUE(comes([&] { return starts() == 1; }));
+    EXPECT_EQ(contentOf(file("page/note.started")).trimmed(), profile().toUtf8());
+    const auto client = connect();
+    const auto explorer = client->root()->call("ActiveExplorer", {}).object();
+    const Value shown = explorer->get("CurrentFolder");
+    explorer->call("Activate", {});
+    explorer->put("CurrentFolder", shown.object()->get("Parent"));
+    explorer->put("CurrentFolder", shown);
+    EXPECT_TRUE(comes([&] { return starts() == 2; }));
+    shown.object()->put("WebViewOn", false);
+    explorer->put("CurrentFolder", shown.object()->get("Parent"));
+    explorer->put("CurrentFolder", shown);
+    EXPECT_EQ(endDesk(), 0);
+    EXPECT_EQ(starts(), 2);
+}
+
+TEST_F(RunningTest, AHomePageStartsNothingOutsideItsFolder) {
+    for (const QByteArray &name : {QByteArray("../note"), QByteArray("/bin/true"), QByteArray("sub/note"),
+                                   QByteArray("Page.htm"), QByteArray("note; touch x"), QByteArray("")}) {
+        const QString page = pageWithProgram(name);
+        EXPECT_EQ(run({"folder", "add", "\\\\Public Folders\\Ours", "--home-page", page}).status, 0);
+        startDesk({"--open", "\\\\Public Folders\\Ours"});
+        EXPECT_EQ(endDesk(), 0);
+        EXPECT_EQ(starts(), 0) << name.toStdString();
+        EXPECT_EQ(QDir(file("page")).entryList(QDir::Files).size(), 2) << name.toStdString();
+    }
+}
+
+TEST_F(RunningTest, SubmittedMailLeavesByItself) {
+    startDesk();
+    const auto client = connect();
+    const auto mail = client->root()->call("CreateItem", {0}).object();
+    mail->put("Subject", "Out");
+    mail->put("To", "bo@example.org");
+    mail->call("Send", {});
+    const auto outgoing = [&] { return QDir(profile() + "/outgoing").entryList({"*.eml"}, QDir::Files).size(); };
+    EXPECT_TRUE(comes([&] { return outgoing() == 1; }));
+    EXPECT_TRUE(comes([&] { return count("\\\\Mailbox - Alma Tester\\Sent Items") == 1; }));
+    EXPECT_EQ(count("\\\\Mailbox - Alma Tester\\Outbox"), 0);
+}
+
+/// Deliveries are killed at any moment: each message is there whole or not at all, and the next delivery works.
+TEST_F(RunningTest, AKillInTheMiddleOfADeliveryLeavesNoHalfItem) {
+    QByteArray box;
+    for (int i = 0; i < 200; ++i)
+        box += "From x Mon Nov 16 09:00:00 2026\nSubject: number " + QByteArray::number(i) +
+               "\nContent-Type: multipart/mixed; boundary=x\n\n--x\n\nText\n--x\nContent-Type: text/csv\n"
+               "Content-Disposition: attachment; filename=a.csv\n\n1,2\n--x--\n\n";
+    const QString path = written("box", box);
+    qsizetype before = 0;
+    for (int round = 0; round < 5; ++round) {
+        QProcess delivery;
+        delivery.start(QStringLiteral(DESK_PROGRAM), withProfile({"deliver", path}));
+        ASSERT_TRUE(delivery.waitForStarted());
+        const QDeadlineTimer deadline(10'000);
+        // Until some have arrived, so that the kill meets the delivery at work.
+        while (count(inboxPath) <= before && delivery.state() == QProcess::Running && !deadline.hasExpired())
+            QCoreApplication::processEvents();
+        delivery.kill();
+        delivery.waitForFinished();
+        const QJsonArray list = json({"list", inboxPath}).array();
+        before = list.size();
+        for (const QJsonValue item : list)
+            EXPECT_EQ(item["attachments"].toInt(), 1);
+    }
+    EXPECT_GT(before, 0);
+}
+
+} // namespace
