@@ -1,0 +1,143 @@
+// The ticket run: every way from the selected or open mail to its ticket.
+
+#include "core/phrases.h"
+#include "core/process.h"
+#include "support/helpdesk.h"
+
+#include <QFile>
+
+namespace {
+
+class TicketRun : public support::Helpdesk {
+  protected:
+    void SetUp() override {
+        // A full run leaves the reference to the ticket folder in the registry.
+        start().run.quit();
+        withDatabase([this] {
+            m_openNow = LNGTICKETCREATEDOPENNOW;
+            m_moved = LNGEMAILMOVEDTORECIEVEDSF;
+        });
+        explorer().CurrentFolder(intake());
+    }
+    void select(qint32 index) { explorer().call("AddToSelection", {intake().Items().Item(index)}); }
+    support::Copy &startExpecting(const QString &question, window::Answer answer) {
+        auto &copy = newCopy("Ticket");
+        copy.answers.expect(question, answer);
+        copy.run.start();
+        return copy;
+    }
+
+    QString m_openNow;
+    QString m_moved;
+};
+
+TEST_F(TicketRun, MakesATicketOfTheOneSelectedMailAndEnds) {
+    deliver({.subject = "selected"});
+    select(1);
+    auto &copy = startExpecting(m_openNow, window::No);
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(copy.run.exitStatus(), 0);
+    EXPECT_EQ(subjects(tickets()), QStringList{"selected"});
+    EXPECT_EQ(subjects(intake()), QStringList{"selected"}) << "the mail stays where it is";
+    EXPECT_EQ(intake().Items().Item(1).BillingInformation(), "1");
+}
+
+TEST_F(TicketRun, DoesNothingWithNoneOrTwoSelected) {
+    deliver({.subject = "one"});
+    deliver({.subject = "two"});
+    EXPECT_FALSE(start("Ticket").run.alive());
+    select(1);
+    select(2);
+    EXPECT_FALSE(start("Ticket").run.alive());
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+}
+
+TEST_F(TicketRun, TakesTheMailOfTheWindowInFront) {
+    deliver({.subject = "open"});
+    intake().Items().Item(1).Display();
+    ASSERT_EQ(app().ActiveWindow().typeName(), "Inspector");
+    startExpecting(m_openNow, window::No);
+    EXPECT_EQ(subjects(tickets()), QStringList{"open"});
+}
+
+TEST_F(TicketRun, OnYesOpensTheTicketBesideAnExplorerOnTheFolder) {
+    deliver({.subject = "selected"});
+    select(1);
+    const host::Explorer onTickets = app().Explorers().Add(tickets(), 0);
+    onTickets.Display();
+    explorer().Activate();
+    auto &copy = startExpecting(m_openNow, window::Yes);
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(app().Explorers().Count(), 2);
+    ASSERT_EQ(app().Inspectors().Count(), 1);
+    EXPECT_EQ(property(app().Inspectors().Item(1).CurrentItem(), "Ticket ID"), "1");
+}
+
+TEST_F(TicketRun, OnYesWithoutOneItOpensOneAttachesAndStays) {
+    deliver({.subject = "selected"});
+    select(1);
+    auto &copy = startExpecting(m_openNow, window::Yes);
+    EXPECT_TRUE(copy.run.alive());
+    ASSERT_EQ(app().Explorers().Count(), 2);
+    const host::Explorer opened = app().Explorers().Item(2);
+    EXPECT_TRUE(opened.CurrentFolder() == tickets());
+    EXPECT_EQ(opened.CommandBars().Count(), 1);
+    EXPECT_EQ(app().Inspectors().Count(), 1);
+    opened.Close();
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(copy.ends, 1);
+}
+
+TEST_F(TicketRun, WithSubFoldersAReplyIsFiledAndItsWindowClosed) {
+    setSetting("EmailSubFolders", "1");
+    deliver({.subject = "Re: {9}"});
+    intake().Items().Item(1).Display();
+    startExpecting(m_moved, window::No);
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+    EXPECT_TRUE(subjects(intake()).isEmpty());
+    EXPECT_EQ(subjects(tickets().Folders("9").Folders("Received")), QStringList{"Re: {9}"});
+    EXPECT_EQ(app().Inspectors().Count(), 0);
+}
+
+TEST_F(TicketRun, WithSubFoldersANewTicketKeepsACopyOfTheMail) {
+    setSetting("EmailSubFolders", "1");
+    deliver({.subject = "new"});
+    select(1);
+    startExpecting(m_openNow, window::No);
+    EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), QStringList{"new"});
+    EXPECT_EQ(subjects(intake()), QStringList{"new"});
+}
+
+TEST_F(TicketRun, WithoutSubFoldersBracesMeanNothing) {
+    deliver({.subject = "Re: {9}"});
+    select(1);
+    startExpecting(m_openNow, window::No);
+    EXPECT_EQ(subjects(tickets()), QStringList{"Re: {9}"});
+}
+
+TEST_F(TicketRun, WithoutADatabaseItEndsWithoutAWord) {
+    QFile::remove(path("program/Orvelle.mdb"));
+    deliver({});
+    select(1);
+    auto &copy = start("Ticket");
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(copy.run.exitStatus(), 0);
+    EXPECT_TRUE(subjects(tickets()).isEmpty());
+}
+
+TEST_F(TicketRun, DoesNotLookForOtherInstances) {
+    shareInstanceFile();
+    explorer().CurrentFolder(tickets());
+    auto &monitor = start();
+    const host::Explorer other = app().Explorers().Add(intake(), 0);
+    other.Display();
+    const host::MAPIFolder elsewhere = mailbox().Folders().Add("Elsewhere", 6);
+    deliver({.subject = "elsewhere"}, elsewhere);
+    other.CurrentFolder(elsewhere);
+    other.call("AddToSelection", {elsewhere.Items().Item(1)});
+    startExpecting(m_openNow, window::No);
+    EXPECT_EQ(subjects(tickets()), QStringList{"elsewhere"});
+    EXPECT_TRUE(monitor.run.alive());
+}
+
+} // namespace
