@@ -170,11 +170,9 @@ void Channel::receive() {
             m_in.filled(static_cast<std::size_t>(count));
             ++m_heard;
             m_suspended = false;
-        } else if (count == 0) {
-            m_peerEnded = true;
-        } else if (errno == EINTR) {
+        } else if (count < 0 && errno == EINTR) {
             continue;
-        } else if (errno != EAGAIN && errno != EWOULDBLOCK) {
+        } else if (count == 0 || (errno != EAGAIN && errno != EWOULDBLOCK)) {
             m_peerEnded = true;
         }
         return;
@@ -221,7 +219,7 @@ void Channel::serve(Frame frame) {
         break;
     case FrameKind::Disconnect:
     case FrameKind::Release:
-        take(frame);
+        note(frame);
         break;
     case FrameKind::Ping:
         post({.kind = FrameKind::Pong});

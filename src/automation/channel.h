@@ -71,7 +71,7 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
     /// Carries out a request; its answer is what `request` gives on the other end. May fail.
     virtual ValueList carryOut(const wire::Frame &frame) = 0;
     /// Carries out a frame that has no answer.
-    virtual void take(const wire::Frame &frame) = 0;
+    virtual void note(const wire::Frame &frame) = 0;
     /// The connection has ended: by the peer, or by `close`.
     virtual void ended(bool byPeer) = 0;
 

@@ -55,13 +55,13 @@ class ClientConnection final : public Channel {
 
   protected:
     ValueList carryOut(const Frame &frame) override;
-    void take(const Frame &) override {}
+    void note(const Frame &) override {}
     void ended(bool byPeer) override;
 
   private:
     class RemoteSubscription;
     /// Released handles cross with the next request, from the event loop, or when there are so many of them.
-    static constexpr qsizetype batch = 2 * 256;
+    static constexpr qsizetype batch = 256;
 
     void enqueueReleases();
     void sendReleases();
@@ -107,7 +107,7 @@ void ClientConnection::release(Handle handle, qint32 received) {
     if (!isOpen())
         return;
     m_releases << Value(static_cast<qint32>(handle)) << Value(received);
-    if (m_releases.size() >= batch) {
+    if (m_releases.size() / 2 >= batch) {
         sendReleases();
     } else if (!m_releasesArePosted) {
         m_releasesArePosted = true;

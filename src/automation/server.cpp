@@ -31,7 +31,7 @@ class ServerConnection final : public Channel {
 
   protected:
     ValueList carryOut(const Frame &frame) override;
-    void take(const Frame &frame) override;
+    void note(const Frame &frame) override;
     void ended(bool byPeer) override;
 
   private:
@@ -140,7 +140,7 @@ void ServerConnection::raise(quint32 subscription, ValueList &arguments) {
     }
 }
 
-void ServerConnection::take(const Frame &frame) {
+void ServerConnection::note(const Frame &frame) {
     if (frame.kind == FrameKind::Disconnect)
         m_subscriptions.take(frame.target).reset();
     else
