@@ -119,7 +119,11 @@ void Connection::fail(const QSqlError &error) const {
 Connection::Prepared &Connection::prepare(std::string_view sql) {
     if (const auto known = m_prepared.find(sql); known != m_prepared.end())
         return known->second;
-    Prepared prepared{.query = QSqlQuery(m_database), .parameters = parametersOf(sql)};
+    Prepared prepared{.query = QSqlQuery(m_database), .parameters = {}};
+    for (std::string &name : parametersOf(sql)) {
+        QString placeholder = u':' + QString::fromStdString(name);
+        prepared.parameters.push_back({.name = std::move(name), .placeholder = std::move(placeholder)});
+    }
     prepared.query.setForwardOnly(true);
     if (!prepared.query.prepare(QString::fromLatin1(sql.data(), static_cast<qsizetype>(sql.size()))))
         fail(prepared.query.lastError());
@@ -128,9 +132,9 @@ Connection::Prepared &Connection::prepare(std::string_view sql) {
 
 void Connection::execute(Prepared &prepared, Binds binds) {
     for (const Bind &bind : binds) {
-        const auto at = std::ranges::find(prepared.parameters, bind.name);
+        const auto at = std::ranges::find(prepared.parameters, bind.name, &Parameter::name);
         Q_ASSERT(at != prepared.parameters.end());
-        prepared.query.bindValue(static_cast<int>(at - prepared.parameters.begin()), bind.value);
+        prepared.query.bindValue(at->placeholder, bind.value);
     }
     if (!prepared.query.exec()) {
         const QSqlError error = prepared.query.lastError();

@@ -77,9 +77,13 @@ class Connection {
     [[noreturn]] void fail(const QSqlError &error) const;
 
   private:
+    struct Parameter {
+        std::string name;
+        QString placeholder;
+    };
     struct Prepared {
         QSqlQuery query;
-        std::vector<std::string> parameters;
+        std::vector<Parameter> parameters;
     };
     struct TextHash {
         using is_transparent = void;

@@ -10,11 +10,10 @@ struct ItemColumn {
     Field field;
     std::string_view name;
     std::variant<QString ItemRecord::*, qint32 ItemRecord::*, bool ItemRecord::*, DateTime ItemRecord::*> member;
-    /// Whether there is a folded key beside it (`<name>_key`) and an index on folder, key and arrival.
-    bool indexed = false;
+    /// The column of the folded key that stands beside an indexed field; there is an index on folder, key and arrival.
+    std::string_view keyName;
 
-    [[nodiscard]] bool isText() const { return member.index() == 0; }
-    [[nodiscard]] std::string keyName() const { return std::string(name) + "_key"; }
+    [[nodiscard]] bool isIndexed() const { return !keyName.empty(); }
 };
 
 /// In the order of the fields.

@@ -11,11 +11,15 @@ namespace desk {
 
 namespace {
 
-qint64 bytesOf(const QString &text) { return text.toUtf8().size(); }
-
-qint64 bytesOf(const std::optional<Bodies> &bodies) {
-    return bodies ? bytesOf(bodies->plain) + bytesOf(bodies->html) : 0;
+/// As UTF-8.
+qint64 bytesOf(const QString &text) {
+    qint64 bytes = 0;
+    for (const QChar unit : text)
+        bytes += unit < QChar(0x80) ? 1 : unit < QChar(0x800) || unit.isSurrogate() ? 2 : 3;
+    return bytes;
 }
+
+qint64 bytesOf(const Bodies &bodies) { return bytesOf(bodies.plain) + bytesOf(bodies.html); }
 
 void putBodies(Connection &connection, ItemId item, const Bodies &bodies) {
     connection.run(sql::putBodies,
@@ -174,7 +178,7 @@ quint32 changedKeys(Connection &connection, const ItemRecord &fields) {
     connection.each(sql::itemKeys(), {{"id", fields.id}}, [&](const Row &row) {
         int at = 0;
         for (const ItemColumn &column : itemColumns())
-            if (column.indexed) {
+            if (column.isIndexed()) {
                 if (row.text(at) != keyOf(fieldOf(fields, column)))
                     changed |= quint32{1} << at;
                 ++at;
@@ -224,26 +228,32 @@ QList<Property> normalized(const QList<Property> &properties) {
     return result;
 }
 
-void insertItem(Connection &connection, const ItemPlace &place, const ItemRecord &fields, const ItemParts &parts) {
-    qint64 attachmentBytes = 0;
-    const QList<AttachmentRecord> attachments = parts.attachments.value_or(QList<AttachmentRecord>());
-    for (const AttachmentRecord &attachment : attachments)
-        attachmentBytes += attachment.data.size();
+Sizes sizesOf(const ItemParts &parts) {
+    Sizes sizes;
+    sizes.bodies = parts.bodies ? bytesOf(*parts.bodies) : 0;
+    for (const AttachmentRecord &attachment : parts.attachments.value_or(QList<AttachmentRecord>())) {
+        ++sizes.attachmentCount;
+        sizes.attachments += attachment.data.size();
+    }
+    sizes.original = parts.original ? parts.original->size() : 0;
+    return sizes;
+}
 
+Sizes insertItem(Connection &connection, const ItemPlace &place, const ItemRecord &fields, const ItemParts &parts) {
+    const Sizes sizes = sizesOf(parts);
     std::vector<Bind> binds{{"id", place.id},
                             {"folder", storedFolder(place.folder)},
                             {"arrival", place.arrival},
                             {"modified_at", fields.modifiedAt.days},
-                            {"attachment_count", attachments.size()},
-                            {"body_bytes", bytesOf(parts.bodies)},
-                            {"attachment_bytes", attachmentBytes},
-                            {"original_bytes", parts.original ? parts.original->size() : 0}};
-    std::vector<std::string> keyNames;
-    keyNames.reserve(itemColumns().size());
+                            {"attachment_count", sizes.attachmentCount},
+                            {"body_bytes", sizes.bodies},
+                            {"attachment_bytes", sizes.attachments},
+                            {"original_bytes", sizes.original}};
+    binds.reserve(binds.size() + 2 * itemColumns().size());
     for (const ItemColumn &column : itemColumns()) {
         binds.push_back({column.name, storedField(fields, column)});
-        if (column.indexed)
-            binds.push_back({keyNames.emplace_back(column.keyName()), storedKey(fields, column)});
+        if (column.isIndexed())
+            binds.push_back({column.keyName, storedKey(fields, column)});
     }
     connection.run(sql::insertItem(), binds);
 
@@ -255,22 +265,22 @@ void insertItem(Connection &connection, const ItemPlace &place, const ItemRecord
     for (const Property &property : parts.properties.value_or(QList<Property>()))
         putProperty(connection, place, foldedKey(property.name), property, position++);
     position = 0;
-    for (const AttachmentRecord &attachment : attachments)
+    for (const AttachmentRecord &attachment : parts.attachments.value_or(QList<AttachmentRecord>()))
         addAttachment(connection, place.id, attachment, position++);
+    return sizes;
 }
 
 void updateItem(Connection &connection, const ItemRecord &fields, const ItemParts &parts) {
     const quint32 changed = changedKeys(connection, fields);
     std::vector<Bind> binds{{"modified_at", fields.modifiedAt.days}};
-    std::vector<std::string> keyNames;
-    keyNames.reserve(itemColumns().size());
+    binds.reserve(2 * itemColumns().size());
     quint32 bit = 1;
     for (const ItemColumn &column : itemColumns()) {
         binds.push_back({column.name, storedField(fields, column)});
-        if (!column.indexed)
+        if (!column.isIndexed())
             continue;
         if ((changed & bit) != 0)
-            binds.push_back({keyNames.emplace_back(column.keyName()), storedKey(fields, column)});
+            binds.push_back({column.keyName, storedKey(fields, column)});
         bit <<= 1;
     }
     binds.push_back({"id", fields.id});
@@ -278,7 +288,7 @@ void updateItem(Connection &connection, const ItemRecord &fields, const ItemPart
 
     if (parts.bodies && *parts.bodies != readBodies(connection, fields.id)) {
         putBodies(connection, fields.id, *parts.bodies);
-        connection.run(sql::setBodyBytes, {{"bytes", bytesOf(parts.bodies)}, {"item", fields.id}});
+        connection.run(sql::setBodyBytes, {{"bytes", bytesOf(*parts.bodies)}, {"item", fields.id}});
     }
     if (parts.original && *parts.original != readOriginal(connection, fields.id)) {
         putOriginal(connection, fields.id, *parts.original);

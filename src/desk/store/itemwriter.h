@@ -21,8 +21,19 @@ qint64 takeNumbers(Connection &connection, qint64 count = 1);
 /// `typeMismatch` for a value that is nothing of the kind, `invalidCall` for two properties of one name.
 QList<Property> normalized(const QList<Property> &properties);
 
+/// What the parts of a new item weigh, in bytes.
+struct Sizes {
+    qint32 attachmentCount = 0;
+    qint64 bodies = 0;
+    qint64 attachments = 0;
+    qint64 original = 0;
+
+    /// The size that the item shows (see `ItemRecord::size`).
+    [[nodiscard]] qint64 shown() const { return std::max(original, bodies + attachments); }
+};
+
 /// REQUIRES: properties normalized; attachments are all new.
-void insertItem(Connection &connection, const ItemPlace &place, const ItemRecord &fields, const ItemParts &parts);
+Sizes insertItem(Connection &connection, const ItemPlace &place, const ItemRecord &fields, const ItemParts &parts);
 
 /// Writes the fields and the given parts over what stands. REQUIRES: the item stands; properties normalized.
 void updateItem(Connection &connection, const ItemRecord &fields, const ItemParts &parts);

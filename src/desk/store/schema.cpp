@@ -58,16 +58,17 @@ std::string itemsTable() {
     for (const ItemColumn &column : itemColumns()) {
         static constexpr const char *kinds[] = {" TEXT", " INTEGER", " INTEGER", " REAL"};
         sql.append(", ").append(column.name).append(kinds[column.member.index()]).append(" NOT NULL");
-        if (column.indexed)
-            sql.append(", ").append(column.keyName()).append(" TEXT NOT NULL");
+        if (column.isIndexed())
+            sql.append(", ").append(column.keyName).append(" TEXT NOT NULL");
     }
     return sql + ")";
 }
 
 /// Empty values are left out: most items have none of a field, and an index of them would cost every save a page.
 std::string itemsIndex(const ItemColumn &column) {
-    return "CREATE INDEX items_by_" + std::string(column.name) + " ON items (folder, " + column.keyName() +
-           ", arrival) WHERE " + column.keyName() + " <> ''";
+    const std::string key(column.keyName);
+    return "CREATE INDEX items_by_" + std::string(column.name) + " ON items (folder, " + key + ", arrival) WHERE " +
+           key + " <> ''";
 }
 
 QByteArray randomTag() {
@@ -83,7 +84,7 @@ void createTables(Connection &connection, const QString &rootName) {
         connection.once(QString::fromLatin1(table));
     connection.once(QStringLiteral("CREATE INDEX items_by_arrival ON items (folder, arrival)"));
     for (const ItemColumn &column : itemColumns())
-        if (column.indexed)
+        if (column.isIndexed())
             connection.once(QString::fromStdString(itemsIndex(column)));
     connection.run("INSERT INTO store (tag, sequence) VALUES (:tag, 1)", {{"tag", randomTag()}});
     connection.run("INSERT INTO folders (id, parent, name, item_type, home_page, home_page_on, special)"

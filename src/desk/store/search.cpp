@@ -76,8 +76,8 @@ void Search::add(const Condition &condition) {
         return;
     }
     const ItemColumn &column = itemColumn(std::get<Field>(condition.subject));
-    if (column.indexed) {
-        m_clauses.push_back({.name = column.keyName(),
+    if (column.isIndexed()) {
+        m_clauses.push_back({.name = std::string(column.keyName),
                              .nameKey = {},
                              .key = storedKey,
                              .isProperty = false,

@@ -9,8 +9,8 @@ template <class Each>
 void forEachWritten(Each each) {
     for (const ItemColumn &column : itemColumns()) {
         each(std::string(column.name));
-        if (column.indexed)
-            each(column.keyName());
+        if (column.isIndexed())
+            each(std::string(column.keyName));
     }
 }
 
@@ -39,8 +39,8 @@ const std::string &itemKeys() {
     static const std::string text = [] {
         std::string names;
         for (const ItemColumn &column : itemColumns())
-            if (column.indexed)
-                names.append(names.empty() ? "" : ", ").append(column.keyName());
+            if (column.isIndexed())
+                names.append(names.empty() ? "" : ", ").append(column.keyName);
         return "SELECT " + names + " FROM items WHERE id = :id";
     }();
     return text;
@@ -68,10 +68,10 @@ std::string updateItem(quint32 changedKeys) {
         const auto set = [&text](const std::string &name) { text.append(", " + name + " = :" + name); };
         // The text is written even where its key is the same: the case of a letter may have changed.
         set(std::string(column.name));
-        if (!column.indexed)
+        if (!column.isIndexed())
             continue;
         if ((changedKeys & bit) != 0)
-            set(column.keyName());
+            set(std::string(column.keyName));
         bit <<= 1;
     }
     return text + " WHERE id = :id";

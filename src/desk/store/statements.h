@@ -9,6 +9,8 @@ namespace desk::sql {
 
 // --- Numbers
 
+// Two statements where one with a result could do: the engine builds a table in memory for such a result, which takes
+// longer than all the rest of a small save.
 constexpr std::string_view takeNumbers = "UPDATE store SET sequence = sequence + :count";
 constexpr std::string_view lastNumber = "SELECT sequence FROM store";
 

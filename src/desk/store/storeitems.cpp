@@ -85,9 +85,14 @@ ItemRecord Store::insert(FolderId folder, const ItemRecord &fields, const ItemPa
                       QStringLiteral("The folder of the new item no longer exists; choose another folder."));
     record.id = takeNumbers(*m_connection);
     record.entryId = EntryId{.kind = EntryId::Kind::Item, .storeTag = m_tag, .number = record.id}.toText();
-    insertItem(*m_connection, {.id = record.id, .folder = folder, .arrival = record.id}, record, kept);
-    readStanding(*m_connection, folder, record);
+    const Sizes sizes =
+        insertItem(*m_connection, {.id = record.id, .folder = folder, .arrival = record.id}, record, kept);
     transaction.commit();
+    record.folder = folder;
+    record.version = 1;
+    record.arrival = record.id;
+    record.attachmentCount = sizes.attachmentCount;
+    record.size = sizes.shown();
     m_order->added();
     return record;
 }
@@ -105,7 +110,9 @@ ItemRecord Store::save(const ItemRecord &fields, const ItemParts &parts) {
     if (record.version != fields.version)
         throw itemChanged();
     updateItem(*m_connection, record, kept);
-    readStanding(*m_connection, fields.folder, record);
+    ++record.version;
+    if (kept.bodies || kept.attachments || kept.original)
+        readStanding(*m_connection, fields.folder, record);
     transaction.commit();
     return record;
 }
