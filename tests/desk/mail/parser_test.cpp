@@ -1,0 +1,276 @@
+// Bodies and attachments, of well-formed messages and of what is left of others.
+#include "desk/mail/parser.h"
+#include "print.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+
+using namespace desk;
+
+namespace {
+
+/// Lines with LF, as they are easier to write here, as a message with CR LF.
+Message parseLines(const QByteArray &lines) { return parseMessage(QByteArray(lines).replace("\n", "\r\n")); }
+
+QByteArray multipart(const QByteArray &subtype, const QList<QByteArray> &parts, const QByteArray &boundary = "b") {
+    QByteArray text = "Content-Type: multipart/" + subtype + "; boundary=\"" + boundary + "\"\n\n";
+    for (const QByteArray &part : parts)
+        text += "--" + boundary + "\n" + part + "\n";
+    return text + "--" + boundary + "--\n";
+}
+
+const QByteArray plain = "Content-Type: text/plain\n\nplain";
+const QByteArray html = "Content-Type: text/html\n\n<p>html</p>";
+const QByteArray image = "Content-Type: image/png\nContent-ID: <pic@x>\nContent-Transfer-Encoding: base64\n\niVBORw==";
+
+struct BodyCase {
+    const char *name;
+    QByteArray message;
+    QString text;
+    QString html;
+    QStringList attachments; ///< their types
+};
+
+class Bodies : public testing::TestWithParam<BodyCase> {};
+
+TEST_P(Bodies, AreFound) {
+    const Message message = parseLines(GetParam().message);
+    EXPECT_EQ(message.text, GetParam().text);
+    EXPECT_EQ(message.html, GetParam().html);
+    QStringList types;
+    for (const Attachment &attachment : message.attachments)
+        types += attachment.mimeType;
+    EXPECT_EQ(types, GetParam().attachments);
+}
+
+const BodyCase bodies[] = {
+    {"NoMime", "Subject: x\n\nhello\n", "hello\r\n", "", {}},
+    {"HtmlOnly", html, "", "<p>html</p>", {}},
+    {"Alternative", multipart("alternative", {plain, html}), "plain", "<p>html</p>", {}},
+    {"AlternativeOfOneForm",
+     multipart("mixed", {multipart("alternative", {html}, "c"), plain}),
+     "html\r\nplain",
+     "<p>html</p><div>plain</div>",
+     {}},
+    {"Related", multipart("related", {html, image}), "", "<p>html</p>", {"image/png"}},
+    {"TextInRelatedIsNoBody", multipart("related", {html, plain}), "", "<p>html</p>", {"text/plain"}},
+    {"Footer", multipart("mixed", {plain, image, plain}), "plain\r\nplain", "", {"image/png"}},
+    {"FooterOfHtml", multipart("mixed", {html, plain}), "html\r\nplain", "<p>html</p><div>plain</div>", {}},
+    {"NamedTextIsAttachment",
+     multipart("mixed", {plain, "Content-Type: text/plain; name=log.txt\n\nlog"}),
+     "plain",
+     "",
+     {"text/plain"}},
+    {"NamedTextInFrontIsBody", multipart("mixed", {"Content-Type: text/plain; name=a.txt\n\nbody"}), "body", "", {}},
+    {"MarkedTextIsAttachment",
+     multipart("mixed", {"Content-Type: text/plain\nContent-Disposition: attachment\n\nx", plain}),
+     "plain",
+     "",
+     {"text/plain"}},
+    {"CalendarIsAttachment",
+     multipart("alternative", {plain, "Content-Type: text/calendar\n\nBEGIN"}),
+     "plain",
+     "",
+     {"text/calendar"}},
+    {"Signed",
+     multipart("signed", {plain, "Content-Type: application/pgp-signature\n\nsig"}),
+     "plain",
+     "",
+     {"application/pgp-signature"}},
+    {"QuotedPrintable",
+     "Content-Type: text/plain; charset=iso-8859-1\nContent-Transfer-Encoding: "
+     "quoted-printable\n\nStra=DFe =\nlang=20\n=ZZ\n",
+     "Straße lang \r\n=ZZ\r\n",
+     "",
+     {}},
+    {"Base64", "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: base64\n\nw6QK\n", "ä\r\n", "", {}},
+    {"Uuencode", "Content-Transfer-Encoding: x-uuencode\n\nbegin 644 x\n#86)C\n`\nend\n", "abc", "", {}},
+    {"UnknownEncoding", "Content-Transfer-Encoding: x-none\n\nas it is\n", "as it is\r\n", "", {}},
+    {"MarkedAsBase64AndIsNot",
+     "Content-Transfer-Encoding: base64\n\nDear all, hello!\n",
+     "Dear all, hello!\r\n",
+     "",
+     {}},
+    {"TypeThatIsNone", "Content-Type: text\n\nhello\n", "hello\r\n", "", {}},
+    {"CharsetOfThePage",
+     "Content-Type: text/html\n\n<meta charset=\"windows-1251\">\xCF",
+     "",
+     "<meta charset=\"windows-1251\">П",
+     {}},
+    {"FlowedStaysAsSent", "Content-Type: text/plain; format=flowed\n\none \ntwo\n", "one \r\ntwo\r\n", "", {}},
+    // What is broken.
+    {"Nothing", "", "", "", {}},
+    {"NoHeader", "Dear all,\nhello\n", "Dear all,\r\nhello\r\n", "", {}},
+    {"HeaderBehindEmptyLines", "\n\nSubject: x\n\nhello\n", "hello\r\n", "", {}},
+    {"HeaderBehindPostmark", "From a@b Mon Nov 16 09:00:00 2026\nSubject: x\n\nhello\n", "hello\r\n", "", {}},
+    {"NoEmptyLine", "Subject: x\nhello there\nyou\n", "hello there\r\nyou\r\n", "", {}},
+    {"CutOff", "Content-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: text/plain\n\nhello", "hello", "", {}},
+    {"InnerMultipartWithoutEnd",
+     "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/alternative; boundary=i\n\n--i\n"
+     "Content-Type: text/plain\n\none\n--o\nContent-Type: image/png\n\nx\n--o--\n",
+     "one",
+     "",
+     {"image/png"}},
+    {"NoParts", "Content-Type: multipart/mixed; boundary=b\n\nhello\n", "hello\r\n", "", {}},
+    {"NoBoundary",
+     "Content-Type: multipart/mixed\n\n--b\n\none\n--b\nContent-Type: image/png\n\nx\n--b--\n",
+     "one",
+     "",
+     {"image/png"}},
+    {"BoundaryOfAnother", "Content-Type: multipart/mixed; boundary=q\n\n--b\n\none\n--b--\n", "one", "", {}},
+};
+INSTANTIATE_TEST_SUITE_P(All, Bodies, testing::ValuesIn(bodies), nameOfCase);
+
+TEST(Bodies, LineEndsOfEveryKindBecomeOne) {
+    EXPECT_EQ(parseMessage("Subject: x\n\na\nb\n").text, "a\r\nb\r\n");
+    EXPECT_EQ(parseMessage("Subject: x\r\n\r\na\r\nb\rc\n").text, "a\r\nb\r\nc\r\n");
+    const Message old = parseMessage("Subject: x\r\ra\rb\r");
+    EXPECT_EQ(old.subject, "x");
+    EXPECT_EQ(old.text, "a\r\nb\r\n");
+}
+
+// A line end too many or too few before a boundary would cost or add a character.
+TEST(Bodies, MixedLineEndsCostNoCharacter) {
+    const Message message = parseMessage("Content-Type: multipart/mixed; boundary=b\r\n\r\n"
+                                         "--b\r\n\r\none\n--b\r\n\r\ntwo\r\n--b\n\nthree\n--b--\r\n");
+    EXPECT_EQ(message.text, "one\r\ntwo\r\nthree");
+}
+
+struct NameCase {
+    const char *name;
+    QByteArray header;
+    QString decoded;
+};
+
+class AttachmentNames : public testing::TestWithParam<NameCase> {};
+
+TEST_P(AttachmentNames, AreDecoded) {
+    const Message message = parseLines(multipart("mixed", {plain, GetParam().header + "\n\nx"}));
+    ASSERT_EQ(message.attachments.size(), 1);
+    EXPECT_EQ(message.attachments.first().name, GetParam().decoded);
+}
+
+const NameCase names[] = {
+    {"Plain", "Content-Disposition: attachment; filename=a.txt", "a.txt"},
+    {"Quoted", "Content-Disposition: attachment; filename=\"a b;c.txt\"", "a b;c.txt"},
+    {"FilenameBeforeName", "Content-Type: image/gif; name=b.gif\nContent-Disposition: attachment; filename=a.gif",
+     "a.gif"},
+    {"NameAlone", "Content-Type: image/gif; name=b.gif", "b.gif"},
+    {"Percent", "Content-Disposition: attachment; filename*=utf-8'de'%C3%A4.txt", "ä.txt"},
+    {"PercentInAnotherSet", "Content-Disposition: attachment; filename*=koi8-r''%F0.txt", "П.txt"},
+    {"Pieces", "Content-Disposition: attachment;\n filename*0*=utf-8''%E2%82;\n filename*1*=%AC;\n filename*2=\".txt\"",
+     "€.txt"},
+    {"PiecesOutOfOrder", "Content-Disposition: attachment; filename*1=b.txt; filename*0=a", "ab.txt"},
+    {"EncodedWord", "Content-Disposition: attachment; filename=\"=?iso-8859-1?Q?=E4.txt?=\"", "ä.txt"},
+    {"RawUtf8", "Content-Disposition: attachment; filename=\"\xC3\xA4.txt\"", "ä.txt"},
+    {"RawLatin1", "Content-Disposition: attachment; filename=\"\xE4.txt\"", "ä.txt"},
+    {"Path", "Content-Disposition: attachment; filename=\"../../etc/passwd\"", "../../etc/passwd"},
+    {"None", "Content-Disposition: attachment", ""},
+};
+INSTANTIATE_TEST_SUITE_P(All, AttachmentNames, testing::ValuesIn(names), nameOfCase);
+
+TEST(Attachments, KeepTheirBytesTypesAndOrder) {
+    const Message message = parseLines(multipart("mixed", {plain, image, "Content-Type: APPLICATION/X-OLEobject\n\nole",
+                                                           "Content-Type: application/pdf; name=a.pdf\n\none",
+                                                           "Content-Type: application/pdf; name=a.pdf\n\ntwo"}));
+    ASSERT_EQ(message.attachments.size(), 4);
+    EXPECT_EQ(message.attachments[0].data, "\x89PNG");
+    EXPECT_EQ(message.attachments[0].contentId, "pic@x");
+    EXPECT_TRUE(message.attachments[0].isInline);
+    EXPECT_EQ(message.attachments[1].type, AttachmentType::Ole);
+    EXPECT_EQ(message.attachments[1].mimeType, "application/x-oleobject");
+    EXPECT_FALSE(message.attachments[1].isInline);
+    EXPECT_EQ(message.attachments[2].data, "one");
+    EXPECT_EQ(message.attachments[3].data, "two");
+    EXPECT_EQ(message.attachments[3].name, message.attachments[2].name);
+}
+
+TEST(Attachments, EmbeddedMessagesKeepTheirOwnBytes) {
+    const QByteArray inner = "Subject: inner\n\n" + multipart("mixed", {plain}, "inner");
+    for (const QByteArray &part :
+         {QByteArray("Content-Type: message/rfc822\n\nSubject: inner\n\nhi"),
+          QByteArray("Content-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\nU3ViamVjdDogaW5uZXINCg0KaGk="),
+          QByteArray(
+              "Content-Type: message/rfc822\nContent-Transfer-Encoding: quoted-printable\n\nSubject:=20inner\n\nhi")}) {
+        const Message message = parseLines(multipart("mixed", {plain, part}));
+        ASSERT_EQ(message.attachments.size(), 1);
+        EXPECT_EQ(message.attachments[0].type, AttachmentType::EmbeddedMessage);
+        EXPECT_EQ(message.attachments[0].data, "Subject: inner\r\n\r\nhi");
+    }
+}
+
+TEST(Attachments, AnEmbeddedMessageThatIsNoneIsAFile) {
+    const Message message = parseLines(
+        multipart("mixed", {plain, "Content-Type: message/rfc822; name=broken.eml\n\nnot a message, sorry!"}));
+    ASSERT_EQ(message.attachments.size(), 1);
+    EXPECT_EQ(message.attachments[0].type, AttachmentType::ByValue);
+    EXPECT_EQ(message.attachments[0].data, "not a message, sorry!");
+}
+
+TEST(Attachments, PartsOfADigestAreMessages) {
+    const Message message = parseLines(multipart("digest", {"\nSubject: one\n\n1", "\nSubject: two\n\n2"}));
+    ASSERT_EQ(message.attachments.size(), 2);
+    EXPECT_EQ(message.attachments[1].type, AttachmentType::EmbeddedMessage);
+    EXPECT_EQ(parseMessage(message.attachments[1].data).subject, "two");
+}
+
+// Messages that were made to do harm: they must cost no more than others of their size, and nothing may be lost.
+struct HostileCase {
+    const char *name;
+    std::function<QByteArray()> message;
+};
+
+class Hostile : public testing::TestWithParam<HostileCase> {};
+
+TEST_P(Hostile, CostsNoMoreThanItsSize) {
+    const QByteArray bytes = GetParam().message();
+    QElapsedTimer timer;
+    timer.start();
+    const Message message = parseMessage(bytes);
+    static_cast<void>(message.bodyText());
+    // A quadratic reader needs minutes for these; the bound leaves room for a busy machine and for sanitizers.
+    EXPECT_LT(timer.elapsed(), 30'000);
+    EXPECT_LE(message.attachments.size(), 2001);
+}
+
+QByteArray repeated(const QByteArray &head, const QByteArray &piece, int count) { return head + piece.repeated(count); }
+
+const HostileCase hostile[] = {
+    {"ManyHeaders", [] { return repeated("", "a:\n", 1'000'000); }},
+    {"LongHeader", [] { return repeated("Subject: ", "x y ", 1'000'000) + "\n\nbody"; }},
+    {"OpenEncodedWords", [] { return repeated("Subject: ", "=?utf-8?q?", 300'000) + "\n\nbody"; }},
+    {"OpenQuotes", [] { return repeated("To: ", "\"(<", 300'000) + "\n\nbody"; }},
+    {"OpenComments", [] { return repeated("To: ", "(", 1'000'000) + "\n\nbody"; }},
+    {"ManyGroups", [] { return repeated("To: ", "a:", 500'000) + "\n\nbody"; }},
+    {"ManyParameters", [] { return repeated("Content-Type: text/plain", ";a*0*=x", 100'000) + "\n\nbody"; }},
+    {"ManyParts", [] { return repeated("Content-Type: multipart/mixed; boundary=a\n\n", "--a\n\n\n", 500'000); }},
+    {"DeepNesting",
+     [] {
+         QByteArray text;
+         for (int i = 0; i < 5000; ++i)
+             text += "Content-Type: multipart/mixed; boundary=b" + QByteArray::number(i) + "\n\n--b" +
+                     QByteArray::number(i) + "\n";
+         return text + QByteArray("--x\n").repeated(1'000'000);
+     }},
+    {"LostBoundaries",
+     [] {
+         QByteArray text = "Content-Type: multipart/mixed\n\n";
+         for (int i = 0; i < 2000; ++i)
+             text += "--c" + QByteArray::number(i) + "\nContent-Type: multipart/mixed\n\n";
+         return text + QByteArray(1'000'000, 'x');
+     }},
+    {"OpenTags", [] { return repeated("Content-Type: text/html\n\n", "<a \"<!-", 300'000); }},
+    {"OpenScripts", [] { return repeated("Content-Type: text/html\n\n", "<script><!--&&&", 200'000); }},
+};
+INSTANTIATE_TEST_SUITE_P(All, Hostile, testing::ValuesIn(hostile), nameOfCase);
+
+TEST(Limits, PartsBeyondTheLastAreKeptUnread) {
+    const QByteArray parts = QByteArray("--b\r\nContent-Type: image/png\r\n\r\nx\r\n").repeated(2100) +
+                             "--b\r\nContent-Type: image/png\r\n\r\nthe last\r\n--b--\r\n";
+    const Message message = parseMessage("Content-Type: multipart/mixed; boundary=b\r\n\r\n" + parts);
+    ASSERT_EQ(message.attachments.size(), 2001);
+    EXPECT_TRUE(message.attachments.last().data.contains("the last"));
+}
+
+} // namespace

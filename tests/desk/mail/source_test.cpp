@@ -1,0 +1,163 @@
+// Messages in files, folders, mailboxes and Maildirs.
+#include "desk/mail/source.h"
+#include "platform/value/failure.h"
+#include "print.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+using namespace desk;
+
+namespace {
+
+class Sources : public testing::Test {
+  protected:
+    QString write(const QString &name, const QByteArray &bytes) {
+        const QString path = m_folder.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return path;
+    }
+
+    QString path(const QString &name = {}) { return m_folder.filePath(name); }
+
+    static QList<SourceMessage> readAll(const QString &path, qint64 limit = MessageSource::MaximumSize) {
+        QList<SourceMessage> messages;
+        const auto source = MessageSource::open(path, limit);
+        SourceMessage message;
+        while (source->next(message))
+            messages += message;
+        return messages;
+    }
+
+    static QList<QByteArray> bytesOf(const QString &path) {
+        QList<QByteArray> bytes;
+        for (const SourceMessage &message : readAll(path)) {
+            EXPECT_EQ(message.error, "");
+            bytes += message.bytes;
+        }
+        return bytes;
+    }
+
+  private:
+    QTemporaryDir m_folder;
+};
+
+const QByteArray postmark = "From a@b.example Mon Nov 16 09:31:05 2026\n";
+
+TEST_F(Sources, OneFile) {
+    const QString file = write("a.txt", "Subject: x\r\n\r\nFrom here on\r\n");
+    const QList<SourceMessage> messages = readAll(file);
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages[0].bytes, "Subject: x\r\n\r\nFrom here on\r\n");
+    EXPECT_EQ(messages[0].name, file);
+}
+
+TEST_F(Sources, AnEmlFileIsOneMessageWhateverItBeginsWith) {
+    const QByteArray bytes = postmark + "Subject: 1\n\n1\n\n" + postmark + "Subject: 2\n\n2\n";
+    EXPECT_EQ(bytesOf(write("a.eml", bytes)), QList<QByteArray>{bytes});
+}
+
+TEST_F(Sources, AFolderInTheOrderOfNames) {
+    write("b.eml", "2");
+    write("a.eml", "1");
+    write("C.EML", "0");
+    write("notes.txt", "no mail");
+    EXPECT_EQ(bytesOf(path()), (QList<QByteArray>{"0", "1", "2"}));
+}
+
+TEST_F(Sources, AMaildirWhateverItsFlags) {
+    write("cur/1.x:2,S", "read");
+    write("cur/2.x:2,", "seen");
+    write("new/9.x", "new");
+    write("tmp/3.x", "half written");
+    EXPECT_EQ(bytesOf(path()), (QList<QByteArray>{"new", "read", "seen"}));
+}
+
+TEST_F(Sources, NothingThere) {
+    const auto failure = Attempt([&] { MessageSource::open(path("none")); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->number(), failures::fileNotFound);
+}
+
+struct MboxCase {
+    const char *name;
+    QByteArray file;
+    QList<QByteArray> messages;
+};
+
+class Mboxes : public Sources, public testing::WithParamInterface<MboxCase> {};
+
+TEST_P(Mboxes, AreDivided) { EXPECT_EQ(bytesOf(write("mbox", GetParam().file)), GetParam().messages); }
+
+// A body that only its length tells from the next message.
+const QByteArray counted = "\n" + postmark + ">From x\n";
+const QByteArray countedHeader = "Content-Length: " + QByteArray::number(counted.size()) + "\n\n";
+
+const MboxCase mboxes[] = {
+    {"Two",
+     postmark + "Subject: 1\n\none\n\n" + postmark + "Subject: 2\n\ntwo\n\n",
+     {"Subject: 1\n\none\n", "Subject: 2\n\ntwo\n"}},
+    {"CrLf",
+     QByteArray(postmark + "A: 1\n\none\n\n" + postmark + "A: 2\n\ntwo\n").replace("\n", "\r\n"),
+     {"A: 1\r\n\r\none\r\n", "A: 2\r\n\r\ntwo\r\n"}},
+    {"NoLastLineEnd", postmark + "A: 1\n\none", {"A: 1\n\none"}},
+    {"QuotedOnce", postmark + "A: 1\n\n>From me\n>>From him\n> From\n", {"A: 1\n\nFrom me\n>From him\n> From\n"}},
+    {"SentenceIsNoEnd",
+     postmark + "A: 1\n\none\n\nFrom here on we walk.\n",
+     {"A: 1\n\none\n\nFrom here on we walk.\n"}},
+    {"NoEmptyLineBeforeIsNoEnd", postmark + "A: 1\n\none\n" + postmark, {"A: 1\n\none\n" + postmark}},
+    {"NoBody", postmark + "A: 1\n\n" + postmark + "A: 2\n\n", {"A: 1\n", "A: 2\n"}},
+    {"ContentLength",
+     postmark + countedHeader + counted + "\n" + postmark + "A: 2\n\n2\n",
+     {countedHeader + counted, "A: 2\n\n2\n"}},
+    {"ContentLengthWithoutEmptyLine",
+     postmark + countedHeader + counted + postmark + "A: 2\n\n2\n",
+     {countedHeader + counted, "A: 2\n\n2\n"}},
+    {"WrongContentLength",
+     postmark + "Content-Length: 3\n\n12345\n\n" + postmark + "A: 2\n\n2\n",
+     {"Content-Length: 3\n\n12345\n", "A: 2\n\n2\n"}},
+    {"HugeContentLength",
+     postmark + "Content-Length: 9223372036854775807\n\n1\n",
+     {"Content-Length: 9223372036854775807\n\n1\n"}},
+};
+INSTANTIATE_TEST_SUITE_P(All, Mboxes, testing::ValuesIn(mboxes), nameOfCase);
+
+TEST_F(Sources, LongLinesInAMbox) {
+    const QByteArray longLine = QByteArray(200'000, 'x') + "\nFrom " + QByteArray(200'000, 'y') + "\n";
+    EXPECT_EQ(bytesOf(write("mbox", postmark + "A: 1\n\n" + longLine)), QList<QByteArray>{"A: 1\n\n" + longLine});
+}
+
+// One that is too long, or gone, must not stop the others.
+TEST_F(Sources, WhatCantBeReadIsSaidAndPassedOver) {
+    const QByteArray big = "A: big\n\n" + QByteArray("line\n").repeated(100);
+    const QList<SourceMessage> mbox =
+        readAll(write("mbox", postmark + "A: 1\n\n\n" + postmark + big + "\n" + postmark + "A: 3\n\n"), 100);
+    ASSERT_EQ(mbox.size(), 3);
+    EXPECT_EQ(mbox[1].bytes, "");
+    EXPECT_NE(mbox[1].error, "");
+    EXPECT_TRUE(mbox[1].name.endsWith(u"mbox#2"));
+    EXPECT_EQ(mbox[2].bytes, "A: 3\n");
+
+    write("folder/a.eml", big);
+    write("folder/b.eml", "small");
+    write("folder/c.eml", "gone");
+    const auto source = MessageSource::open(path("folder"), 100);
+    QFile::remove(path("folder/c.eml"));
+    SourceMessage message;
+    ASSERT_TRUE(source->next(message));
+    EXPECT_NE(message.error, "");
+    ASSERT_TRUE(source->next(message));
+    EXPECT_EQ(message.error, "");
+    EXPECT_EQ(message.bytes, "small");
+    ASSERT_TRUE(source->next(message));
+    EXPECT_NE(message.error, "");
+    EXPECT_FALSE(source->next(message));
+}
+
+} // namespace
