@@ -39,10 +39,10 @@ std::shared_ptr<AddressEntry> AddressEntry::ofSender(std::weak_ptr<desk::Session
 std::optional<ItemRecord> AddressEntry::contact() const {
     const std::shared_ptr<desk::Session> open = session();
     if (m_type == smtpType) {
-        if (const auto contact = contactByAddress(*open, m_address))
+        if (const auto contact = open->directory().contactByAddress(m_address))
             return contact;
     }
-    return contactByName(*open, m_name);
+    return open->directory().contactByName(m_name);
 }
 
 QString AddressEntry::Fields(int Tag) {

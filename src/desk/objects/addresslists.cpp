@@ -11,10 +11,10 @@ const QString listPrefix = QStringLiteral("00000000FE42AA0A18C71A10E8850B651C240
 
 } // namespace
 
-int AddressLists::count() const { return static_cast<int>(contactsFolders(*session()).size()); }
+int AddressLists::count() const { return static_cast<int>(session()->directory().folders().size()); }
 
 Value AddressLists::Item(const Value &Index) {
-    const QList<ContactsFolder> folders = contactsFolders(*session());
+    const QList<ContactsFolder> folders = session()->directory().folders();
     if (!Index.isText())
         return automation::wrap(
             std::make_shared<AddressList>(weakSession(), folders.at(positionFrom(Index, folders.size()))));

@@ -12,7 +12,8 @@ struct FolderPlace {
     FolderRecord folder;
 };
 
-/// The folder at a path, which may be written with slashes throughout. Fails with 0x8004010F, naming the part that is missing.
+/// The folder at a path, which may be written with slashes throughout. Fails with 0x8004010F, naming the part that is
+/// missing.
 FolderPlace folderAt(Session &session, const QString &path);
 
 /// The same, with what is missing below the top folder made.

@@ -1,5 +1,6 @@
 #include "desk/objects/folders.h"
 
+#include "desk/objects/directory.h"
 #include "desk/objects/itemkinds.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/namespace.h"
@@ -11,18 +12,18 @@ namespace desk::objects {
 Folders::Folders(std::weak_ptr<desk::Session> session, std::shared_ptr<MAPIFolder> parent)
     : SessionObject(std::move(session)), m_parent(std::move(parent)) {}
 
-QList<std::shared_ptr<MAPIFolder>> Folders::all() const {
+QList<Folders::Place> Folders::all() const {
     const std::shared_ptr<desk::Session> open = session();
-    QList<std::shared_ptr<MAPIFolder>> folders;
+    QList<Place> folders;
     if (!m_parent) {
         for (Store *store : open->stores())
-            folders.append(open->folder(*store, store->root().id));
+            folders.append({store, store->root().id});
         return folders;
     }
     if (&m_parent->store() == &open->mailbox())
         open->makeSpecialFolders();
     for (const FolderRecord &record : m_parent->store().childFolders(m_parent->id()))
-        folders.append(open->folder(m_parent->store(), record.id));
+        folders.append({&m_parent->store(), record.id});
     return folders;
 }
 
@@ -33,8 +34,8 @@ Value Folders::parent() const {
 Value Folders::Item(const Value &Index) {
     const std::shared_ptr<desk::Session> open = session();
     if (!Index.isText()) {
-        const QList<std::shared_ptr<MAPIFolder>> folders = all();
-        return automation::wrap(folders.at(positionFrom(Index, folders.size())));
+        const QList<Place> folders = all();
+        return opened(folders.at(positionFrom(Index, folders.size())));
     }
     const QString name = toText(Index);
     if (m_parent) {
@@ -66,12 +67,17 @@ Value Folders::Add(const QString &Name, const Value &Type) {
     record.name = Name;
     record.defaultItemType = Type.isMissing() ? m_parent->defaultItemType() : itemTypeOfFolderType(toInt32(Type));
     record = m_parent->store().addFolder(record);
+    open->directory().forget();
     return automation::wrap(open->folder(m_parent->store(), record.id));
 }
 
+Value Folders::opened(const Place &place) const {
+    return automation::wrap(session()->folder(*place.first, place.second));
+}
+
 Value Folders::at(qsizetype position) const {
-    const QList<std::shared_ptr<MAPIFolder>> folders = all();
-    return position < folders.size() ? automation::wrap(folders.at(position)) : Value::nothing();
+    const QList<Place> folders = all();
+    return position < folders.size() ? opened(folders.at(position)) : Value::nothing();
 }
 
 Value Folders::GetFirst() {

@@ -4,6 +4,10 @@
 #include "desk/objects/sessionobject.h"
 #include "desk/store/records.h"
 
+namespace desk {
+class Store;
+}
+
 namespace desk::objects {
 
 class MAPIFolder;
@@ -29,7 +33,10 @@ class Folders : public SessionObject {
     Q_INVOKABLE Value GetNext();
 
   private:
-    [[nodiscard]] QList<std::shared_ptr<MAPIFolder>> all() const;
+    using Place = std::pair<Store *, FolderId>;
+
+    [[nodiscard]] QList<Place> all() const;
+    [[nodiscard]] Value opened(const Place &place) const;
     Value at(qsizetype position) const;
 
     std::shared_ptr<MAPIFolder> m_parent;

@@ -1,5 +1,6 @@
 #include "desk/objects/mapifolder.h"
 
+#include "desk/objects/directory.h"
 #include "desk/objects/explorers.h"
 #include "desk/objects/folderpath.h"
 #include "desk/objects/folders.h"
@@ -87,10 +88,12 @@ void MAPIFolder::Delete() {
         const FolderRecord deleted = open->specialFolder(SpecialFolder::DeletedItems);
         if (folder.parent != deleted.id) {
             m_store->moveFolder(m_id, deleted.id);
+            open->directory().forget();
             return;
         }
     }
     m_store->removeFolder(m_id);
+    open->directory().forget();
 }
 
 void MAPIFolder::MoveTo(const Value &DestinationFolder) {

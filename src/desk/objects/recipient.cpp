@@ -20,9 +20,9 @@ bool Recipient::Resolve() {
         m_address = open->profile().address();
         return true;
     }
-    m_contact = contactByName(*open, m_name);
+    m_contact = open->directory().contactByName(m_name);
     if (!m_contact)
-        m_contact = contactByAddress(*open, m_name);
+        m_contact = open->directory().contactByAddress(m_name);
     if (m_contact) {
         m_address = m_contact->email1Address;
         if (!m_contact->fullName.isEmpty())

@@ -1,6 +1,7 @@
 #include "desk/objects/session.h"
 
 #include "desk/objects/application.h"
+#include "desk/objects/directory.h"
 #include "desk/objects/forms.h"
 #include "desk/objects/item.h"
 #include "desk/objects/itemkinds.h"
@@ -56,6 +57,7 @@ std::shared_ptr<Session> Session::open(const Profile &profile) {
     }
     session->m_windows = std::make_unique<Windows>();
     session->m_watch = std::make_unique<ItemWatch>(*session);
+    session->m_directory = std::make_unique<Directory>(*session);
     session->m_transport = std::make_unique<Transport>(*session);
     session->m_forms = std::make_unique<Forms>(profile.formsFolder());
     session->m_application = std::make_shared<objects::Application>(session);

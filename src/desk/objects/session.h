@@ -10,6 +10,7 @@
 
 namespace desk {
 
+class Directory;
 class Forms;
 class ItemWatch;
 class Transport;
@@ -58,6 +59,7 @@ class Session : public std::enable_shared_from_this<Session> {
 
     [[nodiscard]] Windows &windows() { return *m_windows; }
     [[nodiscard]] ItemWatch &watch() { return *m_watch; }
+    [[nodiscard]] Directory &directory() { return *m_directory; }
     [[nodiscard]] Transport &transport() { return *m_transport; }
 
     /// Called when a window begins to show a folder.
@@ -74,6 +76,7 @@ class Session : public std::enable_shared_from_this<Session> {
     std::unique_ptr<Windows> m_windows;
     std::unique_ptr<ItemWatch> m_watch;
     std::unique_ptr<Transport> m_transport;
+    std::unique_ptr<Directory> m_directory;
     std::unique_ptr<Forms> m_forms;
     std::shared_ptr<objects::Application> m_application;
     std::shared_ptr<objects::NameSpace> m_nameSpace;

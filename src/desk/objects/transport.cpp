@@ -107,7 +107,7 @@ void Transport::send(const QString &folder, const ItemRecord &item) {
         for (Address &address : *list) {
             if (address.address.contains(u'@'))
                 continue;
-            if (const auto contact = contactByName(m_session, address.address))
+            if (const auto contact = m_session.directory().contactByName(address.address))
                 address = {contact->fullName, contact->email1Address};
         }
     }
