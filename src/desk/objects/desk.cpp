@@ -14,7 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto pollInterval = 100ms;
-constexpr auto sendInterval = 2000ms;
+constexpr auto sendInterval = 1000ms;
 
 } // namespace
 
