@@ -100,6 +100,7 @@ bool MboxReader::next(QByteArray &message, bool &complete) {
         if (inHeader && empty) {
             inHeader = false;
             counted = length >= 0 && takeCounted(message, complete, length);
+            empty = !counted;
         }
     }
     // The empty line at the end belongs to the file, not to the message.
