@@ -47,6 +47,8 @@ class EndSignals {
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
+void complain(const QString &problem) { std::fprintf(stderr, "orvelle-desk: %s\n", problem.toUtf8().constData()); }
+
 /// The program that the home page of a shown folder names is started once per showing.
 void followHomePages(Session &session) {
     session.folderShown = [folder = session.profile().folder()](const FolderRecord &shown) {
@@ -57,7 +59,7 @@ void followHomePages(Session &session) {
         if (program && !startProgram(*program, folder))
             problem = QStringLiteral("The program %1 can't be started.").arg(*program);
         if (!problem.isEmpty())
-            std::fprintf(stderr, "orvelle-desk: %s\n", problem.toUtf8().constData());
+            complain(problem);
     };
 }
 
@@ -80,6 +82,7 @@ FolderPlace firstFolder(Session &session, const QString &asked) {
 int runCommand(const CommandLine &line) {
     const EndSignals signals;
     Desk desk(line.desk);
+    desk.onProblem = complain;
     Session &session = desk.session();
     const FolderPlace place = firstFolder(session, line.open);
     desk.listen();

@@ -20,10 +20,10 @@ constexpr auto sendInterval = 1000ms;
 
 Desk::Desk(const DeskOptions &options) : m_session(Session::open(Profile(options))) {
     QObject::connect(&m_pollTimer, &QTimer::timeout, &m_pollTimer,
-                     [this] { static_cast<void>(Attempt([&] { m_session->watch().poll(); })); });
+                     [this] { keep([this] { m_session->watch().poll(); }); });
     // What can't be sent stays in the Outbox and is tried again.
     QObject::connect(&m_sendTimer, &QTimer::timeout, &m_sendTimer,
-                     [this] { static_cast<void>(Attempt([&] { m_session->transport().deliverNow(); })); });
+                     [this] { keep([this] { m_session->transport().deliverNow(); }); });
     m_pollTimer.start(pollInterval);
     m_sendTimer.start(sendInterval);
 }
@@ -41,6 +41,16 @@ automation::ObjectPtr Desk::application() const { return automation::wrap(m_sess
 void Desk::listen() {
     m_server = std::make_unique<automation::Server>([this] { return application(); }, m_session->profile().socket());
     m_server->onClientGone([this](automation::ClientNumber client) { m_session->windows().clientGone(client); });
+}
+
+/// REQUIRES: called from a timer, through which no failure may pass.
+void Desk::keep(const std::function<void()> &work) {
+    const std::optional<Failure> failure = Attempt(work);
+    if (!failure || failure->description() == m_problem)
+        return;
+    m_problem = failure->description();
+    if (onProblem)
+        onProblem(m_problem);
 }
 
 void Desk::lookAround() {

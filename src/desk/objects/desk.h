@@ -26,14 +26,20 @@ class Desk {
     /// Lets programs connect, at the profile's socket. Fails with 70 when another desk runs on the profile.
     void listen();
 
+    /// Told of what goes wrong beside the clients' calls, such as mail that can't leave; once for each problem.
+    std::function<void(const QString &)> onProblem;
+
     /// Looks for what other processes have done, and sends what is submitted; what the timers do.
     void lookAround();
 
   private:
+    void keep(const std::function<void()> &work);
+
     std::shared_ptr<Session> m_session;
     std::unique_ptr<automation::Server> m_server;
     QTimer m_pollTimer;
     QTimer m_sendTimer;
+    QString m_problem;
 };
 
 } // namespace desk

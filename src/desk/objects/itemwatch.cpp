@@ -22,43 +22,48 @@ void ItemWatch::look() {
         return;
     m_isTelling = true;
     const auto done = qScopeGuard([this] { m_isTelling = false; });
-    while (std::exchange(m_isStale, false)) {
-        for (const News &news : collect())
-            tell(news);
-    }
+    const std::optional<Failure> failure = Attempt([&] {
+        while (std::exchange(m_isStale, false) || !m_news.empty()) {
+            collect();
+            while (!m_news.empty())
+                tellNext();
+        }
+    });
+    // Whoever saved an item is not to take this for a failed save; the next poll looks again.
+    if (failure)
+        m_isStale = true;
 }
 
 void ItemWatch::poll() {
-    bool isChanged = false;
+    bool isChanged = m_isStale;
     for (Store *store : m_session.stores())
         isChanged |= store->changed();
     if (isChanged)
         look();
 }
 
-std::vector<ItemWatch::News> ItemWatch::collect() {
+void ItemWatch::collect() {
     std::erase_if(m_watchers, [](const Watcher &watcher) { return watcher.items.expired(); });
-    std::vector<News> all;
     for (Watcher &watcher : m_watchers) {
         const std::shared_ptr<objects::Items> items = watcher.items.lock();
         const objects::MAPIFolder &folder = *items->folder();
         for (const ItemRecord &item : folder.store().itemsArrivedAfter(folder.id(), watcher.arrival)) {
             watcher.arrival = item.arrival;
+            // There may be more than one page.
             m_isStale = true;
-            all.push_back({items, item.id});
+            m_news.push_back({items, item.id});
         }
     }
-    return all;
 }
 
-void ItemWatch::tell(const News &news) {
-    const std::shared_ptr<objects::Items> items = news.items.lock();
-    if (!items)
-        return;
-    const objects::MAPIFolder &folder = *items->folder();
-    const std::optional<ItemRecord> item = folder.store().item(news.item);
-    if (item && item->folder == folder.id())
-        Q_EMIT items->ItemAdd(automation::wrap(m_session.item(folder.store(), *item)));
+void ItemWatch::tellNext() {
+    const std::shared_ptr<objects::Items> items = m_news.front().items.lock();
+    std::optional<ItemRecord> item;
+    if (items)
+        item = items->folder()->store().item(m_news.front().item);
+    m_news.pop_front();
+    if (item && item->folder == items->folder()->id())
+        Q_EMIT items->ItemAdd(automation::wrap(m_session.item(items->folder()->store(), *item)));
 }
 
 } // namespace desk

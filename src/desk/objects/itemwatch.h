@@ -3,6 +3,8 @@
 
 #include "desk/store/store.h"
 
+#include <deque>
+
 namespace desk {
 
 class Session;
@@ -22,7 +24,8 @@ class ItemWatch {
 
     /// Begins to tell a watcher what arrives from here on.
     void add(const std::shared_ptr<objects::Items> &items);
-    /// Tells what has come. Called after each own change, and by `poll`.
+    /// Tells what has come. Called after each own change, and by `poll`. What can't be read is looked for again by the
+    /// next `poll`.
     void look();
     /// Looks where another process has changed a store.
     void poll();
@@ -37,11 +40,13 @@ class ItemWatch {
         ItemId item;
     };
 
-    [[nodiscard]] std::vector<News> collect();
-    void tell(const News &news);
+    void collect();
+    void tellNext();
 
     Session &m_session;
     std::vector<Watcher> m_watchers;
+    /// Found and not told yet.
+    std::deque<News> m_news;
     bool m_isTelling = false;
     bool m_isStale = false;
 };
