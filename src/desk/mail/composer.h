@@ -9,6 +9,7 @@ namespace desk {
 /// - A header's value cannot start another header: line breaks and control characters in it become blanks.
 /// - A missing date is taken from the clock; a missing identifier is made up. All else that is missing stays away.
 /// - Reading the result gives the same fields, as long as they keep what message.h promises.
+/// - "Bcc" is written like the rest: whoever hands the message to others takes the list out first.
 /// - An embedded message is kept byte for byte (line ends aside where it travels unencoded).
 QByteArray composeMessage(const Message &message);
 

@@ -161,6 +161,8 @@ class Walk {
             layout.text.push_back(part);
         if (open.html)
             layout.html.push_back(part);
+        if (!open.text && !open.html)
+            layout.attachments.push_back(part);
         return open;
     }
 
