@@ -94,7 +94,7 @@ void createTables(Connection &connection, const QString &rootName) {
     connection.once(QStringLiteral("PRAGMA user_version = %1").arg(schemaVersion));
 }
 
-/// The file's version, 0 for an empty one.
+/// The file's version, 0 for an empty one. REQUIRES: in a transaction, since another process may be making the tables.
 qint64 checkedVersion(Connection &connection) {
     const qint64 application = connection.once(QStringLiteral("PRAGMA application_id")).toLongLong();
     const qint64 version = connection.once(QStringLiteral("PRAGMA user_version")).toLongLong();
@@ -132,7 +132,12 @@ void useWriteAheadLog(Connection &connection, std::chrono::milliseconds wait) {
 } // namespace
 
 QByteArray prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait) {
-    const qint64 version = checkedVersion(connection);
+    const qint64 version = [&connection] {
+        Transaction reading(connection, Transaction::Kind::Read);
+        const qint64 found = checkedVersion(connection);
+        reading.commit();
+        return found;
+    }();
     if (version == 0)
         useWriteAheadLog(connection, wait);
     connection.once(QStringLiteral("PRAGMA synchronous = FULL"));
