@@ -1,6 +1,7 @@
 #include "desk/commands.h"
 #include "desk/homepage.h"
 #include "desk/objects/desk.h"
+#include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
 #include "desk/objects/folderpath.h"
 #include "desk/objects/session.h"

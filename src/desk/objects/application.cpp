@@ -1,6 +1,8 @@
 #include "desk/objects/application.h"
 
+#include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
+#include "desk/objects/inspector.h"
 #include "desk/objects/inspectors.h"
 #include "desk/objects/item.h"
 #include "desk/objects/itemkinds.h"

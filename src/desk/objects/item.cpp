@@ -2,6 +2,7 @@
 
 #include "desk/mail/html.h"
 #include "desk/objects/attachments.h"
+#include "desk/objects/inspector.h"
 #include "desk/objects/inspectors.h"
 #include "desk/objects/itemmessage.h"
 #include "desk/objects/itemwatch.h"

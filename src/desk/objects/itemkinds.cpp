@@ -3,6 +3,7 @@
 #include "desk/objects/appointmentitem.h"
 #include "desk/objects/contactitem.h"
 #include "desk/objects/mailitem.h"
+#include "desk/objects/postitem.h"
 #include "desk/objects/taskitem.h"
 
 namespace desk::objects {

@@ -1,6 +1,7 @@
 #include "desk/objects/mapifolder.h"
 
 #include "desk/objects/directory.h"
+#include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
 #include "desk/objects/folderpath.h"
 #include "desk/objects/folders.h"

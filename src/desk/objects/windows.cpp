@@ -1,7 +1,9 @@
 #include "desk/objects/windows.h"
 
 #include "desk/objects/commandbars.h"
+#include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
+#include "desk/objects/inspector.h"
 #include "desk/objects/inspectors.h"
 #include "desk/objects/item.h"
 

@@ -1,0 +1,35 @@
+/// The buttons of a bar.
+#pragma once
+
+#include "automation/remote.h"
+#include "desk/objects/sessionobject.h"
+
+namespace desk::objects {
+
+class CommandBarButton;
+
+class CommandBarControls : public SessionObject {
+    Q_OBJECT
+    Q_PROPERTY(int Count READ count)
+
+  public:
+    using SessionObject::SessionObject;
+
+    [[nodiscard]] int count() const { return static_cast<int>(m_buttons.size()); }
+    [[nodiscard]] const QList<std::shared_ptr<CommandBarButton>> &buttons() const { return m_buttons; }
+
+    /// By position from 1, or by caption (5 for a missing one).
+    Q_INVOKABLE Value Item(const Value &Index);
+    /// A button (type 1) before the one at a position, or at the end. Fails with 5 for another type.
+    Q_INVOKABLE Value Add(const Value &Type = Value::Missing{}, const Value &Id = Value::Missing{},
+                          const Value &Parameter = Value::Missing{}, const Value &Before = Value::Missing{},
+                          const Value &Temporary = Value::Missing{});
+
+    bool remove(const CommandBarButton &button);
+    void removeOf(automation::ClientNumber client);
+
+  private:
+    QList<std::shared_ptr<CommandBarButton>> m_buttons;
+};
+
+} // namespace desk::objects
