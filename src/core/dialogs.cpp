@@ -6,6 +6,9 @@
 
 namespace {
 
+/// Whether the host has turned out to have no assistant.
+ProcessLocal<bool> blnNoAssistant;
+
 constexpr qint32 intAlertOK = 0;
 constexpr qint32 intAlertOKCancel = 1;
 constexpr qint32 intAlertYesNo = 4;
@@ -60,11 +63,16 @@ qint32 fncAssistantOKCancel(const host::Application &oua, const QString &strMess
 
 void subAssistantWorking(const host::Application &oua) {
     constexpr qint32 intAnimationWorking = 25;
+    // It comes with every mail, so a host that has no assistant is asked for it once.
+    if (blnNoAssistant)
+        return;
     subActivateHost(oua);
-    (void)Attempt([&] {
+    const auto failure = Attempt([&] {
         subTrace("Showing that the Assistant is working");
         fncAssistant(oua).put("Animation", intAnimationWorking);
     });
+    if (failure && failure->number() == failures::memberMissing)
+        blnNoAssistant = true;
 }
 
 void frmMessageBox::Show() {

@@ -39,12 +39,14 @@ QString fncFileName(QString strName) {
 /// One copying from a source to a target.
 class AttachmentCopy {
   public:
-    AttachmentCopy(const host::Item &source, const host::Attachments &target) : m_source(source), m_target(target) {}
+    AttachmentCopy(const host::Item &source, const host::Item &target) : m_source(source), m_ticket(target) {}
 
     void run(const host::Attachments &attachments) {
         const qint32 count = attachments.Count();
         const bool blnLarge = count == 0 && m_source.Size() > largeMessage;
         if (count == 0 && !blnLarge)
+            return;
+        if (Attempt([&] { m_target = m_ticket.Attachments(); }))
             return;
         makeFolder();
         subTrace("Looping attachements");
@@ -130,6 +132,8 @@ class AttachmentCopy {
     }
 
     host::Item m_source;
+    host::Item m_ticket;
+    /// The ticket's; Nothing until there is something to copy.
     host::Attachments m_target;
     std::optional<QTemporaryDir> m_folder;
     QString m_path;
@@ -143,10 +147,9 @@ void subCopyAttachements(const host::Item &source, const host::Item &target) try
     if (source.isNothing() || target.isNothing())
         return;
     host::Attachments from;
-    host::Attachments to;
-    if (Attempt([&] { from = source.Attachments(), to = target.Attachments(); }))
+    if (Attempt([&] { from = source.Attachments(); }))
         return;
-    AttachmentCopy(source, to).run(from);
+    AttachmentCopy(source, target).run(from);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subCopyAttachements");
 }

@@ -70,7 +70,7 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     subSetOutlookValue(oups, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
     subSetOutlookValue(oups, "Created at", Clock::now(), propertytype::date);
     subCopyAttachements(ouiMail, ouiPost);
-    subFillTicketFromMail(ouiMail, ouiPost);
+    subFillTicketFromMail(ouiMail, ouiPost, oups);
     const QString strTicketID = fncSaveRow(ouiPost);
     if (strTicketID.isEmpty()) {
         // The message stays and is tried again, so the item without a number would only come a second time.

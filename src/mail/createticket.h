@@ -11,7 +11,8 @@ QString fncCreateSingleTicket(const host::Item &ouiMail);
 
 /// Fills a new ticket with the mail's sender, text and subject. Does nothing without the safe-object library; a
 /// property that the ticket lacks does not stop the rest.
-void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost);
+/// \param oups  the ticket's properties.
+void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups);
 
 /// Notes in the ticket's work log that a mail has come. Nothing happens for a number that is no ticket's.
 void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender);

@@ -39,7 +39,7 @@ void subFillCaller(const host::UserProperties &oups, const host::AddressEntry &s
         Attempt([&] { subSetProperty(oups, "Caller category", toText(sender.Fields(department))); });
     } else {
         Attempt([&] {
-            const host::ContactItem contact = fncFindContact(sender);
+            const host::ContactItem contact = fncFindContact(sender, strAddress);
             if (contact)
                 subFillFromContact(oups, contact);
         });
@@ -77,11 +77,10 @@ void subSetBody(const host::PostItem &ouiPost, const QString &strHTML) {
 }
 } // namespace
 
-void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost) {
+void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups) {
     if (!fncSetupSafeUtils())
         return;
     const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(ouiMail); }, SafeItem());
-    const auto oups = AttemptOr([&] { return ouiPost.UserProperties(); }, host::UserProperties());
     subFillCaller(oups, AttemptOr([&] { return safe.Sender(); }, host::AddressEntry()));
 
     const QString strText = fncTextOf(safe);

@@ -42,6 +42,7 @@ cIncomingMonitor::~cIncomingMonitor() {
 
 void cIncomingMonitor::Watch(const host::Items &ois) {
     ouiItems = ois;
+    m_ouf = ois.Parent();
     m_itemAdd = ois.connect("ItemAdd", Entry([self = weak_from_this()](ValueList &arguments) {
                                 // The end of the process, which a report can bring, drops the monitor under its own
                                 // feet.
@@ -51,7 +52,7 @@ void cIncomingMonitor::Watch(const host::Items &ois) {
 }
 
 void cIncomingMonitor::ouiItems_ItemAdd(const host::Item &Item) try {
-    subHandleNewItem(Item, [this] { return ouiItems.Parent(); });
+    subHandleNewItem(Item, m_ouf);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "ouiItems.ItemAdd");
 }

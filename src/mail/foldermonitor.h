@@ -36,6 +36,8 @@ class cIncomingMonitor : public std::enable_shared_from_this<cIncomingMonitor> {
     void AddFlagItem();
 
   private:
+    /// The parent of the items, which stays the same.
+    host::MAPIFolder m_ouf;
     automation::SubscriptionPtr m_itemAdd;
 };
 

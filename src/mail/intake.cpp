@@ -52,7 +52,7 @@ void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
 }
 
 /// From the claimed message to its place in "Converted".
-void subConvert(const host::Item &oui, bool blnConfirm, const std::function<host::MAPIFolder()> &fncMonitoredFolder) {
+void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &oufMonitored) {
     const QString strTicketID = fncCreateSingleTicket(oui);
     if (strTicketID.isEmpty()) {
         subReleaseClaim(oui);
@@ -61,7 +61,7 @@ void subConvert(const host::Item &oui, bool blnConfirm, const std::function<host
     if (blnConfirm)
         subSendConfirmation(oui, strTicketID, "");
     subKeepCopyUnderTicket(oui, strTicketID);
-    subMoveToConverted(oui, fncMonitoredFolder());
+    subMoveToConverted(oui, oufMonitored);
 }
 } // namespace
 
@@ -81,7 +81,7 @@ void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMoni
         return;
     const QString strTicketID = fncAnsweredTicket(oui);
     if (strTicketID.isEmpty()) {
-        subConvert(oui, !fncConfirmationTemplate().trimmed().isEmpty(), [&] { return oufMonitored; });
+        subConvert(oui, !fncConfirmationTemplate().trimmed().isEmpty(), oufMonitored);
         return;
     }
     // The work row is written even where the message can't be filed.
@@ -92,14 +92,14 @@ void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMoni
     subAddEmailWorkItem(strTicketID, fncGetSenderName(ouiFiled));
 }
 
-void subHandleNewItem(const host::Item &oui, const std::function<host::MAPIFolder()> &fncMonitoredFolder) {
+void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
     constexpr qsizetype shortestTemplate = 4;
     if (!AttemptOr([&] { return fncIsMailOrPost(oui); }, false))
         return;
     const QString strTicketID = fncAnsweredTicket(oui);
     if (strTicketID.isEmpty()) {
         if (fncIsUnclaimed(oui) && fncClaim(oui))
-            subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, fncMonitoredFolder);
+            subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, oufMonitored);
         return;
     }
     const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
@@ -113,7 +113,7 @@ void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) 
     constexpr char converted[] = "Converted";
     Attempt([&] {
         host::MAPIFolder oufConverted;
-        Attempt([&] { oufConverted = ouf.Folders().Item(converted); });
+        Attempt([&] { oufConverted = ouf.Folders(converted); });
         // The name has to be that very one: "converted" is a folder of somebody's own.
         if (oufConverted.isNothing() || oufConverted.Name() != converted)
             oufConverted = ouf.Folders().Add(converted);

@@ -5,8 +5,6 @@
 
 #include <QString>
 
-#include <functional>
-
 /// The claim of a client on a message.
 inline constexpr char strWorkingMark[] = "Working...";
 
@@ -17,7 +15,7 @@ bool fncIsMailOrPost(const host::Item &oui);
 void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);
 
 /// Handles an item that has just come into a watched folder.
-void subHandleNewItem(const host::Item &oui, const std::function<host::MAPIFolder()> &fncMonitoredFolder);
+void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);
 
 /// Moves a converted message to the subfolder "Converted", which is made where it is missing. A message that can't be
 /// moved stays, and its marks keep it from being converted again.

@@ -21,9 +21,8 @@ host::MAPIFolder fncFolderOfID(const QString &strID) {
 /// One search through the address lists.
 class ContactSearch {
   public:
-    explicit ContactSearch(const host::AddressEntry &entry) {
+    ContactSearch(const host::AddressEntry &entry, QString strAddress) : m_address(std::move(strAddress)) {
         Attempt([&] { m_entryID = entry.ID(); });
-        Attempt([&] { m_address = entry.Address(); });
         Attempt([&] { m_ticketStoreID = oufTickets->StoreID(); });
         m_contactID = m_entryID.right(contactTail).left(contactLength);
     }
@@ -86,9 +85,13 @@ class ContactSearch {
 } // namespace
 
 host::ContactItem fncFindContact(const host::AddressEntry &entry) {
+    return fncFindContact(entry, AttemptOr([&] { return entry.Address(); }, QString()));
+}
+
+host::ContactItem fncFindContact(const host::AddressEntry &entry, const QString &strAddress) {
     const host::Handle lists(scripting::CreateObject("SafeTessmark.AddressLists"));
     const qint32 count = toInt32(lists.get("Count"));
-    ContactSearch search(entry);
+    ContactSearch search(entry, strAddress);
     for (qint32 i = 1; i <= count; ++i) {
         QString strListID;
         Attempt([&] { strListID = toText(host::Handle(lists.call("Item", {i})).get("ID")); });

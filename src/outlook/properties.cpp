@@ -149,9 +149,12 @@ void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const
         subAssistantMessage(ouaOutlook, "Failed to save " + PropName + " " + LNGCHECKPERM);
 }
 
-QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName) try {
+QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName) {
+    return fncGetLongProperty(fncPropertiesOrNothing(ouiItem), PropName);
+}
+
+QString fncGetLongProperty(const host::UserProperties &oups, const QString &PropName) try {
     subTrace("Entering fncGetLongProperty");
-    const host::UserProperties oups = fncPropertiesOrNothing(ouiItem);
     const qint16 intHighest = toInt16(fncGetOutlookValue(oups, PropName + "Count", propertytype::integer, ""));
     QString strText;
     for (qint32 i = 0; i <= intHighest; ++i)

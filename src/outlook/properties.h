@@ -37,3 +37,4 @@ void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const
 
 /// Reads such a text; a missing count reads the first piece alone.
 QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName);
+QString fncGetLongProperty(const host::UserProperties &oups, const QString &PropName);

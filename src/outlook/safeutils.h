@@ -39,3 +39,5 @@ QString fncGetSenderName(const host::Item &ouiMail);
 
 /// The contact behind an address entry, by the identifier in its tail or by its address; Nothing when there is none.
 host::ContactItem fncFindContact(const host::AddressEntry &entry);
+/// The same with the entry's address in hand.
+host::ContactItem fncFindContact(const host::AddressEntry &entry, const QString &strAddress);

@@ -24,7 +24,7 @@ QString fncGetTicketIDFromSubject(const QString &strSubject) {
 
 host::MAPIFolder fncGetTicketFolder(const QString &strTicketID) {
     host::MAPIFolder ouf;
-    Attempt([&] { ouf = oufTickets->Folders().Item(strTicketID); });
+    Attempt([&] { ouf = oufTickets->Folders(strTicketID); });
     // The host may take a number for a position: then it is some other folder.
     if (ouf.isNothing() || AttemptOr([&] { return ouf.Name(); }, QString()) != strTicketID) {
         ouf = host::MAPIFolder();
@@ -41,7 +41,7 @@ host::MAPIFolder fncGetTicketSubFolder(const QString &strTicketID, const QString
         return {};
     subTrace("Trying to acquire/create outlook sub folder with caption  = " + strTicketID);
     host::MAPIFolder ouf;
-    Attempt([&] { ouf = oufTicket.Folders().Item(strName); });
+    Attempt([&] { ouf = oufTicket.Folders(strName); });
     if (ouf.isNothing())
         Attempt([&] { ouf = oufTicket.Folders().Add(strName, mailFolder); });
     if (ouf.isNothing())

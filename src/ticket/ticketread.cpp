@@ -67,7 +67,7 @@ ReadSteps readSteps(cTicket &objTicket, const host::Item &ouiTicket, host::UserP
         [&] { objTicket.Closed = false; },
         [&] { oups = ouiTicket.UserProperties(); },
         [&] { objTicket.Responsible = responsibleOf(textOf(oups, "Responsible")); },
-        [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(ouiTicket, "WorkDescriptions")); },
+        [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(oups, "WorkDescriptions")); },
         [&] { objTicket.Rate = costOf(*objTicket.Responsible, *objTicket.WorkDescs); },
         [&] { objTicket.ProblemType = problemTypeOf(textOf(oups, "Problem Type")); },
         [&] { objTicket.DueDate = dateOf(oups, "Date due"); },
@@ -109,10 +109,11 @@ void tellReadFailure(const Failure &failure) {
 } // namespace
 
 bool cTicket::ReadFromOutlook(const host::Item &ouiTicket) try {
-    subTrace("Reading Outlook values from ticket with subject line: " + ouiTicket.Subject());
+    const QString strSubject = ouiTicket.Subject();
+    subTrace("Reading Outlook values from ticket with subject line: " + strSubject);
     if (!fncSetupSafeUtils())
         return false;
-    Subject = ouiTicket.Subject();
+    Subject = strSubject;
     TicketPriority = ouiTicket.Importance();
     host::UserProperties properties;
     const ReadSteps steps = readSteps(*this, ouiTicket, properties);

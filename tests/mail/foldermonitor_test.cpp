@@ -153,7 +153,7 @@ TEST_F(FolderMonitor, AClaimThatAnotherClientWonLeavesTheItem) {
     ASSERT_EQ(seen.Subject(), "contested");
     item.Importance(2);
     item.Save();
-    copy.in([&] { subHandleNewItem(seen, [&] { return intake(); }); });
+    copy.in([&] { subHandleNewItem(seen, intake()); });
     EXPECT_TRUE(subjects(tickets()).isEmpty());
     EXPECT_EQ(mapi().GetItemFromID(item.EntryID()).BillingInformation(), "");
 }
@@ -230,6 +230,17 @@ TEST_F(FolderMonitor, TheScanClaimsARepliesToo) {
 }
 
 // ---- the ends of the road
+
+// Each question is a round trip to another process, so their number is what a mail costs beside its commits.
+TEST_F(FolderMonitor, AMailAsksTheHostFewQuestions) {
+    const auto questions = countQuestions();
+    start();
+    deliver({.subject = "the first makes the folders"});
+    questions->clear();
+    deliver({.html = "<html><body><p>noise</p></body></html>"});
+    ASSERT_EQ(subjects(tickets()).size(), 2);
+    EXPECT_LE(questions->size(), 92) << questions->join('\n').toStdString();
+}
 
 TEST_F(FolderMonitor, ATicketItemThatCannotBeNumberedIsNotLeftBehind) {
     auto &copy = start();

@@ -189,13 +189,18 @@ QList<QByteArray> Helpdesk::outgoing() const {
     return all;
 }
 
+Counting::Log Helpdesk::countQuestions() {
+    m_questions = std::make_shared<QStringList>();
+    return m_questions;
+}
+
 Copy &Helpdesk::newCopy(const QString &command) {
     ProgramSetup setup;
     setup.strCommand = command;
     setup.host = [this] {
         if (!m_desk)
             throw Failure(failures::cannotCreateObject);
-        return m_desk->application();
+        return m_questions ? Counting::of(m_desk->application(), m_questions) : m_desk->application();
     };
     setup.strProgramFolder = programFolder();
     setup.instanceFile = m_instanceFile;

@@ -5,6 +5,7 @@
 #include "desk/objects/desk.h"
 #include "outlook/host/host.h"
 #include "support/answers.h"
+#include "support/counting.h"
 #include "support/launches.h"
 
 #include <gtest/gtest.h>
@@ -96,6 +97,8 @@ class Helpdesk : public testing::Test {
     /// A copy that is not started yet; it lives as long as the test.
     Copy &newCopy(const QString &command = {});
     Copy &start(const QString &command = {});
+    /// What copies that start from here on ask of the host.
+    Counting::Log countQuestions();
     /// Copies that share the file by which an instance knows another one.
     void shareInstanceFile() { m_instanceFile = path("orvelle.lock"); }
 
@@ -112,6 +115,7 @@ class Helpdesk : public testing::Test {
     host::MAPIFolder m_intake;
     host::Explorer m_explorer;
     QString m_instanceFile;
+    Counting::Log m_questions;
     std::list<Copy> m_copies;
 };
 

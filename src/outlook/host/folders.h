@@ -55,7 +55,7 @@ class NameSpace : public Handle {
   public:
     using Handle::Handle;
     [[nodiscard]] host::Folders Folders() const { return get("Folders"); }
-    [[nodiscard]] MAPIFolder Folders(const QString &name) const { return Folders().Item(name); }
+    [[nodiscard]] MAPIFolder Folders(const QString &name) const { return call("Folders", {name}); }
     /// 3 deleted items, 4 outbox, 5 sent items, 6 inbox, 9 calendar, 10 contacts, 13 tasks, 16 drafts.
     [[nodiscard]] MAPIFolder GetDefaultFolder(qint32 type) const { return call("GetDefaultFolder", {type}); }
     [[nodiscard]] MAPIFolder GetFolderFromID(const QString &entryID) const {
@@ -77,7 +77,7 @@ class NameSpace : public Handle {
 };
 
 inline host::Folders MAPIFolder::Folders() const { return get("Folders"); }
-inline MAPIFolder MAPIFolder::Folders(const QString &name) const { return Folders().Item(name); }
+inline MAPIFolder MAPIFolder::Folders(const QString &name) const { return call("Folders", {name}); }
 inline host::Items MAPIFolder::Items() const { return get("Items"); }
 inline MAPIFolder Item::Parent() const { return get("Parent"); }
 inline Item Item::Move(const MAPIFolder &folder) const { return call("Move", {folder}); }
