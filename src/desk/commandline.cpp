@@ -21,7 +21,8 @@ const QList<Command> &commands() {
                                     {"folders", 0, 0, {"mail"}},
                                     {"folder add", 1, 1, {"home-page"}},
                                     {"list", 1, 1, {"columns", "count"}},
-                                    {"show", 1, 1, {}}};
+                                    {"show", 1, 1, {}},
+                                    {"delete", 1, 1, {}}};
     return all;
 }
 
@@ -101,6 +102,7 @@ QString helpText() {
                                                           the items of a folder: columns are standard fields
                                                           (Subject, SenderName, ...) and custom properties
   orvelle-desk [OPTIONS] show ENTRYID                     one item with all that it holds
+  orvelle-desk [OPTIONS] delete ENTRYID                   an item into the deleted items, and from there for ever
 
 Paths of folders are written \\Top\Folder; or with slashes, /Top/Folder. Commands work beside a running desk and without one.
 

@@ -11,5 +11,6 @@ int foldersCommand(const CommandLine &line);
 int addFolderCommand(const CommandLine &line);
 int listCommand(const CommandLine &line);
 int showCommand(const CommandLine &line);
+int deleteCommand(const CommandLine &line);
 
 } // namespace desk

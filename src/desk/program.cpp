@@ -17,7 +17,8 @@ int run(const desk::CommandLine &line) {
     static const std::map<QString, Command> commands{
         {"run", desk::runCommand},         {"deliver", desk::deliverCommand},
         {"folders", desk::foldersCommand}, {"folder add", desk::addFolderCommand},
-        {"list", desk::listCommand},       {"show", desk::showCommand}};
+        {"list", desk::listCommand},       {"show", desk::showCommand},
+        {"delete", desk::deleteCommand}};
     return commands.at(line.command)(line);
 }
 

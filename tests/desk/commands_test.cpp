@@ -117,6 +117,19 @@ TEST_F(CommandsTest, DeliveredMailIsListedAndShown) {
     EXPECT_TRUE(run({"folders", "--mail"}).out.contains("second"));
 }
 
+TEST_F(CommandsTest, ADeletedItemGoesToTheDeletedItemsAndFromThereForEver) {
+    const QString file = written("mail.eml", "From: cal@example.org\r\nSubject: Away\r\n\r\nText\r\n");
+    ASSERT_EQ(run({"deliver", file}).status, 0);
+    const QString deleted = QStringLiteral("\\\\Mailbox - Alma Tester\\Deleted Items");
+    for (const QString &folder : {inboxPath, deleted}) {
+        const QJsonArray items = json({"list", folder}).array();
+        ASSERT_EQ(items.size(), 1);
+        EXPECT_EQ(json({"delete", items[0]["entryId"].toString()}).object()["subject"].toString(), "Away");
+        EXPECT_EQ(count(folder), 0);
+    }
+    EXPECT_EQ(run({"delete", QString(48, u'A')}).status, 1);
+}
+
 TEST_F(CommandsTest, OneMissingFileDoesNotHoldUpTheRest) {
     const QString good = written("good.eml", "Subject: good\r\n\r\nx\r\n");
     const Outcome outcome = run({"deliver", file("missing.eml"), good, "--json"});

@@ -6,8 +6,8 @@ namespace desk {
 
 namespace {
 
-constexpr int markerBytes = 4;
-constexpr int entryBytes = markerBytes + EntryId::tagBytes + 8;
+constexpr qsizetype markerBytes = 4;
+constexpr qsizetype entryBytes = markerBytes + EntryId::tagBytes + 8;
 constexpr char storeMarker[] = "0000000038A1BB10";
 
 } // namespace

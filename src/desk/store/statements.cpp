@@ -65,7 +65,9 @@ std::string updateItem(quint32 changedKeys) {
     std::string text = "UPDATE items SET version = version + 1, modified_at = :modified_at";
     quint32 bit = 1;
     for (const ItemColumn &column : itemColumns()) {
-        const auto set = [&text](const std::string &name) { text.append(", " + name + " = :" + name); };
+        const auto set = [&text](const std::string &name) {
+            text.append(", ").append(name).append(" = :").append(name);
+        };
         // The text is written even where its key is the same: the case of a letter may have changed.
         set(std::string(column.name));
         if (!column.isIndexed())

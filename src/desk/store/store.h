@@ -114,6 +114,8 @@ class Store {
     friend class Transfer;
 
     [[nodiscard]] qint64 numberFor(const QString &entryId, EntryId::Kind kind) const;
+    /// Fails with `itemGone`.
+    ItemRecord standingItem(ItemId id);
     std::optional<FolderRecord> folderBy(std::string_view sql, std::initializer_list<Bind> binds);
     QList<FolderRecord> foldersBy(std::string_view sql, std::initializer_list<Bind> binds);
 

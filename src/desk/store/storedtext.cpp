@@ -84,7 +84,7 @@ QString textOf(const QVariant &stored) {
 }
 
 QString foldedKey(const QString &text) {
-    const QString folded = foldedText(text);
+    QString folded = foldedText(text);
     if (folded.size() <= longestKey)
         return folded;
     const QByteArrayView bytes(reinterpret_cast<const char *>(folded.constData()), folded.size() * 2);

@@ -49,7 +49,15 @@ std::optional<FolderRecord> Store::folderBy(std::string_view sql, std::initializ
     return found.isEmpty() ? std::nullopt : std::optional(found.first());
 }
 
-FolderRecord Store::root() { return folderBy(sql::rootFolder, {}).value(); }
+FolderRecord Store::root() {
+    std::optional<FolderRecord> found = folderBy(sql::rootFolder, {});
+    if (!found)
+        throw Failure(failures::unspecified,
+                      QStringLiteral("The store %1 is damaged (it has lost its top folder). Put a "
+                                     "copy of the file from a backup in its place.")
+                          .arg(path()));
+    return *std::move(found);
+}
 
 FolderRecord Store::folder(FolderId id) {
     std::optional<FolderRecord> found = folderBy(sql::folder, {{"id", id}});
@@ -108,7 +116,7 @@ FolderRecord Store::saveFolder(const FolderRecord &record) {
 
 FolderRecord Store::moveFolder(FolderId id, FolderId parent) {
     Transaction transaction(*m_connection);
-    const FolderRecord standing = folder(id);
+    FolderRecord standing = folder(id);
     requireNotRoot(standing);
     for (FolderId above = parent; above != 0; above = folder(above).parent)
         if (above == id)

@@ -59,6 +59,13 @@ std::optional<ItemRecord> Store::item(ItemId id) {
     return found;
 }
 
+ItemRecord Store::standingItem(ItemId id) {
+    std::optional<ItemRecord> found = item(id);
+    if (!found)
+        throw itemGone();
+    return *std::move(found);
+}
+
 std::optional<ItemRecord> Store::itemByEntryId(const QString &entryId) {
     const ItemId id = numberFor(entryId, EntryId::Kind::Item);
     return id == 0 ? std::nullopt : item(id);
@@ -119,8 +126,7 @@ ItemRecord Store::save(const ItemRecord &fields, const ItemParts &parts) {
 
 ItemRecord Store::copy(ItemId id) {
     Transaction transaction(*m_connection);
-    if (!item(id))
-        throw itemGone();
+    static_cast<void>(standingItem(id));
     const QList<AttachmentRecord> attachments = readAttachments(*m_connection, id);
     const qint64 first = takeNumbers(*m_connection, 1 + attachments.size());
     const ItemId copy = first;
@@ -130,7 +136,7 @@ ItemRecord Store::copy(ItemId id) {
     m_connection->run(sql::copyProperties, {{"copy", copy}, {"arrival", copy}, {"item", id}});
     for (qsizetype i = 0; i < attachments.size(); ++i)
         m_connection->run(sql::copyAttachment, {{"copy_id", first + 1 + i}, {"copy", copy}, {"id", attachments[i].id}});
-    ItemRecord record = item(copy).value();
+    ItemRecord record = standingItem(copy);
     transaction.commit();
     m_order->added();
     return record;
@@ -147,7 +153,7 @@ ItemRecord Store::move(const ItemRecord &moved, FolderId target) {
     m_connection->run(sql::placeItem, {{"folder", target}, {"arrival", arrival}, {"id", moved.id}});
     m_connection->run(sql::placeProperties, {{"folder", target}, {"arrival", arrival}, {"id", moved.id}});
     const qint64 removals = noteRemoval(*m_connection, moved.folder);
-    ItemRecord record = item(moved.id).value();
+    ItemRecord record = standingItem(moved.id);
     transaction.commit();
     m_order->removed(moved.folder, before.arrival, removals);
     m_order->added();

@@ -70,11 +70,7 @@ class Transfer {
 /// Reads the item as one commit left it.
 WholeItem Transfer::read(ItemId id) {
     Transaction reading(source(), Transaction::Kind::Read);
-    const std::optional<ItemRecord> record = m_source.item(id);
-    if (!record)
-        throw Failure(failures::itemGone,
-                      QStringLiteral("The item was deleted or moved away by somebody else; look for it again."));
-    WholeItem item{.record = *record, .parts = {}};
+    WholeItem item{.record = m_source.standingItem(id), .parts = {}};
     item.parts.bodies = readBodies(source(), id);
     item.parts.properties = readProperties(source(), id);
     item.parts.original = readOriginal(source(), id);
@@ -95,7 +91,7 @@ void Transfer::requireFolder(FolderId folder) {
 Transfer::Incoming Transfer::placeHiddenCopy(const WholeItem &item, FolderId folder, TransferLock &lock) {
     Transaction transaction(target());
     requireFolder(folder);
-    const Incoming incoming{.item = takeNumbers(target()), .number = newTransferNumber()};
+    Incoming incoming{.item = takeNumbers(target()), .number = newTransferNumber()};
     // Nobody else can know of this number yet, so the byte is free.
     if (!lock.take(incoming.item))
         throw Failure(failures::unspecified,
@@ -137,7 +133,7 @@ ItemRecord Transfer::reveal(const Incoming &incoming) {
     target().run(sql::revealItem, {{"folder", folder}, {"arrival", arrival}, {"id", incoming.item}});
     target().run(sql::placeProperties, {{"folder", folder}, {"arrival", arrival}, {"id", incoming.item}});
     target().run(sql::dropIncoming, {{"item", incoming.item}});
-    ItemRecord revealed = m_target.item(incoming.item).value();
+    ItemRecord revealed = m_target.standingItem(incoming.item);
     transaction.commit();
     m_target.m_order->added();
     return revealed;
