@@ -7,7 +7,7 @@ namespace desk {
 namespace {
 
 /// What of an address header is read: more than any list of people.
-constexpr qsizetype longestList = 1024 * 1024;
+constexpr qsizetype longestList = qsizetype{1024} * 1024;
 constexpr qsizetype mostAddresses = 10'000;
 /// A name longer than this is not written as one quoted word.
 constexpr qsizetype longestQuoted = 60;
@@ -280,7 +280,7 @@ bool isWord(char c) {
 }
 
 QByteArray encodePhrase(const QString &name) {
-    const QByteArray ascii = name.toLatin1();
+    QByteArray ascii = name.toLatin1();
     if (std::all_of(ascii.begin(), ascii.end(), isWord) && ascii.size() <= longestQuoted && !ascii.contains("  "))
         return ascii;
     const bool printable =

@@ -9,7 +9,7 @@ namespace {
 /// More fields of one name, or identifiers in one field, than any honest message has.
 constexpr qsizetype mostValues = 1000;
 /// What of a field is read as text.
-constexpr qsizetype longestText = 256 * 1024;
+constexpr qsizetype longestText = qsizetype{256} * 1024;
 
 QDateTime toQt(GDateTime *moment) {
     const int year = g_date_time_get_year(moment);
@@ -49,7 +49,7 @@ bool Headers::has(const char *name) const { return !text(name).isEmpty(); }
 
 QString Headers::text(const char *name) const {
     for (const QByteArray &value : values(name)) {
-        const QString decoded = decodeHeader(value.first(std::min(value.size(), longestText)), m_fallback);
+        QString decoded = decodeHeader(value.first(std::min(value.size(), longestText)), m_fallback);
         if (!decoded.isEmpty())
             return decoded;
     }

@@ -3,7 +3,7 @@
 namespace desk {
 namespace {
 
-constexpr qint64 pieceLength = 64 * 1024;
+constexpr qint64 pieceLength = qint64{64} * 1024;
 
 bool isEmptyLine(const QByteArray &line) { return line == "\n" || line == "\r\n"; }
 

@@ -20,7 +20,7 @@ QByteArray source(GMimeObject *object) {
 QByteArray typeOf(GMimeObject *object) {
     GMimeContentType *type = g_mime_object_get_content_type(object);
     const GText text(type ? g_mime_content_type_get_mime_type(type) : nullptr);
-    const QByteArray name = text ? QByteArray(text.get()).toLower() : QByteArray("text/plain");
+    QByteArray name = text ? QByteArray(text.get()).toLower() : QByteArray("text/plain");
     // A type that is none ("text", an empty one) is read as text, like a missing one.
     const char *given = g_mime_object_get_header(object, "Content-Type");
     if (name == "application/octet-stream" && given && !QByteArrayView(given).contains('/'))
