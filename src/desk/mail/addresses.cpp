@@ -33,9 +33,6 @@ qsizetype endOfQuotedPart(const QString &address) {
 /// its brackets: "\"a b\"@[IPv6:::1]".
 QString cleanAddress(const QString &text) {
     QString address = oneLine(text);
-    // What looks like the start of an encoded word could not be written.
-    if (address.contains(u"=?"))
-        address.remove(u'?');
     QString quoted;
     if (const qsizetype end = endOfQuotedPart(address); end >= 0) {
         quoted = address.first(end);
@@ -46,7 +43,9 @@ QString cleanAddress(const QString &text) {
     const QString domain = literal < 0 ? QString() : cleanPlain(address.sliced(literal), {});
     if (literal >= 0)
         address.truncate(literal);
-    return quoted + cleanPlain(address, u":[]") + domain;
+    address = quoted + cleanPlain(address, u":[]") + domain;
+    // What looks like the start of an encoded word could not be written.
+    return address.contains(u"=?") ? address.remove(u'?') : address;
 }
 
 /// One that came in unusual clothes: the address inside the name, a name where the address belongs.

@@ -112,10 +112,9 @@ Sensitivity Headers::sensitivity() const {
 
 QString cleanIdentifier(const QString &text) {
     QString id = oneLine(text);
+    id.removeIf([](QChar c) { return c.isSpace() || c == u'<' || c == u'>'; });
     // What looks like the start of an encoded word could not be written.
-    const bool encoded = id.contains(u"=?");
-    id.removeIf([&](QChar c) { return c.isSpace() || c == u'<' || c == u'>' || (encoded && c == u'?'); });
-    return id;
+    return id.contains(u"=?") ? id.remove(u'?') : id;
 }
 
 QString cleanMimeType(const QString &text) {
