@@ -29,6 +29,17 @@ qsizetype endOfQuotedPart(const QString &address) {
     return i + 1 < address.size() && address[i + 1] == u'@' ? i + 1 : -1;
 }
 
+/// Where a domain that is a number in brackets begins, with its '@'; the end when there is none.
+qsizetype startOfLiteral(const QString &address) {
+    const qsizetype start = address.lastIndexOf(u"@[");
+    if (start < 0 || !address.endsWith(u']'))
+        return address.size();
+    const QStringView number = QStringView(address).sliced(start + 2).chopped(1);
+    const bool valid = std::all_of(number.begin(), number.end(),
+                                   [](QChar c) { return c.isLetterOrNumber() || c == u'.' || c == u':'; });
+    return valid ? start : address.size();
+}
+
 /// An address as it can be written in angle brackets. A quoted local part keeps its quotes, a domain that is a number
 /// its brackets: "\"a b\"@[IPv6:::1]".
 QString cleanAddress(const QString &text) {
@@ -39,11 +50,9 @@ QString cleanAddress(const QString &text) {
         quoted.removeIf([](QChar c) { return c == u'<' || c == u'>'; });
         address = address.sliced(end);
     }
-    const qsizetype literal = address.endsWith(u']') ? address.lastIndexOf(u"@[") : -1;
-    const QString domain = literal < 0 ? QString() : cleanPlain(address.sliced(literal), {});
-    if (literal >= 0)
-        address.truncate(literal);
-    address = quoted + cleanPlain(address, u":[]") + domain;
+    const qsizetype literal = startOfLiteral(address);
+    const QString domain = address.sliced(literal);
+    address = quoted + cleanPlain(address.first(literal), u":[]") + domain;
     // What looks like the start of an encoded word could not be written.
     return address.contains(u"=?") ? address.remove(u'?') : address;
 }
