@@ -66,8 +66,9 @@ TEST_F(Corpus, EveryMessageBecomesATicketThatShowsIt) {
         EXPECT_TRUE(mail["htmlBody"].toString().size() > 0 ||
                     ticket["htmlBody"].toString().simplified().contains(text));
         // A big message without attachments is attached whole.
-        if (!mail["attachments"].toArray().isEmpty())
+        if (!mail["attachments"].toArray().isEmpty()) {
             EXPECT_EQ(attachmentsOf(ticket), attachmentsOf(mail));
+        }
     }
 }
 

@@ -18,7 +18,7 @@ class TwoProcesses : public Helpdesk {
 
     bool watched() {
         const QJsonArray items = list(inbox);
-        return items.size() == 1 && items[0]["subject"].toString() == flagSubject;
+        return items.size() == 1 && items.at(0)["subject"].toString() == flagSubject;
     }
 
     QJsonObject ticketOf(const QString &subject) {
@@ -42,11 +42,11 @@ TEST_F(TwoProcesses, AMailBecomesATicketWhileTheyRun) {
     EXPECT_EQ(property(ticket, "Caller email"), "cal@example.org");
     EXPECT_EQ(ticket["messageClass"].toString(), "IPM.Post.HelpDesk.Ticket.8");
     ASSERT_TRUE(waitFor([&] { return folderExists(converted) && list(converted).size() == 1; }));
-    EXPECT_EQ(list(converted)[0]["billingInformation"].toString(), "1");
+    EXPECT_EQ(list(converted).at(0)["billingInformation"].toString(), "1");
     // The confirmation has left.
     const QString sent = QStringLiteral("\\\\Mailbox - Alma Tester\\Sent Items");
     ASSERT_TRUE(waitFor([&] { return list(sent).size() == 1; }));
-    EXPECT_EQ(list(sent)[0]["subject"].toString(), "Helpdesk Ticket {1}");
+    EXPECT_EQ(list(sent).at(0)["subject"].toString(), "Helpdesk Ticket {1}");
     EXPECT_EQ(QDir(path("profile/outgoing")).entryList({"*.eml"}).size(), 1);
 }
 

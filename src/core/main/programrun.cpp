@@ -39,8 +39,10 @@ void ProgramRun::start() {
     enterProgram([this] {
         // A profile that isn't there has no other instance either; that the host is missing is told later.
         if (!m_setup.instanceFile.isEmpty())
-            Attempt([this] { m_lock.emplace(m_setup.instanceFile); });
-        blnPreviousInstance = m_lock && !m_lock->isFirst();
+            Attempt([this] {
+                m_lock = FileLock::take(m_setup.instanceFile);
+                blnPreviousInstance = m_lock == nullptr;
+            });
         Main(m_setup.strCommand);
     });
     // Without a form nothing can come any more, and the process ends by itself.

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "automation/object.h"
-#include "core/main/instancelock.h"
+#include "platform/value/filelock.h"
 #include "platform/value/processlocal.h"
 
 #include <QString>
@@ -49,7 +49,8 @@ class ProgramRun {
 
     ProgramSetup m_setup;
     std::function<void()> m_ended;
-    std::optional<InstanceLock> m_lock;
+    /// Held for the life of the run; that is how another process knows of it.
+    std::unique_ptr<FileLock> m_lock;
     bool m_starting = false;
     bool m_alive = false;
     bool m_hostReached = false;

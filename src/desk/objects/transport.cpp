@@ -6,10 +6,10 @@
 #include "desk/objects/itemwatch.h"
 #include "desk/objects/session.h"
 #include "desk/store/transfer.h"
+#include "platform/value/filelock.h"
 
 #include <QDir>
 #include <QFile>
-#include <QLockFile>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -54,9 +54,8 @@ int Transport::deliverNow() {
         return 0;
     if (!QDir().mkpath(folder))
         throw Failure(failures::pathNotFound, QStringLiteral("The folder %1 can't be made.").arg(folder));
-    QLockFile lock(folder + QStringLiteral("/.lock"));
-    lock.setStaleLockTime(0);
-    if (!lock.tryLock())
+    auto lock = FileLock::take(folder + QStringLiteral("/.lock"));
+    if (!lock)
         return 0;
     settle(folder);
     int sent = 0;
@@ -75,7 +74,7 @@ int Transport::deliverNow() {
         if (failure && !firstFailure)
             firstFailure = failure;
     }
-    lock.unlock();
+    lock.reset();
     m_session.watch().look();
     if (firstFailure)
         throw Failure(*firstFailure);

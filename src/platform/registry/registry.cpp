@@ -2,11 +2,11 @@
 
 #include "platform/registry/hive.h"
 #include "platform/value/failure.h"
+#include "platform/value/filelock.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLockFile>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -16,24 +16,23 @@ ProcessLocal<QString> fileOverride;
 
 namespace {
 
-constexpr int patienceMilliseconds = 10000;
+constexpr std::chrono::seconds patience{10};
 
-/// Writers take turns by this; the machine gives it back when its holder dies.
+/// Writers take turns by this.
 class Turn {
   public:
-    Turn() : m_lock(file() + QStringLiteral(".lock")) {
+    Turn() {
         QDir().mkpath(QFileInfo(file()).path());
-        m_lock.setStaleLockTime(0);
-        if (!m_lock.tryLock(patienceMilliseconds))
-            throw Failure(
-                failures::permissionDenied,
-                QStringLiteral("The registry file %1 can't be locked for writing. Check that its folder may be "
-                               "written.")
-                    .arg(file()));
+        m_lock = FileLock::take(file() + QStringLiteral(".lock"), patience);
+        if (!m_lock)
+            throw Failure(failures::permissionDenied,
+                          QStringLiteral("The registry file %1 is kept locked by another program. End that program and "
+                                         "try again.")
+                              .arg(file()));
     }
 
   private:
-    QLockFile m_lock;
+    std::unique_ptr<FileLock> m_lock;
 };
 
 /// The file's content; nothing where there is no file.

@@ -1,8 +1,15 @@
 #include "platform/value/convert.h"
+#include "platform/value/filelock.h"
 #include "platform/value/processlocal.h"
 #include "platform/value/ref.h"
 
 #include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -167,6 +174,23 @@ TEST(ProgramCopies, EachHasItsOwnVariables) {
     EXPECT_EQ(*lastWord, "one");
     one.clear();
     EXPECT_EQ(*lastWord, "first");
+}
+
+TEST(FileLocks, OneHoldsAndAKilledHolderLeavesNothingBehind) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("lock");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const auto held = FileLock::take(file);
+        ::kill(::getpid(), held ? SIGKILL : SIGTERM);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+    const auto mine = FileLock::take(file);
+    ASSERT_NE(mine, nullptr);
+    EXPECT_EQ(FileLock::take(file), nullptr);
+    EXPECT_EQ(failureOf([&] { (void)FileLock::take(folder.filePath("none/lock")); }), failures::pathNotFound);
 }
 
 } // namespace
