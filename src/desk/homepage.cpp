@@ -11,7 +11,7 @@ namespace desk {
 namespace {
 
 /// A head longer than that is not looked through.
-constexpr qint64 headSize = 64 * 1024;
+constexpr qint64 headSize = 65536;
 
 QString attribute(const QString &tag, const QString &name) {
     const QRegularExpression pattern(QStringLiteral("\\b%1\\s*=\\s*(?:\"([^\"]*)\"|'([^']*)'|([^\\s>]+))").arg(name),
