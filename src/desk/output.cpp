@@ -64,7 +64,7 @@ void printTable(const QStringList &header, const QList<QStringList> &rows) {
         QString text;
         for (qsizetype column = 0; column < cells.size(); ++column) {
             const bool isLast = column + 1 == cells.size();
-            const QString cell = cells.at(column);
+            const QString &cell = cells.at(column);
             if (isLast)
                 text += cell;
             else if (cell.size() > widths.at(column))

@@ -9,9 +9,12 @@
 #include "outlook/folderpath.h"
 #include "outlook/outlookfolder.h"
 #include "outlook/properties.h"
+#include "outlook/safeutils.h"
 #include "outlook/session.h"
 #include "reference/settings.h"
 #include "ticket/ticket.h"
+
+#include <QScopeGuard>
 
 namespace {
 constexpr qint32 personal = 1;
@@ -42,8 +45,11 @@ host::PostItem fncNewTicketItem() {
 /// The row's number, which the database alone gives; empty when the row can't be written.
 QString fncSaveRow(const host::PostItem &ouiPost) {
     cTicket objTicket;
-    // Half a record is worth a row here: the ticket is new, so there is nothing that it could overwrite.
-    static_cast<void>(objTicket.ReadFromOutlook(ouiPost));
+    // Half a record is worth a row here: the ticket is new, so there is nothing that it could overwrite. An item that
+    // the host could not save is not: it would leave a row without a ticket.
+    if (!objTicket.ReadFromOutlook(ouiPost) && !AttemptOr([&] { return ouiPost.Saved(); }, false) &&
+        fncSetupSafeUtils())
+        return {};
     objTicket.SaveToDB();
     return objTicket.TicketID;
 }
@@ -66,20 +72,21 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     const host::PostItem ouiPost = fncNewTicketItem();
     if (ouiPost.isNothing())
         return {};
+    // Where no ticket comes of it the message is tried again, so an item without a number would only come a second
+    // time.
+    auto unfinished = qScopeGuard([&] { Attempt([&] { ouiPost.Delete(); }); });
     const host::UserProperties oups = ouiPost.UserProperties();
     subSetOutlookValue(oups, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
     subSetOutlookValue(oups, "Created at", Clock::now(), propertytype::date);
     subCopyAttachements(ouiMail, ouiPost);
     subFillTicketFromMail(ouiMail, ouiPost, oups);
     const QString strTicketID = fncSaveRow(ouiPost);
-    if (strTicketID.isEmpty()) {
-        // The message stays and is tried again, so the item without a number would only come a second time.
-        Attempt([&] { ouiPost.Delete(); });
+    if (strTicketID.isEmpty())
         return {};
-    }
     subSetOutlookValue(oups, "Ticket ID", strTicketID, propertytype::text);
     ouiPost.Sensitivity(personal);
     ouiPost.Close(closeSaving);
+    unfinished.dismiss();
     subTrace("Setting flag on email that a ticket was created from!");
     if (strClass == "IPM.NOTE")
         subMarkConverted(host::MailItem(ouiMail.object()), strTicketID);

@@ -8,6 +8,8 @@
 #include "reference/settings.h"
 #include "ticket/ticketfolders.h"
 
+#include <QScopeGuard>
+
 namespace {
 constexpr char received[] = "Received";
 
@@ -53,11 +55,12 @@ void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
 
 /// From the claimed message to its place in "Converted".
 void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &oufMonitored) {
+    // Also a failure report, which ends the process, frees the claim: the message is tried again at the next scan.
+    auto release = qScopeGuard([&] { subReleaseClaim(oui); });
     const QString strTicketID = fncCreateSingleTicket(oui);
-    if (strTicketID.isEmpty()) {
-        subReleaseClaim(oui);
+    if (strTicketID.isEmpty())
         return;
-    }
+    release.dismiss();
     if (blnConfirm)
         subSendConfirmation(oui, strTicketID, "");
     subKeepCopyUnderTicket(oui, strTicketID);

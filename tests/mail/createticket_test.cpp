@@ -63,13 +63,13 @@ TEST_P(TicketText, ComesFromTheMail) {
     EXPECT_EQ(onlyTicket().BodyFormat(), 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Bodies, TicketText,
-                         testing::Values(TextCase{"html", "<html><BODY bgcolor=red><i>x</i></BODY></html>", "x",
-                                                  "[<i>x</i>]"},
-                                         TextCase{"plain", "", "one\r\ntwo", "[one\r\ntwo"},
-                                         TextCase{"no body tag", "<p>one</p>", "one\r\ntwo", "[one<br>two"},
-                                         TextCase{"body without an end", "<body><p>x</p>", "x", "[<body><p>x</p>"}),
-                         [](const auto &each) { return QString(each.param.what).replace(' ', '_').toStdString(); });
+INSTANTIATE_TEST_SUITE_P(
+    Bodies, TicketText,
+    testing::Values(TextCase{"html", "<html><BODY bgcolor=red><i>x</i></BODY></html>", "x", "[<i>x</i>]"},
+                    TextCase{"plain", "", "from <cal@example.org>\r\ntwo", "[from &lt;cal@example.org&gt;<br>\r\ntwo"},
+                    TextCase{"no body tag", "<p>one</p>", "one\r\ntwo", "[one<br>two"},
+                    TextCase{"body without an end", "<body><p>x</p>", "x", "[<body><p>x</p>"}),
+    [](const auto &each) { return QString(each.param.what).replace(' ', '_').toStdString(); });
 
 TEST_F(CreateTicket, AnEmptySubjectStaysEmptyAndImportanceIsTaken) {
     start();

@@ -11,7 +11,7 @@
 namespace desk {
 namespace {
 
-constexpr qint64 maximumFileSize = 4 * 1024 * 1024;
+constexpr qint64 maximumFileSize = 4'194'304;
 
 std::optional<PropertyType> typeOf(const QString &name) {
     static const QHash<QString, PropertyType> types{{QStringLiteral("text"), PropertyType::Text},

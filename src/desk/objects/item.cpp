@@ -68,7 +68,13 @@ void Item::setBody(const QString &value) {
     tell("Body");
 }
 
-QString Item::htmlBody() { return bodyFormat() == plainFormat ? QString() : content().bodies().html; }
+QString Item::htmlBody() {
+    const Bodies &bodies = content().bodies();
+    if (bodyFormat() != plainFormat)
+        return bodies.html;
+    // A plain text as a page, so that who takes the page takes the text, with its lines and its angle brackets.
+    return bodies.plain.isEmpty() ? QString() : pageFromText(bodies.plain);
+}
 
 void Item::setHtmlBody(const QString &value) {
     if (content().bodies().html == value && bodyFormat() == htmlFormat)

@@ -184,7 +184,10 @@ QByteArray readFile(const QString &path) {
         throw Failure(failures::fileNotFound, QStringLiteral("There is no file %1.").arg(path));
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(failures::permissionDenied, QStringLiteral("%1 can't be read: %2").arg(path, file.errorString()));
-    return file.readAll();
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        throw Failure(failures::permissionDenied, QStringLiteral("%1 can't be read: %2").arg(path, file.errorString()));
+    return bytes;
 }
 
 } // namespace desk
