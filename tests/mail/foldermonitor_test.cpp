@@ -7,6 +7,8 @@
 #include "mail/intake.h"
 #include "support/helpdesk.h"
 
+#include <QFile>
+
 namespace {
 
 class FolderMonitor : public support::Helpdesk {
@@ -14,6 +16,18 @@ class FolderMonitor : public support::Helpdesk {
     [[nodiscard]] host::MAPIFolder converted() const { return intake().Folders("Converted"); }
     [[nodiscard]] host::Item ticket(qint32 index = 1) const { return tickets().Items().Item(index); }
 };
+
+TEST_F(FolderMonitor, AReportFreesTheClaimAndLeavesNoHalfTicket) {
+    support::Copy &copy = start();
+    // A database that another program has damaged: the conversion ends in the failure report, and so does the process.
+    ASSERT_TRUE(QFile::resize(path("program/Orvelle.mdb"), 100));
+    copy.answers.expect("Orvelle.mdb", window::No);
+    deliver({});
+    EXPECT_FALSE(copy.run.alive());
+    ASSERT_EQ(subjects(intake()), QStringList{"The printer is jammed"});
+    EXPECT_EQ(intake().Items().Item(1).BillingInformation(), "");
+    EXPECT_EQ(tickets().Items().Count(), 0);
+}
 
 TEST_F(FolderMonitor, AMailThatComesBecomesATicket) {
     start();

@@ -7,7 +7,7 @@ namespace safeobjects {
 
 QStringList progIds() { return {mapiUtils, safeMailItem, safePostItem, safeContactItem, addressLists, buttonHolder}; }
 
-void registerComponents(std::function<automation::ObjectPtr()> session) {
+void registerComponents(const std::function<automation::ObjectPtr()> &session) {
     scripting::Components &components = scripting::components;
     components.add(mapiUtils, [session] { return automation::wrap(std::make_shared<MAPIUtils>(session)); });
     components.add(addressLists, [session] { return automation::wrap(std::make_shared<AddressLists>(session)); });

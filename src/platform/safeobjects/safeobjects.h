@@ -28,6 +28,6 @@ QStringList progIds();
 
 /// Makes the components known to the current program copy.
 /// \param session  gives the host's session (`NameSpace`); may fail or give Nothing while there is none.
-void registerComponents(std::function<automation::ObjectPtr()> session);
+void registerComponents(const std::function<automation::ObjectPtr()> &session);
 
 } // namespace safeobjects
