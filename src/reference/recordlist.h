@@ -83,7 +83,7 @@ void subRecordsToRS(const Ref<ado::Recordset> &adrRS, const RecordTable<Record> 
 /// An entry for example data. Fails with 9 on an empty list.
 template <class Record>
 Ref<Record> fncRandomRecord(RecordDic<Record> &dicList) {
-    const QList<Ref<Record>> records = dicList.Items();
+    const QList<Ref<Record>> &records = dicList.Items();
     if (records.isEmpty())
         throw Failure(failures::subscriptOutOfRange);
     return records[std::max(0, toInt32(Random::next() * static_cast<double>(records.size())) - 1)];
