@@ -1,5 +1,7 @@
 #include "mail/intake.h"
 
+#include "core/dialogs.h"
+#include "core/process.h"
 #include "mail/confirmation.h"
 #include "mail/createticket.h"
 #include "mail/foldermonitor.h"
@@ -26,12 +28,25 @@ QString fncAnsweredTicket(const host::Item &oui) {
     return fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
 }
 
+/// A store that is full, locked or read-only makes every claim fail: one message is enough.
+ProcessLocal<bool> blnClaimTrouble;
+
+void subTellClaimTrouble(const Failure &failure) {
+    if (failure.number() == failures::itemChanged || failure.number() == failures::itemGone || blnClaimTrouble)
+        return;
+    blnClaimTrouble = true;
+    subAssistantMessage(ouaOutlook, failure.description());
+}
+
 /// The only lock between clients: of two that save the mark, one save fails. Returns whether it was won.
 bool fncClaim(const host::Item &oui) {
-    return !Attempt([&] {
+    const auto failure = Attempt([&] {
         oui.BillingInformation(strWorkingMark);
         oui.Save();
     });
+    if (failure)
+        subTellClaimTrouble(*failure);
+    return !failure;
 }
 
 bool fncIsUnclaimed(const host::Item &oui) {

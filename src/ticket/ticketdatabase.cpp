@@ -116,7 +116,8 @@ void cTicket::SaveToDB() try {
     subAssistantMessage(ouaOutlook, QStringLiteral("Failed to write current ticket to DB!\r\n"
                                                    "Either the database seems to have read-only attribute, or\r\n"
                                                    "the ticket seems to be locked by another user!\r\n\r\n"
-                                                   "Please try again with the proper settings!"));
+                                                   "Please try again with the proper settings!") +
+                                        strLineEnd + strLineEnd + failure.description());
 }
 
 void cTicket::ReadFromDB(const Ref<ado::Recordset> &adrRecord) try {
