@@ -31,6 +31,8 @@ QString fncFileName(QString strName) {
     if (strEnd.size() > longestEnd)
         strEnd.clear();
     QString strStem = strName.chopped(strEnd.size());
+    // A letter takes a byte at least; what is left is short, however long the sender's name was.
+    strStem.truncate(mostBytes);
     while ((strStem + strEnd).toUtf8().size() > mostBytes)
         strStem.chop(strStem.back().isLowSurrogate() ? 2 : 1);
     return strStem + strEnd;

@@ -133,8 +133,10 @@ void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) 
         host::MAPIFolder oufConverted;
         Attempt([&] { oufConverted = ouf.Folders(converted); });
         // The name has to be that very one: "converted" is a folder of somebody's own.
-        if (oufConverted.isNothing() || oufConverted.Name() != converted)
-            oufConverted = ouf.Folders().Add(converted);
+        const bool blnMissing = oufConverted.isNothing() || oufConverted.Name() != converted;
+        // Another copy may make it in between; then the adding fails, and it is there.
+        if (blnMissing && Attempt([&] { oufConverted = ouf.Folders().Add(converted); }))
+            oufConverted = ouf.Folders(converted);
         ouiMail.Move(oufConverted);
     });
 }

@@ -22,13 +22,22 @@ QString fncGetTicketIDFromSubject(const QString &strSubject) {
     return strSubject.mid(intOpen + 1, intClose - intOpen - 1);
 }
 
+namespace {
+/// Where the name is taken in between, another copy has made the very folder: then it is that one.
+host::MAPIFolder fncAddOrFind(const host::MAPIFolder &oufParent, const QString &strName) {
+    host::MAPIFolder ouf;
+    if (Attempt([&] { ouf = oufParent.Folders().Add(strName, mailFolder); }))
+        Attempt([&] { ouf = oufParent.Folders(strName); });
+    return ouf;
+}
+} // namespace
+
 host::MAPIFolder fncGetTicketFolder(const QString &strTicketID) {
     host::MAPIFolder ouf;
     Attempt([&] { ouf = oufTickets->Folders(strTicketID); });
     // The host may take a number for a position: then it is some other folder.
     if (ouf.isNothing() || AttemptOr([&] { return ouf.Name(); }, QString()) != strTicketID) {
-        ouf = host::MAPIFolder();
-        Attempt([&] { ouf = oufTickets->Folders().Add(strTicketID, mailFolder); });
+        ouf = fncAddOrFind(oufTickets, strTicketID);
     }
     if (ouf.isNothing())
         subTellNoSubFolder();
@@ -43,7 +52,7 @@ host::MAPIFolder fncGetTicketSubFolder(const QString &strTicketID, const QString
     host::MAPIFolder ouf;
     Attempt([&] { ouf = oufTicket.Folders(strName); });
     if (ouf.isNothing())
-        Attempt([&] { ouf = oufTicket.Folders().Add(strName, mailFolder); });
+        ouf = fncAddOrFind(oufTicket, strName);
     if (ouf.isNothing())
         subTellNoSubFolder();
     return ouf;
