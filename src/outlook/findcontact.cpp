@@ -68,7 +68,9 @@ class ContactSearch {
     /// A hit does not end the search: a later list can replace it.
     void byAddress(const host::MAPIFolder &ouf) {
         Attempt([&] {
-            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + m_address + "'");
+            // An address is a stranger's text: a quote in it must not end the filter's.
+            const QString strQuoted = QString(m_address).replace("'", "''");
+            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + strQuoted + "'");
             if (oui)
                 m_found = host::ContactItem(oui.object());
         });
