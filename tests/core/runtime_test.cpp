@@ -88,13 +88,13 @@ TEST_F(Runtime, ACompanionThatCannotBeStartedIsToldAndTheRunGoesOn) {
 }
 
 TEST_F(Runtime, FilesAreOpenedAndPrintedWhereTheyAre) {
-    put("page.htm");
-    subInvokeShellVerb(at("none"), "page.htm");
-    subInvokeShellVerb(at(""), "none.htm");
-    subInvokeShellVerb(at(""), "page.htm");
-    subPrintFile(at("page.htm"));
+    put("page.txt");
+    subInvokeShellVerb(at("none"), "page.txt");
+    subInvokeShellVerb(at(""), "none.txt");
+    subInvokeShellVerb(at(""), "page.txt");
+    subPrintFile(at("page.txt"));
     EXPECT_EQ(launches.started(),
-              (QStringList{"xdg-open|" + folder.filePath("page.htm"), "lp|--|" + folder.filePath("page.htm")}));
+              (QStringList{"xdg-open|" + folder.filePath("page.txt"), "lp|--|" + folder.filePath("page.txt")}));
 }
 
 TEST_F(Runtime, ALinkThatCannotBeOpenedIsTold) {

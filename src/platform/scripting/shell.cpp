@@ -8,6 +8,7 @@
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 
 #include <pwd.h>
 #include <unistd.h>
@@ -21,14 +22,48 @@ namespace {
 /// What the component gives for anything that it can't find.
 constexpr qint32 notThere = failures::automation(0x80070002);
 
+[[noreturn]] void cannotStart(const QString &program) {
+    throw Failure(
+        notThere,
+        QStringLiteral("The program %1 can't be started. Check that it is there and may be run.").arg(program));
+}
+
 class MachineLauncher : public Launcher {
   public:
     void start(const QString &program, const QStringList &arguments) override {
-        const QString found = program.contains(u'/') ? program : QStandardPaths::findExecutable(program);
+        const QString found = find(program);
         if (found.isEmpty() || !QProcess::startDetached(found, arguments))
-            throw Failure(notThere, QStringLiteral("The program %1 can't be started. Check that it is there and may be "
-                                                   "run.")
-                                        .arg(program));
+            cannotStart(program);
+    }
+
+    void handOver(const QString &program, const QStringList &arguments) override {
+        // A browser that is the first of its kind to run may take the place of the program that opened it.
+        constexpr int patience = 3000;
+        QTemporaryFile said;
+        auto process = std::make_unique<QProcess>();
+        process->setStandardInputFile(QProcess::nullDevice());
+        process->setStandardOutputFile(QProcess::nullDevice());
+        process->setStandardErrorFile(said.open() ? said.fileName() : QProcess::nullDevice());
+        process->setChildProcessModifier([] { ::setsid(); });
+        process->start(find(program), arguments);
+        if (!process->waitForStarted())
+            cannotStart(program);
+        if (!process->waitForFinished(patience)) {
+            // Dropping the object would end the program.
+            QObject::connect(process.get(), &QProcess::finished, process.get(), &QObject::deleteLater);
+            static_cast<void>(process.release());
+            return;
+        }
+        if (process->exitStatus() != QProcess::NormalExit || process->exitCode() != 0)
+            throw Failure(notThere, QStringLiteral("%1 can't pass on %2 (status %3). %4")
+                                        .arg(program, arguments.last())
+                                        .arg(process->exitCode())
+                                        .arg(QString::fromLocal8Bit(said.readAll()).trimmed()));
+    }
+
+  private:
+    static QString find(const QString &program) {
+        return program.contains(u'/') ? program : QStandardPaths::findExecutable(program);
     }
 };
 
@@ -37,9 +72,18 @@ QString loginName() {
     return entry ? QString::fromLocal8Bit(entry->pw_name) : qEnvironmentVariable("USER");
 }
 
-bool isLink(const QString &text) {
+/// A text that is a link, in the form that applications here know; empty for any other text. A drive's letter is no
+/// scheme.
+QString linkOf(const QString &text) {
     static const QRegularExpression scheme(QStringLiteral("^[A-Za-z][A-Za-z0-9+.-]+:"));
-    return text.startsWith(u"www.", Qt::CaseInsensitive) || scheme.match(text).hasMatch();
+    static const QRegularExpression fileScheme(QStringLiteral("^file:/*"), QRegularExpression::CaseInsensitiveOption);
+    if (text.startsWith(u"www.", Qt::CaseInsensitive))
+        return "http://" + text;
+    if (text.startsWith(QStringLiteral("\\\\")))
+        return "smb:" + nativePath(text);
+    if (text.startsWith(u"file:", Qt::CaseInsensitive))
+        return nativePath(text).replace(fileScheme, QStringLiteral("file:///"));
+    return scheme.match(text).hasMatch() ? text : QString();
 }
 
 } // namespace
@@ -79,8 +123,8 @@ QString Shell::ExpandEnvironmentStrings(const QString &text) const {
 }
 
 void Shell::Run(const QString &command, qint32 /*windowStyle*/) const {
-    if (isLink(command))
-        return currentLauncher().start(QStringLiteral("xdg-open"), {command});
+    if (const QString link = linkOf(command); !link.isEmpty())
+        return currentLauncher().handOver(QStringLiteral("xdg-open"), {link});
     QStringList parts = QProcess::splitCommand(command);
     if (parts.isEmpty())
         throw Failure(failures::invalidCall, QStringLiteral("There is no program to run."));

@@ -19,6 +19,9 @@ class Launcher {
     /// Starts a program on its own, without waiting. Fails when it can't be started.
     /// \param program  a machine's path, or a name to be searched for.
     virtual void start(const QString &program, const QStringList &arguments) = 0;
+    /// Starts a program that hands something to another one and ends, such as `xdg-open` and `lp`. Fails as well when
+    /// it ends within seconds and says that it could not; one that takes longer is left to itself.
+    virtual void handOver(const QString &program, const QStringList &arguments) { start(program, arguments); }
 };
 /// The launcher of this copy; Nothing stands for the machine's own.
 extern ProcessLocal<std::shared_ptr<Launcher>> launcher;
@@ -34,8 +37,9 @@ class Shell {
     /// Replaces each %NAME%: by the environment's variable, %USERNAME% by the login name. A name that is not known
     /// stays as it is.
     [[nodiscard]] QString ExpandEnvironmentStrings(const QString &text) const;
-    /// Starts a program with its arguments, cut at blanks outside of double quotes, or opens a web or mail link. No
-    /// command interpreter sees the text. Does not wait. Fails with 0x80070002 when it can't be started.
+    /// Starts a program with its arguments, cut at blanks outside of double quotes, or opens a link (web, mail, a file,
+    /// a share of a server) in the application that the person chose for it. No command interpreter sees the text. Does
+    /// not wait for the program. Fails with 0x80070002 when it can't be started, or when no application opens the link.
     void Run(const QString &command, qint32 windowStyle = 1) const;
     /// Brings the window of that title to the front; false where there is none.
     bool AppActivate(const QString &title) const;
@@ -47,7 +51,8 @@ class FolderItem {
     explicit FolderItem(QString path) : m_path(std::move(path)) {}
     [[nodiscard]] QString Path() const { return m_path; }
     /// No verb opens the file: a program is started, anything else goes to the application that the person chose for
-    /// it. "Print" hands it to the printer. What can't be started gets the shell's own message and is no failure.
+    /// it. "Print" hands it to the printer, a page of HTML as a reader sees it. What can't be done gets the shell's own
+    /// message and is no failure.
     /// Fails with 438 for a verb that the file doesn't have.
     void InvokeVerb(const QString &verb = {}) const;
 

@@ -1,5 +1,6 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
+#include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "platform/window/window.h"
 
@@ -27,11 +28,18 @@ void FolderItem::open() const {
     if (file.suffix().compare(u"exe", Qt::CaseInsensitive) == 0 && file.isFile())
         currentLauncher().start(path, {});
     else
-        currentLauncher().start(QStringLiteral("xdg-open"), {path});
+        currentLauncher().handOver(QStringLiteral("xdg-open"), {path});
 }
 
 void FolderItem::print() const {
-    currentLauncher().start(QStringLiteral("lp"), {QStringLiteral("--"), nativePath(m_path)});
+    const QFileInfo file(nativePath(m_path));
+    const bool isPage = file.suffix().compare(u"htm", Qt::CaseInsensitive) == 0 ||
+                        file.suffix().compare(u"html", Qt::CaseInsensitive) == 0;
+    // The spooler knows no HTML and would print the source.
+    if (isPage)
+        printHtml(FileSystemObject().OpenTextFile(m_path)->ReadAll(), file.completeBaseName());
+    else
+        currentLauncher().handOver(QStringLiteral("lp"), {QStringLiteral("--"), file.filePath()});
 }
 
 qint32 FolderItems::Count() const {

@@ -1,6 +1,7 @@
 #include "platform/registry/registry.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
+#include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "support/answers.h"
 #include "support/launches.h"
@@ -63,7 +64,10 @@ TEST_F(TheShell, StartsProgramsWithoutAnInterpreter) {
         {"\"\\bin\\X.exe\" ; rm -rf $HOME", "/bin/X.exe|;|rm|-rf|$HOME"},
         {"http://orvelle.example/?a=1&b=$(x)", "xdg-open|http://orvelle.example/?a=1&b=$(x)"},
         {"mailto:ann@orvelle.example", "xdg-open|mailto:ann@orvelle.example"},
-        {"www.orvelle.example", "xdg-open|www.orvelle.example"},
+        {"www.orvelle.example", "xdg-open|http://www.orvelle.example"},
+        {"\\\\server\\share\\a b", "xdg-open|smb://server/share/a b"},
+        {"file:\\a.txt", "xdg-open|file:///a.txt"},
+        {"file:///a%20b.txt", "xdg-open|file:///a%20b.txt"},
     };
     QStringList expected;
     for (const auto &[command, started] : cases) {
@@ -84,22 +88,108 @@ TEST_F(TheShell, ReallyStartsAndFailsByNumber) {
 
 TEST_F(TheShell, OpensAndPrintsTheFilesOfAFolder) {
     put("Pellucube.exe");
-    put("page.htm");
+    put("page.txt");
     const scripting::ShellApplication application;
     EXPECT_TRUE(application.NameSpace(folder.filePath("none")).isNothing());
     const auto items = application.NameSpace(scripting::pathText(folder.path()) + "\\")->Items();
     EXPECT_EQ(items.Count(), 2);
     EXPECT_TRUE(items.Item("none.htm").isNothing());
     items.Item("Pellucube.exe")->InvokeVerb();
-    items.Item("page.htm")->InvokeVerb();
-    items.Item("page.htm")->InvokeVerb("Print");
+    items.Item("page.txt")->InvokeVerb();
+    items.Item("page.txt")->InvokeVerb("Print");
     EXPECT_EQ(launches.started(),
-              (QStringList{folder.filePath("Pellucube.exe"), "xdg-open|" + folder.filePath("page.htm"),
-                           "lp|--|" + folder.filePath("page.htm")}));
-    EXPECT_EQ(failureOf([&] { items.Item("page.htm")->InvokeVerb("Frobnicate"); }), failures::memberMissing);
+              (QStringList{folder.filePath("Pellucube.exe"), "xdg-open|" + folder.filePath("page.txt"),
+                           "lp|--|" + folder.filePath("page.txt")}));
+    EXPECT_EQ(failureOf([&] { items.Item("page.txt")->InvokeVerb("Frobnicate"); }), failures::memberMissing);
     launches.fail();
     answers.expect("It can't be started.");
-    items.Item("page.htm")->InvokeVerb("Print");
+    items.Item("page.txt")->InvokeVerb("Print");
+}
+
+/// A machine with programs of its own on its path, and none of the real ones.
+class ADesktop : public TheShell {
+  protected:
+    void SetUp() override {
+        TheShell::SetUp();
+        scripting::launcher = nullptr;
+        QDir(folder.path()).mkdir("bin");
+        m_path = qgetenv("PATH");
+        qputenv("PATH", folder.filePath("bin").toLocal8Bit());
+        qputenv("ORVELLE_PROFILE", folder.path().toLocal8Bit());
+    }
+    void TearDown() override {
+        qputenv("PATH", m_path);
+        qunsetenv("ORVELLE_PROFILE");
+        TheShell::TearDown();
+    }
+    /// \param script  lines of a shell script.
+    void install(const QString &name, const QByteArray &script) const {
+        QFile file(folder.filePath("bin/" + name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write("#!/bin/sh\n" + script + "\n");
+        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    QByteArray bytes(const QString &name) const {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+    }
+    QStringList printouts() const { return QDir(scripting::printoutFolder()).entryList(QDir::Files); }
+
+  private:
+    QByteArray m_path;
+};
+
+TEST_F(ADesktop, IsToldWhenNothingOpensALinkOrAFile) {
+    const qint32 notThere = failures::automation(0x80070002);
+    put("page.txt");
+    const auto item = scripting::ShellApplication().NameSpace(folder.path())->Items().Item("page.txt");
+    EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), notThere);
+    answers.expect("The program xdg-open can't be started");
+    item->InvokeVerb();
+    install("xdg-open", "echo nothing fits >&2; exit 3");
+    EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), notThere);
+    answers.expect("(status 3). nothing fits");
+    item->InvokeVerb();
+    install("xdg-open", "exit 0");
+    EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), 0);
+    // One that goes on is taken for the browser itself.
+    install("xdg-open", "exec 2>&1 /bin/sleep 5");
+    EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), 0);
+    answers.expect("The program lp can't be started");
+    item->InvokeVerb("Print");
+    install("lp", "echo 'no default destination' >&2; exit 1");
+    answers.expect("no default destination");
+    item->InvokeVerb("Print");
+}
+
+TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
+    const QString html = "<style>p{margin-bottom: -20}</style><p>Πρόβλημα</p><img src='/dev/zero'>";
+    install("lp", "shift 3; /bin/cp \"$1\" '" + folder.filePath("printed").toLocal8Bit() + "'");
+    scripting::printHtml(html, "Ticket 7");
+    EXPECT_TRUE(bytes("printed").startsWith("%PDF-"));
+    EXPECT_TRUE(printouts().isEmpty());
+
+    install("lp", "echo 'no default destination' >&2; exit 1");
+    answers.expect("No printer took \"../Ticket\t7\".\r\n");
+    answers.expect("no default destination\r\nIt is kept as " + scripting::printoutFolder() +
+                   "/page.._Ticket_7 (2).pdf");
+    for (int i = 0; i < 2; ++i)
+        scripting::printHtml(html, "../Ticket\t7");
+    EXPECT_EQ(printouts(), (QStringList{"page.._Ticket_7 (2).pdf", "page.._Ticket_7.pdf"}));
+
+    // The verb prints the page and not its source.
+    QFile file(folder.filePath("ticket.HTM"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(html.toUtf8());
+    file.close();
+    answers.expect("printouts/ticket.pdf");
+    scripting::ShellApplication().NameSpace(folder.path())->Items().Item("ticket.HTM")->InvokeVerb("Print");
+    EXPECT_TRUE(bytes("printouts/ticket.pdf").startsWith("%PDF-"));
+
+    QDir(folder.filePath("printouts")).removeRecursively();
+    put("printouts");
+    answers.expect("It can't be kept in " + scripting::printoutFolder());
+    scripting::printHtml(html, "Ticket 7");
 }
 
 TEST_F(TheShell, MakesTheComponentsThatAreInstalled) {
