@@ -92,7 +92,7 @@ ValueRows cCallersList::ToArray() const {
 void cCallersList::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     cCallersList stored;
     stored.FromRS(adrRS);
-    subRecordsToRS(adrRS, table(), *DicList, *stored.DicList);
+    adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cCallerList.ToRS");
 }

@@ -75,14 +75,23 @@ void cOtherSettings::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     subTrace("Saving other settings to database");
     if (!adrRS)
         return;
+    adrRS->Together([&] { WriteAll(adrRS); });
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cOtherSettings.ToRS");
+}
+
+void cOtherSettings::WriteAll(const Ref<ado::Recordset> &adrRS) const {
     cSimpleList stored;
     stored.FromRS(adrRS);
     for (const QString &name : DicList->Keys()) {
-        if (stored.DicList->Exists(name)) {
+        const bool blnStored = stored.DicList->Exists(name);
+        if (blnStored) {
             if (adrRS->RecordCount() != 0)
                 adrRS->MoveFirst();
             adrRS->Find("strPropName = " + fncQuoted(name));
-        } else {
+        }
+        // A row whose name is Null is read as one without a name, and no search finds it.
+        if (!blnStored || adrRS->IsEOF()) {
             adrRS->AddNew();
             adrRS->Fields(nameColumn).SetValue(name);
         }
@@ -93,6 +102,4 @@ void cOtherSettings::ToRS(const Ref<ado::Recordset> &adrRS) const try {
         adrRS->Fields(textColumn).SetValue(text);
         adrRS->Update();
     }
-} catch (const Failure &failure) {
-    subErrorHandler(failure, "cOtherSettings.ToRS");
 }

@@ -36,4 +36,7 @@ class cOtherSettings {
     /// Writes every name, changed or not, to the whole table, open for writing. Rows of other names stay. An empty text
     /// is written as one blank, since the column takes no empty text.
     void ToRS(const Ref<ado::Recordset> &adrRS) const;
+
+  private:
+    void WriteAll(const Ref<ado::Recordset> &adrRS) const;
 };

@@ -125,7 +125,9 @@ void cProblemTypes::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     subTrace("Saving problem types to database");
     cProblemTypes stored;
     stored.FromRS(adrRS);
-    subRecordsToRS(adrRS, table(), *DicList, *stored.DicList);
+    // An empty list needs no table.
+    if (adrRS || DicList->Count() != 0)
+        adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cProblemTypes.ToRS");
 }

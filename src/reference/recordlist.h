@@ -62,20 +62,20 @@ void subRecordToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, cons
 
 /// Brings a whole table, open for writing, in line with a list. `dicStored` is what the table held before.
 template <class Record>
-void subRecordsToRS(const Ref<ado::Recordset> &adrRS, const RecordTable<Record> &table, RecordDic<Record> &dicList,
+void subRecordsToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, RecordDic<Record> &dicList,
                     RecordDic<Record> &dicStored) {
     for (const QString &name : dicList.Keys())
-        subRecordToRS(*adrRS, table, name, *dicList.Item(name), dicStored);
-    if (!adrRS || adrRS->RecordCount() <= dicList.Count())
+        subRecordToRS(adrRS, table, name, *dicList.Item(name), dicStored);
+    if (adrRS.RecordCount() <= dicList.Count())
         return;
     for (const QString &name : dicStored.Keys()) {
         if (dicList.Exists(name))
             continue;
-        adrRS->MoveFirst();
-        subFindRecord(*adrRS, table, *dicStored.Item(name));
-        if (!adrRS->IsEOF()) {
+        adrRS.MoveFirst();
+        subFindRecord(adrRS, table, *dicStored.Item(name));
+        if (!adrRS.IsEOF()) {
             subTrace(table.strDeleting + name);
-            adrRS->Delete();
+            adrRS.Delete();
         }
     }
 }

@@ -77,7 +77,9 @@ void cResponsibles::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     subTrace("Saving responsibles to database");
     cResponsibles stored;
     stored.FromRS(adrRS);
-    subRecordsToRS(adrRS, table(), *DicList, *stored.DicList);
+    // An empty list needs no table.
+    if (adrRS || DicList->Count() != 0)
+        adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cResponsibles.ToRS");
 }

@@ -96,6 +96,12 @@ ValueRows cSimpleList::ToArray() const {
 }
 
 void cSimpleList::ToRS(const Ref<ado::Recordset> &adrRS) const try {
+    adrRS->Together([&] { BringInLine(adrRS); });
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cSimpleList.ToRS");
+}
+
+void cSimpleList::BringInLine(const Ref<ado::Recordset> &adrRS) const {
     cSimpleList stored;
     stored.FromRS(adrRS);
     for (const QString &item : DicList->Items()) {
@@ -116,6 +122,4 @@ void cSimpleList::ToRS(const Ref<ado::Recordset> &adrRS) const try {
         if (!adrRS->IsEOF())
             adrRS->Delete();
     }
-} catch (const Failure &failure) {
-    subErrorHandler(failure, "cSimpleList.ToRS");
 }

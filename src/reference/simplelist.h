@@ -39,4 +39,7 @@ class cSimpleList {
     [[nodiscard]] ValueRows ToArray() const;
     /// Brings the whole table, open for writing, in line with the list: adds what is new, deletes what is gone.
     void ToRS(const Ref<ado::Recordset> &adrRS) const;
+
+  private:
+    void BringInLine(const Ref<ado::Recordset> &adrRS) const;
 };

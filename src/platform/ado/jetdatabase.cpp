@@ -95,8 +95,7 @@ bool JetDatabase::tryOpen(const QString &options, const QString &parameters) {
     m_database.setDatabaseName(QString("file:%1?%2").arg(QString::fromLatin1(path), parameters));
     if (!m_database.open())
         return false;
-    const QVariant handle = m_database.driver()->handle();
-    addFunctions(*static_cast<sqlite3 *const *>(handle.constData()));
+    addFunctions(handle());
     // Opening reads nothing; this is where a file that is no database shows.
     QSqlQuery look = query();
     if (look.exec("SELECT count(*) FROM sqlite_master"))
@@ -105,6 +104,11 @@ bool JetDatabase::tryOpen(const QString &options, const QString &parameters) {
     if (code == SQLITE_CANTOPEN && m_readOnly)
         return false;
     fail(code, look.lastError().databaseText());
+}
+
+sqlite3 *JetDatabase::handle() const {
+    const QVariant handle = m_database.driver()->handle();
+    return *static_cast<sqlite3 *const *>(handle.constData());
 }
 
 void JetDatabase::addFunctions(sqlite3 *handle) {

@@ -24,6 +24,8 @@ class JetDatabase {
 
     [[nodiscard]] bool isReadOnly() const { return m_readOnly; }
 
+    /// The engine's own handle. Lasts as long as the object.
+    [[nodiscard]] sqlite3 *handle() const;
     /// A query for statements of the caller's.
     [[nodiscard]] QSqlQuery query() const;
     /// Runs a statement that gives nothing.

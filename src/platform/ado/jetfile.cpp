@@ -167,11 +167,42 @@ class JetFile final : public Provider {
         runOnOriginal(query, 0, original);
     }
 
+    void beginRun() override {
+        QSqlQuery mode = m_database.query();
+        m_database.prepare(mode, "PRAGMA journal_mode");
+        m_database.run(mode);
+        // Only with a log of its own the file stays whole without a wait for each change; in a transaction there is one
+        // wait anyway.
+        if (!mode.next() || mode.value(0).toString() != "wal" || m_database.isReadOnly() ||
+            sqlite3_get_autocommit(m_database.handle()) == 0)
+            return;
+        mode.finish();
+        m_database.run("PRAGMA synchronous=NORMAL");
+        m_changesBeforeRun = sqlite3_total_changes(m_database.handle());
+    }
+
+    void endRun() override {
+        if (!m_changesBeforeRun)
+            return;
+        m_database.run("PRAGMA synchronous=FULL");
+        if (std::exchange(m_changesBeforeRun, std::nullopt) != sqlite3_total_changes(m_database.handle()))
+            syncLog();
+    }
+
     void begin() override { m_database.run("BEGIN IMMEDIATE"); }
     void commit() override { m_database.run("COMMIT"); }
     void rollback() override { m_database.run("ROLLBACK"); }
 
   private:
+    void syncLog() {
+        sqlite3_file *log = nullptr;
+        sqlite3_file_control(m_database.handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+        if (log == nullptr || log->pMethods == nullptr)
+            return;
+        if (const int code = log->pMethods->xSync(log, SQLITE_SYNC_NORMAL); code != SQLITE_OK)
+            m_database.fail(code, sqlite3_errstr(code));
+    }
+
     /// The condition of the optimistic lock: the row is as it was read, in every column that was.
     static QString asRead(const RowSet &set) {
         QStringList conditions;
@@ -305,6 +336,7 @@ class JetFile final : public Provider {
     QSet<QString> m_lookups;
     QSet<QString> m_money;
     bool m_haveMoney = false;
+    std::optional<int> m_changesBeforeRun;
 };
 
 } // namespace

@@ -65,6 +65,12 @@ class Provider {
     /// Deletes the row that still has all values of `original`.
     virtual void remove(const RowSet &set, const Row &original) = 0;
 
+    /// Between the two, a change is done and seen by everybody when its call returns, as ever, but the disk is waited
+    /// for once, in `endRun`: a program that dies in between loses nothing, a machine that does may lose the last of
+    /// it. Not nested.
+    virtual void beginRun() = 0;
+    virtual void endRun() = 0;
+
     /// Starts a transaction, with the right to write.
     virtual void begin() = 0;
     virtual void commit() = 0;

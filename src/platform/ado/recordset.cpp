@@ -11,6 +11,20 @@ namespace {
                                    "one, or the row has been deleted.");
 }
 
+qint32 keyOf(const Value &value) { return std::get<qint32>(value.held()); }
+
+/// The last row's key (0 without rows) where the keys stand in ascending order, as in a table opened by its name.
+std::optional<qint32> lastKeyInOrder(const RowSet &set) {
+    qint32 last = 0;
+    for (const Row &row : set.rows) {
+        const Value &key = row[static_cast<std::size_t>(set.key)];
+        if (!key.holds<qint32>() || keyOf(key) <= last)
+            return std::nullopt;
+        last = keyOf(key);
+    }
+    return last;
+}
+
 } // namespace
 
 QString Field::Name() const { return m_recordset->m_set.columns[static_cast<std::size_t>(m_column)].name; }
@@ -22,10 +36,9 @@ void Field::SetValue(const ::Value &value) { m_recordset->setValue(m_column, val
 void Recordset::Open() {
     if (m_open)
         throw Failure(alreadyOpen, "The recordset is open already.");
-    if (m_lockType == LockType::BatchOptimistic)
-        throw Failure(notUpdatable, "Changes are written row by row; batches are not offered.");
     m_provider = m_connection->provider();
     m_set = m_provider->select(m_source);
+    m_lastKey = m_set.isUpdatable() ? lastKeyInOrder(m_set) : std::nullopt;
     m_position = 0;
     m_onDeleted = false;
     m_edit = Edit::None;
@@ -49,6 +62,8 @@ void Recordset::requireWritable() const {
     requireOpen();
     if (m_lockType == LockType::ReadOnly)
         throw Failure(notUpdatable, "The recordset was opened read-only.");
+    if (m_lockType == LockType::BatchOptimistic)
+        throw Failure(notUpdatable, "Changes are written row by row; batches are not offered.");
     if (!m_set.isUpdatable())
         throw Failure(notUpdatable,
                       "The selection can't be written to: it needs the rows of one table with their key.");
@@ -95,8 +110,20 @@ void Recordset::Find(const QString &criterion) {
     const Criterion wanted = Criterion::parse(criterion);
     const auto column = static_cast<std::size_t>(columnOf(wanted.column));
     m_onDeleted = false;
+    if (m_lastKey && static_cast<int>(column) == m_set.key && wanted.value.holds<double>())
+        skipToKey(std::get<double>(wanted.value.held()));
     while (m_position < m_set.rows.size() && !wanted.holds(m_set.rows[m_position][column]))
         ++m_position;
+}
+
+void Recordset::skipToKey(double key) {
+    const auto column = static_cast<std::size_t>(m_set.key);
+    const auto from = m_set.rows.begin() + static_cast<std::ptrdiff_t>(m_position);
+    const auto found = std::lower_bound(from, m_set.rows.end(), key,
+                                        [&](const Row &row, double wanted) { return keyOf(row[column]) < wanted; });
+    m_position = static_cast<std::size_t>(found - m_set.rows.begin());
+    if (found != m_set.rows.end() && keyOf((*found)[column]) != key)
+        m_position = m_set.rows.size();
 }
 
 void Recordset::AddNew() {
@@ -113,7 +140,9 @@ void Recordset::Update() {
         return;
     requireWritable();
     if (m_edit == Edit::New) {
-        m_edited[static_cast<std::size_t>(m_set.key)] = m_provider->insert(m_set, m_edited, m_assigned);
+        const qint32 key = m_provider->insert(m_set, m_edited, m_assigned);
+        m_edited[static_cast<std::size_t>(m_set.key)] = key;
+        m_lastKey = m_lastKey && *m_lastKey < key ? std::optional(key) : std::nullopt;
         m_set.rows.push_back(m_edited);
         m_position = m_set.rows.size() - 1;
         m_onDeleted = false;
@@ -138,6 +167,20 @@ void Recordset::Delete() {
     m_provider->remove(m_set, m_set.rows[m_position]);
     m_set.rows.erase(m_set.rows.begin() + static_cast<std::ptrdiff_t>(m_position));
     m_onDeleted = true;
+}
+
+void Recordset::Together(const std::function<void()> &changes) {
+    requireOpen();
+    struct Run {
+        std::shared_ptr<Provider> provider;
+        ~Run() {
+            if (provider)
+                static_cast<void>(Attempt([&] { provider->endRun(); }));
+        }
+    } run{m_provider};
+    m_provider->beginRun();
+    changes();
+    std::exchange(run.provider, nullptr)->endRun();
 }
 
 Field Recordset::Fields(const QString &name) { return {shared_from_this(), columnOf(name)}; }

@@ -3,6 +3,9 @@
 
 #include "platform/ado/connection.h"
 
+#include <functional>
+#include <optional>
+
 namespace ado {
 
 enum class LockType { ReadOnly = 1, Pessimistic = 2, Optimistic = 3, BatchOptimistic = 4 };
@@ -74,6 +77,10 @@ class Recordset : public std::enable_shared_from_this<Recordset> {
     /// Deletes the current row.
     void Delete();
 
+    /// Makes many changes with one wait for the disk, at the end. Each is a change of its own all the same: others see
+    /// it at once, and it stays when a later one fails.
+    void Together(const std::function<void()> &changes);
+
     /// By name without regard to case, or by ordinal from 0; `itemNotFound` when there is none.
     [[nodiscard]] Field Fields(const QString &name);
     [[nodiscard]] Field Fields(int ordinal);
@@ -89,6 +96,7 @@ class Recordset : public std::enable_shared_from_this<Recordset> {
     void settle();
     void setValue(int column, const Value &value);
     [[nodiscard]] int columnOf(const QString &name) const;
+    void skipToKey(double key);
 
     Ref<Connection> m_connection;
     QString m_source;
@@ -97,6 +105,8 @@ class Recordset : public std::enable_shared_from_this<Recordset> {
 
     std::shared_ptr<Provider> m_provider;
     RowSet m_set;
+    /// The last key as long as the rows stand in the order of their keys, so that a search by key need not walk.
+    std::optional<qint32> m_lastKey;
     std::size_t m_position = 0;
     /// The current row was deleted; `m_position` is that of the row behind it.
     bool m_onDeleted = false;
