@@ -17,6 +17,11 @@ QLabel *makeLabel(const QString &text) {
     auto *label = new QLabel(text);
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // A label that wraps asks for less room than its lines read well in.
+    constexpr int widest = 420;
+    const QSize alone = label->fontMetrics().size(0, text);
+    label->setMinimumWidth(std::min(alone.width(), widest));
     return label;
 }
 

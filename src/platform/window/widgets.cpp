@@ -1,78 +1,34 @@
 // Questions to the person at the display.
 
 #include "platform/window/askers.h"
+#include "platform/window/messagedialog.h"
 #include "platform/window/sheetdialog.h"
 
 #include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
+#include <QLibraryInfo>
+#include <QTranslator>
 
 namespace window {
 
 namespace {
 
-struct ButtonOf {
-    QMessageBox::StandardButton button;
-    Answer answer;
-    const char *name;
-};
-constexpr std::array<ButtonOf, 5> everyButton = {{{QMessageBox::Ok, OK, "cmdOK"},
-                                                  {QMessageBox::Yes, Yes, "cmdYes"},
-                                                  {QMessageBox::No, No, "cmdNo"},
-                                                  {QMessageBox::Retry, Retry, "cmdRetry"},
-                                                  {QMessageBox::Cancel, Cancel, "cmdCancel"}}};
-
-QMessageBox::StandardButtons buttonsOf(Buttons buttons) {
-    switch (buttons) {
-    case Buttons::OK:
-        return QMessageBox::Ok;
-    case Buttons::OKCancel:
-        return QMessageBox::Ok | QMessageBox::Cancel;
-    case Buttons::YesNoCancel:
-        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    case Buttons::YesNo:
-        return QMessageBox::Yes | QMessageBox::No;
-    case Buttons::RetryCancel:
-        return QMessageBox::Retry | QMessageBox::Cancel;
-    }
-    return QMessageBox::Ok;
-}
-
-QMessageBox::Icon iconOf(Icon icon) {
-    switch (icon) {
-    case Icon::None:
-        return QMessageBox::NoIcon;
-    case Icon::Critical:
-        return QMessageBox::Critical;
-    case Icon::Question:
-        return QMessageBox::Question;
-    case Icon::Exclamation:
-        return QMessageBox::Warning;
-    case Icon::Information:
-        return QMessageBox::Information;
-    }
-    return QMessageBox::NoIcon;
+/// The machine's words on the buttons that each toolkit names by itself.
+void useLanguageOfMachine() {
+    if (qApp->findChild<QTranslator *>(QStringLiteral("machineWords")) != nullptr)
+        return;
+    auto *words = new QTranslator(qApp);
+    words->setObjectName(QStringLiteral("machineWords"));
+    if (words->load(QLocale::system(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                    QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(words);
 }
 
 class WidgetAsker : public Asker {
   public:
     Answer ask(const Question &question) override {
-        QMessageBox box;
-        box.setObjectName(QStringLiteral("messageBox"));
-        box.setWindowTitle(question.title);
-        // A text may come from a mail: it is never taken for markup.
-        box.setTextFormat(Qt::PlainText);
-        box.setText(question.text);
-        box.setIcon(iconOf(question.icon));
-        box.setStandardButtons(buttonsOf(question.buttons));
-        for (const ButtonOf &each : everyButton) {
-            if (QAbstractButton *button = box.button(each.button))
-                button->setObjectName(QString::fromLatin1(each.name));
-        }
-        const int pressed = box.exec();
-        const auto *found = std::find_if(everyButton.begin(), everyButton.end(),
-                                         [&](const ButtonOf &each) { return each.button == pressed; });
-        return found == everyButton.end() ? question.cautious : found->answer;
+        useLanguageOfMachine();
+        MessageDialog dialog(question);
+        return dialog.run();
     }
 
     QString show(Sheet &sheet) override {

@@ -10,8 +10,11 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTest>
+#include <QTextEdit>
 #include <QTimer>
 
 namespace {
@@ -129,38 +132,92 @@ class APerson : public testing::Test {
         if (button != nullptr)
             button->click();
     }
+    static void press(int key, Qt::KeyboardModifiers with) {
+        ASSERT_TRUE(QTest::qWaitForWindowActive(QApplication::activeModalWidget()));
+        ASSERT_NE(QApplication::focusWidget(), nullptr);
+        QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key), with);
+    }
     static void whileOpen(const std::function<void()> &step) { QTimer::singleShot(0, qApp, step); }
 
     std::unique_ptr<window::Asker> asker = window::makeWidgetAsker();
 };
 
-TEST_F(APerson, AnswersByTheButtonsOfTheBox) {
+TEST_F(APerson, AnswersByClickOrByKey) {
     struct Case {
         Buttons buttons;
+        const char *name;
+        /// Clicked where there is no key.
         const char *button;
+        int key;
+        Qt::KeyboardModifiers with;
         window::Answer answer;
     };
+    constexpr auto none = Qt::NoModifier;
     const std::vector<Case> cases = {
-        {Buttons::OK, "cmdOK", window::OK},          {Buttons::OKCancel, "cmdCancel", window::Cancel},
-        {Buttons::YesNo, "cmdYes", window::Yes},     {Buttons::YesNo, "cmdNo", window::No},
-        {Buttons::YesNoCancel, "cmdNo", window::No}, {Buttons::RetryCancel, "cmdRetry", window::Retry},
+        {Buttons::OKCancel, "click", "cmdCancel", 0, none, window::Cancel},
+        {Buttons::YesNoCancel, "click", "cmdNo", 0, none, window::No},
+        {Buttons::RetryCancel, "click", "cmdRetry", 0, none, window::Retry},
+        {Buttons::OK, "Enter", "", Qt::Key_Return, none, window::OK},
+        {Buttons::OK, "Escape", "", Qt::Key_Escape, none, window::OK},
+        {Buttons::OKCancel, "Enter on the keypad", "", Qt::Key_Enter, Qt::KeypadModifier, window::OK},
+        {Buttons::OKCancel, "Escape", "", Qt::Key_Escape, none, window::Cancel},
+        {Buttons::RetryCancel, "Escape", "", Qt::Key_Escape, none, window::Cancel},
+        {Buttons::YesNoCancel, "Escape", "", Qt::Key_Escape, none, window::Cancel},
+        {Buttons::YesNo, "Enter", "", Qt::Key_Return, none, window::Yes},
+        {Buttons::YesNo, "Escape", "", Qt::Key_Escape, none, window::No},
+        {Buttons::YesNo, "the letter alone", "", Qt::Key_N, none, window::No},
+        {Buttons::YesNo, "the letter", "", Qt::Key_N, Qt::AltModifier, window::No},
+        {Buttons::YesNo, "a letter of no button", "cmdYes", Qt::Key_X, none, window::Yes},
+        {Buttons::YesNo, "the blank on the next", "", Qt::Key_Tab, none, window::No},
     };
     for (const Case &c : cases) {
         whileOpen([&] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            ASSERT_NE(box, nullptr);
-            EXPECT_EQ(box->objectName(), "messageBox");
-            EXPECT_EQ(box->text(), "<b>Really?</b>");
-            EXPECT_EQ(box->textFormat(), Qt::PlainText);
-            click(c.button);
+            if (c.key != 0)
+                press(c.key, c.with);
+            if (c.key == Qt::Key_Tab)
+                press(Qt::Key_Space, none);
+            if (*c.button != '\0')
+                click(c.button);
         });
-        EXPECT_EQ(asker->ask({"<b>Really?</b>", c.buttons, Icon::Question, "Title", window::OK}), c.answer);
+        // The cautious answer is for nobody: a person who is there refuses by Escape.
+        EXPECT_EQ(asker->ask({"Really?", c.buttons, Icon::Question, "Title", window::Abort}), c.answer)
+            << c.name << " " << static_cast<int>(c.buttons);
+    }
+}
+
+TEST_F(APerson, ReadsAnyTextWholeAndAsItStands) {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const std::vector<std::pair<QString, bool>> cases = {
+        {"<b>Really?</b>", false},
+        {QString("Ο τύπος προβλήματος που καταχωρίσατε δεν υπάρχει ακόμη! ").repeated(8), false},
+        {"\\\\Public Folders\\" + QString(1500, u'x'), false},
+        {QString("line\r\n").repeated(500), true},
+    };
+    for (const auto &[text, scrolls] : cases) {
+        whileOpen([&] {
+            QWidget *box = QApplication::activeModalWidget();
+            EXPECT_EQ(box->objectName(), "messageBox");
+            EXPECT_EQ(box->windowTitle(), "Title");
+            EXPECT_LE(box->width(), screen->availableGeometry().width());
+            EXPECT_LE(box->height(), screen->availableGeometry().height());
+            EXPECT_FALSE(find<QLabel>("icon")->pixmap().isNull());
+            auto *shown = find<QTextEdit>("text");
+            EXPECT_EQ(shown->toPlainText(), QString(text).replace("\r\n", "\n"));
+            EXPECT_EQ(shown->horizontalScrollBar()->maximum(), 0);
+            EXPECT_EQ(shown->verticalScrollBar()->maximum() > 0, scrolls);
+            shown->selectAll();
+            EXPECT_TRUE(shown->textCursor().hasSelection());
+            click("cmdOK");
+        });
+        EXPECT_EQ(asker->ask({text, Buttons::OK, Icon::Critical, "Title", window::OK}), window::OK);
     }
 }
 
 TEST_F(APerson, IsTakenForCautiousWhenTheProcessEndsUnderTheBox) {
+    whileOpen([] { QApplication::activeModalWidget()->hide(); });
+    EXPECT_EQ(asker->ask({"Really?", Buttons::YesNo, Icon::None, "Title", window::Yes}), window::Yes);
     whileOpen([] { QApplication::activeModalWidget()->close(); });
-    EXPECT_EQ(asker->ask({"Really?", Buttons::YesNo, Icon::None, "Title", window::No}), window::No);
+    EXPECT_EQ(asker->ask({"Really?", Buttons::YesNo, Icon::None, "Title", window::Yes}), window::No);
 }
 
 TEST_F(APerson, FillsInADialog) {
@@ -181,7 +238,9 @@ TEST_F(APerson, FillsInADialog) {
         {"txtServer", "second"}, {"chkTrusted", "0"}, {"txtPassword", "a;b"}, {"optOne", "0"}, {"optTwo", "1"}};
     for (const auto &[name, value] : values)
         EXPECT_EQ(sheet.value(name), value) << name;
-    whileOpen([] { QApplication::activeModalWidget()->close(); });
+    whileOpen([] { press(Qt::Key_Return, Qt::NoModifier); });
+    EXPECT_EQ(asker->show(sheet), "cmdOK");
+    whileOpen([] { press(Qt::Key_Escape, Qt::NoModifier); });
     EXPECT_EQ(asker->show(sheet), "");
 }
 
