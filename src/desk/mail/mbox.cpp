@@ -42,7 +42,15 @@ bool MboxReader::readLine() {
     m_atLineStart = m_lineEnds;
     m_line = m_device.readLine(pieceLength);
     m_lineEnds = m_line.endsWith('\n');
+    // A device gives nothing at its end, and nothing where it fails.
+    if (m_line.isEmpty())
+        noteFailure();
     return !m_line.isEmpty();
+}
+
+void MboxReader::noteFailure() {
+    if (!m_device.atEnd())
+        m_failedAt = m_device.pos();
 }
 
 void MboxReader::append(QByteArray &message, bool &complete, const QByteArray &line) const {
@@ -60,6 +68,7 @@ bool MboxReader::endsAt(qint64 position) {
     QByteArray behind = m_device.readLine(pieceLength);
     if (isEmptyLine(behind))
         behind = m_device.readLine(pieceLength);
+    // Also where it can't be read: the failure comes up once it is read for itself.
     return behind.isEmpty() || isPostmark(behind);
 }
 
@@ -69,8 +78,12 @@ bool MboxReader::takeCounted(QByteArray &message, bool &complete, qint64 length)
     const bool counted = endsAt(end);
     complete = complete && (!counted || message.size() + length <= m_maximumSize);
     m_device.seek(counted && !complete ? end : start);
-    if (counted && complete)
-        message += m_device.read(length);
+    if (counted && complete) {
+        const QByteArray body = m_device.read(length);
+        message += body;
+        if (body.size() < length)
+            noteFailure();
+    }
     return counted;
 }
 
@@ -103,6 +116,8 @@ bool MboxReader::next(QByteArray &message, bool &complete) {
             empty = !counted;
         }
     }
+    if (m_failedAt)
+        return false;
     // The empty line at the end belongs to the file, not to the message.
     if (empty && !inHeader)
         message.chop(message.endsWith("\r\n") ? 2 : 1);

@@ -4,6 +4,8 @@
 #include <QByteArray>
 #include <QIODevice>
 
+#include <optional>
+
 namespace desk {
 
 /// Reads an mbox as a stream; no more than one message is held at a time.
@@ -18,8 +20,12 @@ class MboxReader {
     MboxReader(QIODevice &device, qint64 maximumSize) : m_device(device), m_maximumSize(maximumSize) {}
 
     /// The next message, without its "From " line. `complete` is false when it was longer than allowed; it is then
-    /// passed over. False at the end.
+    /// passed over. False at the end, and where the device can't be read any further: what was begun there is no
+    /// message.
     bool next(QByteArray &message, bool &complete);
+
+    /// The position that could not be read; nothing while all could.
+    [[nodiscard]] std::optional<qint64> failedAt() const { return m_failedAt; }
 
   private:
     /// The next line with its end; of a line longer than a piece, the next piece of it.
@@ -29,6 +35,8 @@ class MboxReader {
     bool takeCounted(QByteArray &message, bool &complete, qint64 length);
     /// Whether a message could end there. Moves the device.
     bool endsAt(qint64 position);
+    /// To be called when less was read than wanted: notes where the device failed, unless that was its end.
+    void noteFailure();
 
     QIODevice &m_device;
     qint64 m_maximumSize;
@@ -36,6 +44,7 @@ class MboxReader {
     bool m_atLineStart = true;   ///< whether m_line begins a line
     bool m_lineEnds = true;      ///< whether m_line has its end
     bool m_havePostmark = false; ///< whether m_line is the line before the next message
+    std::optional<qint64> m_failedAt;
 };
 
 } // namespace desk

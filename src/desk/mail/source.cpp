@@ -47,15 +47,28 @@ class FileSource final : public MessageSource {
 
 class MboxSource final : public MessageSource {
   public:
-    MboxSource(const QString &path, std::unique_ptr<QFile> file, qint64 maximumSize)
-        : m_path(path), m_file(std::move(file)), m_reader(*m_file, maximumSize), m_maximumSize(maximumSize) {}
+    MboxSource(const QString &path, std::unique_ptr<QIODevice> device, qint64 maximumSize)
+        : m_path(path), m_device(std::move(device)), m_reader(*m_device, maximumSize), m_maximumSize(maximumSize) {}
 
     bool next(SourceMessage &message) override {
         message = {};
         bool complete = true;
-        if (!m_reader.next(message.bytes, complete))
+        if (m_hasFailed)
+            return false;
+        const bool isRead = m_reader.next(message.bytes, complete);
+        m_hasFailed = m_reader.failedAt().has_value();
+        if (!isRead && !m_hasFailed)
             return false;
         message.name = QString("%1#%2").arg(m_path).arg(++m_number);
+        if (m_hasFailed) {
+            message.bytes.clear();
+            message.error = QString("\"%1\" can't be read at byte %2 and behind it: %3. The messages before were read. "
+                                    "Mend the disk or take a copy of the file, and deliver what is left of it.")
+                                .arg(m_path)
+                                .arg(*m_reader.failedAt())
+                                .arg(m_device->errorString());
+            return true;
+        }
         if (!complete) {
             message.bytes.clear();
             message.error = tooLong(m_maximumSize);
@@ -65,10 +78,11 @@ class MboxSource final : public MessageSource {
 
   private:
     QString m_path;
-    std::unique_ptr<QFile> m_file;
+    std::unique_ptr<QIODevice> m_device;
     MboxReader m_reader;
     qint64 m_maximumSize;
     int m_number = 0;
+    bool m_hasFailed = false;
 };
 
 QStringList filesIn(const QString &path, const QStringList &patterns = {}) {
@@ -105,7 +119,12 @@ std::unique_ptr<MessageSource> MessageSource::open(const QString &path, qint64 m
     const bool single = path.endsWith(u".eml", Qt::CaseInsensitive) || file->peek(5) != "From ";
     if (single)
         return std::make_unique<FileSource>(QStringList(path), maximumSize);
-    return std::make_unique<MboxSource>(path, std::move(file), maximumSize);
+    return ofMbox(path, std::move(file), maximumSize);
+}
+
+std::unique_ptr<MessageSource> MessageSource::ofMbox(const QString &name, std::unique_ptr<QIODevice> device,
+                                                     qint64 maximumSize) {
+    return std::make_unique<MboxSource>(name, std::move(device), maximumSize);
 }
 
 } // namespace desk

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+class QIODevice;
+
 namespace desk {
 
 /// One message of a source: its bytes, or the reason why they could not be had.
@@ -29,6 +31,11 @@ class MessageSource {
 
     /// Fails with 53 when nothing is there, with 70 when it can't be read.
     static std::unique_ptr<MessageSource> open(const QString &path, qint64 maximumSize = MaximumSize);
+
+    /// The messages of an mbox on a device that is open and can be searched. Where it can't be read any further, the
+    /// last message is an error that tells the position.
+    static std::unique_ptr<MessageSource> ofMbox(const QString &name, std::unique_ptr<QIODevice> device,
+                                                 qint64 maximumSize = MaximumSize);
 
     virtual ~MessageSource() = default;
     MessageSource(const MessageSource &) = delete;

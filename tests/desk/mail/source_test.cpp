@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -131,6 +132,54 @@ INSTANTIATE_TEST_SUITE_P(All, Mboxes, testing::ValuesIn(mboxes), nameOfCase);
 TEST_F(Sources, LongLinesInAMbox) {
     const QByteArray longLine = QByteArray(200'000, 'x') + "\nFrom " + QByteArray(200'000, 'y') + "\n";
     EXPECT_EQ(bytesOf(write("mbox", postmark + "A: 1\n\n" + longLine)), QList<QByteArray>{"A: 1\n\n" + longLine});
+}
+
+/// A disk with a bad place.
+class BadDevice : public QBuffer {
+  public:
+    BadDevice(const QByteArray &bytes, qint64 bad) : m_bad(bad) {
+        setData(bytes);
+        open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+    }
+
+  protected:
+    qint64 readData(char *data, qint64 length) override {
+        const qint64 left = m_bad - pos();
+        setErrorString("Bad sector");
+        return left > 0 ? QBuffer::readData(data, std::min(length, left)) : -1;
+    }
+
+  private:
+    qint64 m_bad;
+};
+
+// What was read stays read, half a message is none, and nobody takes the bad place for the end of the mailbox.
+TEST_F(Sources, AnMboxThatCantBeReadToItsEndSaysWhere) {
+    const QByteArray first = postmark + "A: 1\n\n1\n\n";
+    const QByteArray second = postmark + countedHeader + counted + "\n";
+    const QByteArray whole = first + second + postmark + "A: 3\n\n3\n";
+    const struct {
+        qint64 bad;
+        qsizetype read;
+    } cases[] = {{0, 0},
+                 {first.size() - 3, 0},
+                 {first.size() + postmark.size() + 9, 1},
+                 {first.size() + second.size() - 5, 1},
+                 {whole.size() - 1, 2}};
+    for (const auto &[bad, read] : cases) {
+        const auto source = MessageSource::ofMbox("box", std::make_unique<BadDevice>(whole, bad));
+        QList<SourceMessage> messages;
+        for (SourceMessage message; source->next(message);)
+            messages += message;
+        ASSERT_EQ(messages.size(), read + 1) << bad;
+        for (qsizetype i = 0; i < read; ++i)
+            EXPECT_EQ(messages[i].error, "") << bad;
+        EXPECT_EQ(messages.last().name, QString("box#%1").arg(read + 1));
+        EXPECT_EQ(messages.last().bytes, "");
+        for (const QString &part : {QString("\"box\""), QString("byte %1 ").arg(bad), QString("Bad sector")})
+            EXPECT_TRUE(messages.last().error.contains(part)) << messages.last().error.toStdString();
+    }
+    EXPECT_EQ(bytesOf(write("mbox", whole)).size(), 3);
 }
 
 // One that is too long, or gone, must not stop the others.
