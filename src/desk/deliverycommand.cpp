@@ -15,6 +15,9 @@ namespace {
 struct Report {
     QJsonArray delivered;
     QJsonArray errors;
+    /// The last failure to store a message.
+    QString lastFailure;
+    bool hasStopped = false;
 };
 
 void complain(Report &report, const QString &source, const QString &error) {
@@ -22,17 +25,43 @@ void complain(Report &report, const QString &source, const QString &error) {
     std::fprintf(stderr, "orvelle-desk: %s: %s\n", source.toUtf8().constData(), error.toUtf8().constData());
 }
 
-void deliverAll(const QString &path, const FolderPlace &place, Report &report) {
-    const std::unique_ptr<MessageSource> source = MessageSource::open(path);
-    SourceMessage message;
-    while (source->next(message)) {
-        if (!message.error.isEmpty()) {
-            complain(report, message.name, message.error);
-            continue;
-        }
+/// Whether no further message could be stored either. What comes back in the same words is not about one message.
+bool isStores(const Failure &failure, const Report &report) {
+    const QList<qint32> numbers{failures::noDiskSpace, failures::accessDenied, failures::notFound};
+    return numbers.contains(failure.number()) || failure.description() == report.lastFailure;
+}
+
+void store(const SourceMessage &message, const FolderPlace &place, Report &report) {
+    const std::optional<Failure> failure = Attempt([&] {
         const ItemRecord item = deliver(*place.store, place.folder.id, message.bytes);
         report.delivered.append(
             QJsonObject{{"source", message.name}, {"entryId", item.entryId}, {"subject", item.subject}});
+    });
+    if (failure) {
+        complain(report, message.name, failure->description());
+        report.hasStopped = isStores(*failure, report);
+    }
+    report.lastFailure = failure ? failure->description() : QString();
+}
+
+void tellWhatIsLeft(const Report &report) {
+    QString done = QStringLiteral("Nothing was delivered; try again when that is mended.");
+    if (!report.delivered.isEmpty())
+        done = QStringLiteral("%1 delivered, the last of them %2. When that is mended, deliver what comes behind it; "
+                              "what is delivered again is there twice.")
+                   .arg(report.delivered.size())
+                   .arg(report.delivered.last()[u"source"].toString());
+    std::fprintf(stderr, "orvelle-desk: stopped, for no message can be stored. %s\n", done.toUtf8().constData());
+}
+
+void deliverAll(const QString &path, const FolderPlace &place, Report &report) {
+    const std::unique_ptr<MessageSource> source = MessageSource::open(path);
+    SourceMessage message;
+    while (!report.hasStopped && source->next(message)) {
+        if (message.error.isEmpty())
+            store(message, place, report);
+        else
+            complain(report, message.name, message.error);
     }
 }
 
@@ -45,10 +74,14 @@ int deliverCommand(const CommandLine &line) {
                                   : folderAt(*session, line.folder);
     Report report;
     for (const QString &path : line.arguments) {
+        if (report.hasStopped)
+            break;
         const auto failure = Attempt([&] { deliverAll(path, place, report); });
         if (failure)
             complain(report, path, failure->description());
     }
+    if (report.hasStopped)
+        tellWhatIsLeft(report);
     const QString folder = pathOf(*place.store, place.folder);
     if (line.json)
         printJson(QJsonObject{{"folder", folder}, {"delivered", report.delivered}, {"errors", report.errors}});

@@ -3,6 +3,11 @@
 #include "program.h"
 
 #include <QCryptographicHash>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <csignal>
+#include <sys/resource.h>
 
 namespace {
 
@@ -137,6 +142,45 @@ TEST_F(CommandsTest, OneMissingFileDoesNotHoldUpTheRest) {
     EXPECT_EQ(outcome.json().object()["delivered"].toArray().size(), 1);
     EXPECT_EQ(outcome.json().object()["errors"].toArray().size(), 1);
     EXPECT_EQ(count(inboxPath), 1);
+}
+
+TEST_F(CommandsTest, AMessageThatCantBeStoredIsNamedAndAFullDiskStops) {
+    ASSERT_EQ(run({"folders"}).status, 0);
+    {
+        QSqlDatabase store = QSqlDatabase::addDatabase("QSQLITE", "refusing");
+        store.setDatabaseName(profile() + "/mailbox.store");
+        ASSERT_TRUE(store.open());
+        ASSERT_TRUE(QSqlQuery(store).exec("CREATE TRIGGER refuse BEFORE INSERT ON items WHEN NEW.sender_name = 'Bad' "
+                                          "BEGIN SELECT RAISE(ABORT, 'not this one'); END"));
+    }
+    QSqlDatabase::removeDatabase("refusing");
+    const auto boxed = [](const QByteArray &sender, qsizetype size = 1) {
+        return "From x Mon Nov 16 09:00:00 2026\nFrom: " + sender + " <x@example.org>\n\n" + QByteArray(size, 'x') +
+               "\n\n";
+    };
+    const QString box = written("box", boxed("Good") + boxed("Bad") + boxed("Good"));
+    const Outcome refused = run({"deliver", box, "--json"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.error.contains("box#2: ")) << refused.error.toStdString();
+    EXPECT_FALSE(refused.error.contains("stopped"));
+    EXPECT_EQ(refused.json()["delivered"].toArray().size(), 2);
+    EXPECT_EQ(count(inboxPath), 2);
+
+    written("box", boxed("Good") + boxed("Good") + boxed("Good", 4'000'000) + boxed("Good"));
+    QProcess full;
+    full.setChildProcessModifier([] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{2'000'000, 2'000'000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    });
+    full.start(QStringLiteral(DESK_PROGRAM), withProfile({"deliver", box, box}));
+    ASSERT_TRUE(full.waitForFinished());
+    EXPECT_EQ(full.exitCode(), 1);
+    const QByteArray told = full.readAllStandardError();
+    for (const char *part : {"box#3: ", "disk is full", "stopped", "2 delivered", "box#2."})
+        EXPECT_TRUE(told.contains(part)) << part << ": " << told.toStdString();
+    EXPECT_FALSE(told.contains("box#4"));
+    EXPECT_EQ(count(inboxPath), 4);
 }
 
 TEST_F(CommandsTest, ProfilesShareAPublicStore) {
