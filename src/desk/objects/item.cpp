@@ -25,6 +25,8 @@ constexpr int richFormat = 3;
 constexpr int saveChanges = 0;
 constexpr int discardChanges = 1;
 
+constexpr qint32 moveRefused = failures::automation(0x80004004);
+
 QString pageFromText(const QString &text) {
     return QStringLiteral("<html><body>%1</body></html>").arg(htmlFromText(text));
 }
@@ -224,6 +226,10 @@ void Item::moveTo(Store &target, FolderId folder) {
     } else {
         if (m_content.isChanged())
             Save();
+        if (content().isChanged())
+            throw Failure(moveRefused,
+                          QStringLiteral("The item was not moved, for its changes were not saved: a handler of Write "
+                                         "cancelled it. Correct the item or discard the changes, and move it again."));
         const bool isHere = &target == &store() && folder == fields().folder;
         if (!isHere) {
             const ItemRecord moved =

@@ -104,7 +104,8 @@ class Item : public ItemEvents {
     /// A new saved item in the same folder, with everything this one has.
     Q_INVOKABLE Value Copy();
     /// Puts the item into another folder, with its changes, and closes its window. Gives the item, which is this
-    /// object.
+    /// object. Fails with 0x80004004 where a handler of `Write` cancels the save of the changes: nothing has happened
+    /// then.
     Q_INVOKABLE Value Move(const Value &DestFldr);
     /// Into the deleted items; for ever from there.
     Q_INVOKABLE void Delete();

@@ -58,6 +58,12 @@ TEST_F(EventsTest, ACancelledWriteWritesNothing) {
     item.call("Save");
     EXPECT_FALSE(toBool(item.get("Saved")));
     EXPECT_EQ(subjects(folder(6)), QStringList{"Before"});
+    for (const Handle &target : {folder(3), publicFolder("Helpdesk"), folder(6)}) {
+        EXPECT_NE(failureOf([&] { item.call("Move", {target}); }), 0) << target.text("Name").toStdString();
+        EXPECT_EQ(item.text("Subject"), "After") << "the edits are still there";
+        EXPECT_TRUE(item.of("Parent") == folder(6));
+    }
+    EXPECT_EQ(subjects(folder(6)), QStringList{"Before"});
 }
 
 TEST_F(EventsTest, ChangesAreToldByNameAndOnlyWhenTheyChange) {
