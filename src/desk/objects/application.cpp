@@ -6,6 +6,8 @@
 #include "desk/objects/inspectors.h"
 #include "desk/objects/item.h"
 #include "desk/objects/itemkinds.h"
+#include "desk/objects/itemmessage.h"
+#include "desk/objects/mapifolder.h"
 #include "desk/objects/namespace.h"
 #include "desk/objects/session.h"
 #include "desk/objects/transport.h"
@@ -38,6 +40,17 @@ Value Application::CreateItem(int ItemType) {
     const ItemKind kind = kindOfType(ItemType);
     const FolderRecord folder = open->specialFolder(kind.home);
     return automation::wrap(open->newItem(open->mailbox(), folder.id, QString::fromLatin1(kind.messageClass)));
+}
+
+Value Application::CreateItemFromTemplate(const QString &TemplatePath, const Value &InFolder) {
+    const std::shared_ptr<desk::Session> open = session();
+    const auto folder = InFolder.isMissing() ? nullptr : automation::exposedOf<MAPIFolder>(InFolder);
+    Store &store = folder ? folder->store() : open->mailbox();
+    const FolderId place = folder ? folder->id() : open->specialFolder(SpecialFolder::Drafts).id;
+    const IncomingItem opened = openedItem(readFile(TemplatePath));
+    const std::shared_ptr<Item> item = open->newItem(store, place, opened.fields.messageClass);
+    item->content().fill(opened.fields, opened.parts);
+    return automation::wrap(item);
 }
 
 int Application::DeliverNow() { return session()->transport().deliverNow(); }

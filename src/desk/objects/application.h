@@ -38,6 +38,9 @@ class Application : public ApplicationEvents {
     Q_INVOKABLE Value Inspectors(const Value &Index = Value::Missing{});
     /// A new unsaved item: 0 mail, 1 appointment, 2 contact, 3 task, 6 post.
     Q_INVOKABLE Value CreateItem(int ItemType);
+    /// A new unsaved mail from a message file, as `SaveAs` leaves one, with whoever wrote it as its sender: in the
+    /// folder, or in the drafts. Fails with 53 where there is no such file.
+    Q_INVOKABLE Value CreateItemFromTemplate(const QString &TemplatePath, const Value &InFolder = Value::Missing{});
     /// Sends what lies submitted in the Outbox; gives the number of messages.
     Q_INVOKABLE int DeliverNow();
     /// Ends the host.

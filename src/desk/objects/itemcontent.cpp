@@ -24,6 +24,20 @@ ItemContent::ItemContent(Store &store, ItemRecord record) : m_store(&store), m_f
     m_attachments.emplace();
 }
 
+void ItemContent::fill(const ItemRecord &fields, const ItemParts &parts) {
+    const FolderId folder = m_fields.folder;
+    m_fields = fields;
+    m_fields.folder = folder;
+    m_changed = true;
+    if (parts.bodies)
+        setBodies(*parts.bodies);
+    for (const Property &property : parts.properties.value_or(QList<Property>()))
+        putProperty(property);
+    for (const AttachmentRecord &attachment : parts.attachments.value_or(QList<AttachmentRecord>()))
+        addAttachment(attachment);
+    m_newOriginal = parts.original;
+}
+
 void ItemContent::setPlace(Store &store, FolderId folder) {
     m_store = &store;
     m_fields.folder = folder;

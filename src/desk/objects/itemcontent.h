@@ -29,6 +29,8 @@ class ItemContent {
     }
     /// Where a new item will be saved. REQUIRES: isNew().
     void setFolder(FolderId folder) { m_fields.folder = folder; }
+    /// Gives a new item all its content but its place. REQUIRES: isNew().
+    void fill(const ItemRecord &fields, const ItemParts &parts);
     /// Puts a new item into a folder of another store. REQUIRES: isNew().
     void setPlace(Store &store, FolderId folder);
 

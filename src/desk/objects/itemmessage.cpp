@@ -6,6 +6,9 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <tuple>
+
 namespace desk {
 namespace {
 
@@ -34,6 +37,44 @@ AttachmentRecord recordOf(const Attachment &attachment) {
     record.contentId = attachment.contentId;
     record.data = attachment.data;
     return record;
+}
+
+Address senderOf(const ItemRecord &item) {
+    return {item.senderName == item.senderAddress ? QString() : item.senderName, item.senderAddress};
+}
+
+/// Whether an item is what its message said when it came. What only says how far people are with it does not count.
+bool stillSays(ItemContent &item, const IncomingItem &came) {
+    const auto said = [](const ItemRecord &fields) {
+        return std::tie(fields.subject, fields.senderName, fields.senderAddress, fields.to, fields.cc, fields.bcc,
+                        fields.replyRecipientNames, fields.importance, fields.sensitivity);
+    };
+    const QList<AttachmentRecord> &attached = *came.parts.attachments;
+    const auto &attachments = item.attachments();
+    return said(item.fields()) == said(came.fields) && item.bodies() == came.parts.bodies &&
+           std::equal(attachments.begin(), attachments.end(), attached.begin(), attached.end(),
+                      [&](const ItemContent::AttachmentPtr &now, const AttachmentRecord &then) {
+                          return now->displayName == then.displayName && now->fileName == then.fileName &&
+                                 item.attachmentData(*now) == then.data;
+                      });
+}
+
+/// Qt tells what went wrong by its text alone.
+Failure writeFailure(const QString &path, const QSaveFile &file) {
+    const QString reason = file.errorString();
+    for (const int full : {ENOSPC, EDQUOT, EFBIG}) {
+        if (reason == qt_error_string(full))
+            return {failures::diskFull, QStringLiteral("There is no room for %1 (%2). Make room on that disk or choose "
+                                                       "another folder, and try again.")
+                                            .arg(path, reason)};
+    }
+    if (!QFileInfo(QFileInfo(file.fileName()).path()).isDir())
+        return {failures::pathNotFound,
+                QStringLiteral("%1 can't be written, for there is no such folder. Choose another one.").arg(path)};
+    return {
+        failures::permissionDenied,
+        QStringLiteral("%1 can't be written: %2. Choose another name or folder, or ask for the right to write there.")
+            .arg(path, reason)};
 }
 
 bool isDirectoryAddress(const QString &address) { return address.startsWith(u'/'); }
@@ -90,8 +131,7 @@ Message outgoingMessage(ItemContent &item, const Profile &profile) {
             message.from.name = other.display();
         }
     } else if (!fields.senderAddress.isEmpty()) {
-        message.from = {fields.senderName == fields.senderAddress ? QString() : fields.senderName,
-                        fields.senderAddress};
+        message.from = senderOf(fields);
     }
     for (const Address &address : parseAddresses(fields.replyRecipientNames)) {
         if (address.address.contains(u'@'))
@@ -114,9 +154,12 @@ Message outgoingMessage(ItemContent &item, const Profile &profile) {
     for (const ItemContent::AttachmentPtr &record : item.attachments()) {
         Attachment attachment;
         attachment.type = static_cast<AttachmentType>(record->type);
-        attachment.name = record->displayName.isEmpty() ? record->fileName : record->displayName;
         if (!record->mimeType.isEmpty())
             attachment.mimeType = record->mimeType;
+        // A name to show that is no name of the file would cost the file its extension.
+        attachment.name = record->displayName;
+        if (safeFileName(attachment) != record->fileName)
+            attachment.name = record->fileName;
         attachment.contentId = record->contentId;
         attachment.isInline = !record->contentId.isEmpty();
         attachment.data = item.attachmentData(*record);
@@ -127,7 +170,23 @@ Message outgoingMessage(ItemContent &item, const Profile &profile) {
 
 QByteArray messageBytes(ItemContent &item, const Profile &profile) {
     const QByteArray original = item.original();
-    return original.isEmpty() ? composeMessage(outgoingMessage(item, profile)) : original;
+    if (!original.isEmpty() && stillSays(item, incomingItem(original)))
+        return original;
+    Message message = outgoingMessage(item, profile);
+    const ItemRecord &fields = item.fields();
+    // Whoever wrote it, not whose desk it lies on.
+    if (!fields.senderAddress.isEmpty() && fields.senderAddress != profile.address()) {
+        message.from = senderOf(fields);
+        message.sender = {};
+    }
+    return composeMessage(message);
+}
+
+IncomingItem openedItem(const QByteArray &bytes) {
+    IncomingItem item = incomingItem(bytes);
+    item.fields.sent = item.fields.unread = false;
+    item.fields.receivedAt = {};
+    return item;
 }
 
 QList<Address> parseAddresses(const QString &text) {
@@ -169,13 +228,15 @@ QString nativePath(const QString &path) { return QString(path).replace(u'\\', u'
 
 void writeFile(const QString &path, const QByteArray &bytes) {
     QSaveFile file(nativePath(path));
-    if (!file.open(QIODevice::WriteOnly)) {
-        const bool hasFolder = QFileInfo(QFileInfo(file.fileName()).path()).isDir();
-        throw Failure(hasFolder ? failures::permissionDenied : failures::pathNotFound,
-                      QStringLiteral("%1 can't be written: %2").arg(path, file.errorString()));
-    }
-    if (file.write(bytes) != bytes.size() || !file.commit())
-        throw Failure(failures::diskFull, QStringLiteral("%1 can't be written: %2").arg(path, file.errorString()));
+    // A disk that fills up takes a part first, and tells why it takes no more when it is asked again.
+    const auto writeAll = [&] {
+        qint64 written = 0;
+        for (qint64 count = 1; count > 0 && written < bytes.size(); written += count)
+            count = file.write(bytes.constData() + written, bytes.size() - written);
+        return written == bytes.size();
+    };
+    if (!file.open(QIODevice::WriteOnly) || !writeAll() || !file.commit())
+        throw writeFailure(path, file);
 }
 
 QByteArray readFile(const QString &path) {

@@ -17,8 +17,10 @@ IncomingItem incomingItem(const QByteArray &bytes);
 /// An item as a message to be sent: from the profile's own person, or on behalf of another.
 Message outgoingMessage(ItemContent &item, const Profile &profile);
 
-/// An item as a message file: the message as it came where there is one.
+/// An item as a message file: the message as it came, for as long as the item says the same.
 QByteArray messageBytes(ItemContent &item, const Profile &profile);
+/// The item's fields and parts for a message file that is opened: a draft that names who wrote it.
+IncomingItem openedItem(const QByteArray &bytes);
 
 /// The addresses of a text such as "Alma Tester <alma@example.org>; bo@example.org". A name alone is its own address.
 QList<Address> parseAddresses(const QString &text);

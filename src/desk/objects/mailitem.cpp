@@ -31,6 +31,9 @@ void MailItem::Send() {
     const bool isInOutbox = &store() == &open->mailbox() && fields().folder == outbox.id;
     if (!isInOutbox && !content().isNew())
         moveTo(open->mailbox(), outbox.id);
+    // What a received or opened message says of its writer is no wish to write on their behalf.
+    if (!sentOnBehalfOfName().isEmpty() && sentOnBehalfOfName() == senderName())
+        content().set(&ItemRecord::sentOnBehalfOf, QString());
     sign({});
     if (content().isNew())
         moveTo(open->mailbox(), outbox.id);
