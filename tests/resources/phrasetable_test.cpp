@@ -68,4 +68,27 @@ TEST_F(PhraseTable, KeepsWhatTheProgramReplacesInEveryLanguage) {
     }
 }
 
+/// Pages of a window, and the names in a statement about the statistics, are told apart by nothing but their phrase.
+TEST_F(PhraseTable, TellsApartWhatStandsTogetherInEveryLanguage) {
+    const QList<QStringList> groups = {
+        {"LNGSUBJECT", "LNGCLOSED", "LNGMONTH", "LNGWEEKDAY", "LNGPROBLEMCATEGORY", "LNGPROBLEMTYPE", "LNGPRIORITY",
+         "LNGRESPONSIBLE", "LNGCALLERCATEGORY", "LNGCALLER", "LNGDATE", "LNGNUMBER", "LNGHOURS", "LNGRATE",
+         "LNGHOURSOPEN"},
+        {"LNGALL", "LNGYEAR", "LNGQUARTER", "LNGMONTH", "LNGWEEK", "LNGDAY"},
+        {"LNGEMAILSENT", "LNGEMAILRECIEVED"},
+        {"LNGTRUE", "LNGFALSE"},
+        {"LNGHIGH", "LNGNORMAL", "LNGLOW"},
+    };
+    for (const QStringList &group : groups) {
+        for (qsizetype column = 1; column < 16; ++column) {
+            QSet<QString> phrases;
+            for (const QStringList &row : rows) {
+                if (group.contains(row.first()))
+                    phrases.insert(row.at(column).toCaseFolded());
+            }
+            EXPECT_EQ(phrases.size(), group.size()) << group.first().toStdString() << " column " << column;
+        }
+    }
+}
+
 } // namespace
