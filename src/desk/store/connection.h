@@ -3,38 +3,13 @@
 /// REQUIRES: used by one thread; a statement is not run again while its rows are being read.
 #pragma once
 
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QVariant>
+#include "desk/store/statement.h"
 
 #include <chrono>
-#include <span>
-#include <string>
-#include <string_view>
+#include <optional>
 #include <unordered_map>
 
-class QSqlError;
-
 namespace desk {
-
-/// A value for the parameter `:name` of a statement.
-struct Bind {
-    std::string_view name;
-    QVariant value;
-};
-using Binds = std::span<const Bind>;
-
-/// The row that a reading statement stands on, its columns counted from 0.
-class Row {
-  public:
-    explicit Row(const QSqlQuery &query) : m_query(query) {}
-    [[nodiscard]] QVariant operator[](int column) const { return m_query.value(column); }
-    [[nodiscard]] qint64 number(int column) const { return m_query.value(column).toLongLong(); }
-    [[nodiscard]] QString text(int column) const;
-
-  private:
-    const QSqlQuery &m_query;
-};
 
 class Connection {
   public:
@@ -56,11 +31,11 @@ class Connection {
     }
     template <class Reader>
     void each(std::string_view sql, Binds binds, Reader &&reader) {
-        const Reading reading(*this, sql, binds);
+        Reading reading(*this, sql, binds);
         while (reading.next()) {
             if constexpr (std::is_void_v<std::invoke_result_t<Reader, Row>>)
-                reader(Row(reading.query()));
-            else if (!reader(Row(reading.query())))
+                reader(reading.row());
+            else if (!reader(reading.row()))
                 return;
         }
     }
@@ -72,18 +47,11 @@ class Connection {
     qint64 dataVersion();
 
     /// A statement that is run once and not kept, such as a pragma of the opening.
-    QVariant once(const QString &sql);
-
-    [[noreturn]] void fail(const QSqlError &error) const;
+    QVariant once(std::string_view sql);
 
   private:
-    struct Parameter {
-        std::string name;
-        QString placeholder;
-    };
-    struct Prepared {
-        QSqlQuery query;
-        std::vector<Parameter> parameters;
+    struct Closer {
+        void operator()(sqlite3 *database) const;
     };
     struct TextHash {
         using is_transparent = void;
@@ -97,22 +65,21 @@ class Connection {
         ~Reading();
         Reading(const Reading &) = delete;
         Reading &operator=(const Reading &) = delete;
-        [[nodiscard]] bool next() const;
-        [[nodiscard]] const QSqlQuery &query() const { return m_prepared.query; }
+        [[nodiscard]] bool next();
+        [[nodiscard]] Row row() const { return m_statement.row(); }
 
       private:
         Connection &m_connection;
-        Prepared &m_prepared;
+        Statement &m_statement;
     };
 
     static Binds asSpan(std::initializer_list<Bind> binds) { return {binds.begin(), binds.size()}; }
-    Prepared &prepare(std::string_view sql);
-    void execute(Prepared &prepared, Binds binds);
+    [[nodiscard]] Statement &prepare(std::string_view sql);
+    [[noreturn]] void fail(int code) const;
 
     QString m_path;
-    QString m_name;
-    QSqlDatabase m_database;
-    std::unordered_map<std::string, Prepared, TextHash, std::equal_to<>> m_prepared;
+    std::unique_ptr<sqlite3, Closer> m_database;
+    std::unordered_map<std::string, Statement, TextHash, std::equal_to<>> m_statements;
 };
 
 /// A transaction: what was run since is undone unless it is committed.

@@ -79,26 +79,26 @@ QByteArray randomTag() {
 }
 
 void createTables(Connection &connection, const QString &rootName) {
-    connection.once(QString::fromStdString(itemsTable()));
+    connection.once(itemsTable());
     for (const char *table : tables)
-        connection.once(QString::fromLatin1(table));
-    connection.once(QStringLiteral("CREATE INDEX items_by_arrival ON items (folder, arrival)"));
+        connection.once(table);
+    connection.once("CREATE INDEX items_by_arrival ON items (folder, arrival)");
     for (const ItemColumn &column : itemColumns())
         if (column.isIndexed())
-            connection.once(QString::fromStdString(itemsIndex(column)));
+            connection.once(itemsIndex(column));
     connection.run("INSERT INTO store (tag, sequence) VALUES (:tag, 1)", {{"tag", randomTag()}});
     connection.run("INSERT INTO folders (id, parent, name, item_type, home_page, home_page_on, special)"
                    " VALUES (1, NULL, :name, 0, '', 0, 0)",
                    {{"name", storedText(rootName)}});
-    connection.once(QStringLiteral("PRAGMA application_id = %1").arg(applicationId));
-    connection.once(QStringLiteral("PRAGMA user_version = %1").arg(schemaVersion));
+    connection.once("PRAGMA application_id = " + std::to_string(applicationId));
+    connection.once("PRAGMA user_version = " + std::to_string(schemaVersion));
 }
 
 /// The file's version, 0 for an empty one. REQUIRES: in a transaction, since another process may be making the tables.
 qint64 checkedVersion(Connection &connection) {
-    const qint64 application = connection.once(QStringLiteral("PRAGMA application_id")).toLongLong();
-    const qint64 version = connection.once(QStringLiteral("PRAGMA user_version")).toLongLong();
-    const bool isEmpty = connection.once(QStringLiteral("SELECT count(*) FROM sqlite_master")).toLongLong() == 0;
+    const qint64 application = connection.once("PRAGMA application_id").toLongLong();
+    const qint64 version = connection.once("PRAGMA user_version").toLongLong();
+    const bool isEmpty = connection.once("SELECT count(*) FROM sqlite_master").toLongLong() == 0;
     if (application == 0 && version == 0 && isEmpty)
         return 0;
     if (application != applicationId)
@@ -119,8 +119,7 @@ qint64 checkedVersion(Connection &connection) {
 void useWriteAheadLog(Connection &connection, std::chrono::milliseconds wait) {
     const auto end = std::chrono::steady_clock::now() + wait;
     while (true) {
-        const std::optional<Failure> failure =
-            Attempt([&] { connection.once(QStringLiteral("PRAGMA journal_mode = WAL")); });
+        const std::optional<Failure> failure = Attempt([&] { connection.once("PRAGMA journal_mode = WAL"); });
         if (!failure)
             return;
         if (failure->number() != failures::unspecified || std::chrono::steady_clock::now() > end)
@@ -140,9 +139,9 @@ QByteArray prepareStore(Connection &connection, const QString &rootName, std::ch
     }();
     if (version == 0)
         useWriteAheadLog(connection, wait);
-    connection.once(QStringLiteral("PRAGMA synchronous = FULL"));
-    connection.once(QStringLiteral("PRAGMA foreign_keys = ON"));
-    connection.once(QStringLiteral("PRAGMA cache_size = -16000"));
+    connection.once("PRAGMA synchronous = FULL");
+    connection.once("PRAGMA foreign_keys = ON");
+    connection.once("PRAGMA cache_size = -16000");
     if (version == 0) {
         Transaction transaction(connection);
         // Another process may have made the tables while this one waited.

@@ -41,8 +41,8 @@ class TransferTest : public StoreTest {
         for (const QString &file : {m_mailbox->path(), m_public->path()}) {
             Connection connection(file, std::chrono::milliseconds(1000));
             notes += connection
-                         .once(QStringLiteral("SELECT (SELECT count(*) FROM transfers_in) +"
-                                              " (SELECT count(*) FROM transfers_out)"))
+                         .once("SELECT (SELECT count(*) FROM transfers_in) +"
+                               " (SELECT count(*) FROM transfers_out)")
                          .toLongLong();
         }
         return notes;
