@@ -11,12 +11,17 @@
 #include <QDir>
 #include <QFile>
 
+#include <filesystem>
+
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace desk {
 namespace {
 
+/// The folder of what is being sent, in the one that the mail system picks up from. It is all but empty at any time,
+/// where the other may hold thousands of messages.
+const QString sendingName = QStringLiteral("/.sending");
 const QString partSuffix = QStringLiteral(".part");
 
 /// What has been submitted and not sent. A message that has come in has been received; moving it into the Outbox does
@@ -35,6 +40,14 @@ QString fileNameOf(const QString &messageId) {
     return (name.isEmpty() ? QStringLiteral("message") : name) + QStringLiteral(".eml");
 }
 
+QStringList filesIn(const QString &folder) {
+    QStringList names;
+    std::error_code error;
+    for (const auto &entry : std::filesystem::directory_iterator(QFile::encodeName(folder).toStdString(), error))
+        names << QFile::decodeName(entry.path().filename().c_str());
+    return names;
+}
+
 void syncFolder(const QString &folder) {
     const int descriptor = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0)
@@ -49,11 +62,11 @@ int Transport::deliverNow() {
     Store &mailbox = m_session.mailbox();
     const auto outbox = mailbox.specialFolder(SpecialFolder::Outbox);
     const QString folder = m_session.profile().outgoingFolder();
-    const bool hasLeftovers = !QDir(folder).entryList({u'*' + partSuffix}, QDir::Files).isEmpty();
-    if (!hasLeftovers && (!outbox || mailbox.count(outbox->id) == 0))
+    const QString sending = folder + sendingName;
+    if (filesIn(sending).isEmpty() && (!outbox || mailbox.count(outbox->id) == 0))
         return 0;
-    if (!QDir().mkpath(folder))
-        throw Failure(failures::pathNotFound, QStringLiteral("The folder %1 can't be made.").arg(folder));
+    if (!QDir().mkpath(sending))
+        throw Failure(failures::pathNotFound, QStringLiteral("The folder %1 can't be made.").arg(sending));
     auto lock = FileLock::take(folder + QStringLiteral("/.lock"));
     if (!lock)
         return 0;
@@ -82,19 +95,21 @@ int Transport::deliverNow() {
 }
 
 void Transport::settle(const QString &folder) {
-    // What was still being written.
-    for (const QString &name : QDir(folder).entryList({u'*' + partSuffix + QStringLiteral(".*")}, QDir::Files))
-        QFile::remove(folder + u'/' + name);
-    for (const QString &name : QDir(folder).entryList({u'*' + partSuffix}, QDir::Files)) {
-        const QString path = folder + u'/' + name;
-        const auto item = m_session.mailbox().itemByEntryId(name.chopped(partSuffix.size()));
-        if (item && m_session.isIn(*item, m_session.mailbox(), SpecialFolder::Outbox)) {
+    const QString sending = folder + sendingName;
+    const QStringList files = filesIn(sending);
+    if (files.isEmpty())
+        return;
+    for (const QString &name : files) {
+        const QString path = sending + u'/' + name;
+        const QString entryId = name.chopped(std::min(name.size(), partSuffix.size()));
+        const auto item = m_session.mailbox().itemByEntryId(entryId);
+        const bool isWhole = name.endsWith(partSuffix);
+        if (!isWhole || (item && m_session.isIn(*item, m_session.mailbox(), SpecialFolder::Outbox)))
             QFile::remove(path);
-            continue;
-        }
-        const QString target = folder + u'/' + fileNameOf(item ? item->messageId : name.chopped(partSuffix.size()));
-        QFile::rename(path, target);
+        else
+            QFile::rename(path, folder + u'/' + fileNameOf(item ? item->messageId : entryId));
     }
+    syncFolder(sending);
     syncFolder(folder);
 }
 
@@ -110,9 +125,9 @@ void Transport::send(const QString &folder, const ItemRecord &item) {
                 address = {contact->fullName, contact->email1Address};
         }
     }
-    const QString part = folder + u'/' + item.entryId + partSuffix;
+    const QString part = folder + sendingName + u'/' + item.entryId + partSuffix;
     writeFile(part, composeMessage(message));
-    syncFolder(folder);
+    syncFolder(folder + sendingName);
 
     const FolderRecord sentItems = m_session.specialFolder(SpecialFolder::SentItems);
     std::optional<ItemRecord> moved;
