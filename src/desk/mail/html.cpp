@@ -238,8 +238,17 @@ QString htmlFromText(const QString &text) {
             html += c == u'\t' ? QStringView(u"&nbsp;&nbsp;&nbsp; ") : afterBlank ? QStringView(u"&nbsp;") : u" ";
             afterBlank = true;
         } else {
-            html += QString(c).toHtmlEscaped();
             afterBlank = false;
+            if (c == u'<')
+                html += u"&lt;";
+            else if (c == u'>')
+                html += u"&gt;";
+            else if (c == u'&')
+                html += u"&amp;";
+            else if (c == u'"')
+                html += u"&quot;";
+            else
+                html += c;
         }
     }
     return html;

@@ -67,9 +67,23 @@ void setAside() {
               qUtf8Printable(file()), qUtf8Printable(kept));
 }
 
+/// What the file held when it was read last.
+struct Known {
+    QByteArray bytes;
+    Hive hive;
+};
+ProcessLocal<Known> known;
+
 std::optional<Hive> load() {
     const std::optional<QByteArray> bytes = content();
-    return bytes ? Hive::parse(*bytes) : Hive();
+    if (!bytes)
+        return Hive();
+    if (known->bytes == *bytes && !bytes->isEmpty())
+        return known->hive;
+    std::optional<Hive> hive = Hive::parse(*bytes);
+    if (hive)
+        known = Known{*bytes, *hive};
+    return hive;
 }
 
 /// REQUIRES: the turn is ours.
