@@ -7,8 +7,10 @@
 
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <csignal>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -191,6 +193,28 @@ TEST(FileLocks, OneHoldsAndAKilledHolderLeavesNothingBehind) {
     ASSERT_NE(mine, nullptr);
     EXPECT_EQ(FileLock::take(file), nullptr);
     EXPECT_EQ(failureOf([&] { (void)FileLock::take(folder.filePath("none/lock")); }), failures::pathNotFound);
+}
+
+// Two runs of a program that start at once must not both take themselves for the only one.
+TEST(FileLocks, OfThoseWhoJoinTheFirstIsOneAndTheOthersHoldOnToo) {
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("lock");
+    auto first = FileLock::join(file);
+    auto second = FileLock::join(file);
+    EXPECT_TRUE(first.isFirst);
+    EXPECT_FALSE(second.isFirst);
+    first.lock.reset();
+    EXPECT_FALSE(FileLock::join(file).isFirst) << "the second still holds the file";
+    second.lock.reset();
+    for (int round = 0; round < 50; ++round) {
+        std::array<FileLock::Joined, 4> all;
+        std::vector<std::thread> runs;
+        for (FileLock::Joined &each : all)
+            runs.emplace_back([&] { each = FileLock::join(file); });
+        for (std::thread &run : runs)
+            run.join();
+        ASSERT_EQ(std::ranges::count_if(all, &FileLock::Joined::isFirst), 1);
+    }
 }
 
 } // namespace
