@@ -9,6 +9,8 @@
 #include "reference/settings.h"
 #include "reference/texts.h"
 
+#include <QScopeGuard>
+
 namespace {
 /// What the 16-bit column of open minutes gets at most.
 constexpr qint32 mostMinutesOpen = 31000;
@@ -72,6 +74,20 @@ void writeColumns(const Row &row, const cTicket &objTicket) {
     row.set("strMonthName", monthName(objTicket.DateCreated.month()));
 }
 
+/// Writes the new row and its number into it, both or none: a row without its number would not be found again, and the
+/// next save would add another. Gives the number.
+QString addRow(ado::Recordset &adrTickets, const Row &row, const QString &strTicketID) {
+    adoConnection->BeginTrans();
+    auto undo = qScopeGuard([] { Attempt([] { adoConnection->RollbackTrans(); }); });
+    adrTickets.Update();
+    const QString strNumber = strTicketID.isEmpty() ? row.plain("intTicketID") : strTicketID;
+    row.set("strTicketID", strNumber);
+    adrTickets.Update();
+    adoConnection->CommitTrans();
+    undo.dismiss();
+    return strNumber;
+}
+
 Ref<cCaller> readCaller(const Row &row) {
     const auto objCaller = Ref<cCaller>::make();
     objCaller->Category = row.nullSafe("strCustomerCategory");
@@ -101,23 +117,20 @@ void cTicket::SaveToDB() try {
         adrTickets->AddNew();
     const Row row(adrTickets);
     writeColumns(row, *this);
-    adrTickets->Update();
-    if (TicketID.isEmpty())
-        TicketID = toText(row.value("intTicketID"));
-    if (added) {
-        row.set("strTicketID", TicketID);
+    if (added)
+        TicketID = addRow(*adrTickets, row, TicketID);
+    else
         adrTickets->Update();
-    }
     subTrace("Writing work items to database");
     WorkDescs->WriteToDB(TicketID);
 } catch (const Failure &failure) {
     if (failure.number() != failures::unspecified)
         subErrorHandler(failure, "SaveToDB");
+    subTrace("The ticket was not written: " + failure.description());
     subAssistantMessage(ouaOutlook, QStringLiteral("Failed to write current ticket to DB!\r\n"
                                                    "Either the database seems to have read-only attribute, or\r\n"
                                                    "the ticket seems to be locked by another user!\r\n\r\n"
-                                                   "Please try again with the proper settings!") +
-                                        strLineEnd + strLineEnd + failure.description());
+                                                   "Please try again with the proper settings!"));
 }
 
 void cTicket::ReadFromDB(const Ref<ado::Recordset> &adrRecord) try {

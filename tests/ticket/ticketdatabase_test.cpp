@@ -252,6 +252,29 @@ TEST_F(TicketRowTest, ARowThatSomebodyHoldsIsLeftAndToldOf) {
     EXPECT_EQ(rows("tblWork", {"intTicketID"}), QStringList{});
 }
 
+// A row without its number in it would not be found again, and the next save would add another.
+TEST_F(TicketRowTest, ANewRowThatCannotTakeItsNumberIsNotAdded) {
+    const auto run = [this](const QString &statement) {
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "schema");
+            database.setDatabaseName(folder() + "/1/Orvelle.mdb");
+            EXPECT_TRUE(database.open());
+            EXPECT_TRUE(QSqlQuery(database).exec(statement));
+        }
+        QSqlDatabase::removeDatabase("schema");
+    };
+    run("CREATE TRIGGER refuse BEFORE UPDATE ON tblTickets BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    cTicket ticket = newTicket();
+    expectReport("SaveToDB");
+    EXPECT_TRUE(endsProcess([&] { ticket.SaveToDB(); }));
+    EXPECT_EQ(ticket.TicketID, "");
+    subCloseConnection();
+    run("DROP TRIGGER refuse");
+    EXPECT_EQ(rows("tblTickets", {"intTicketID"}), QStringList{});
+    ticket.SaveToDB();
+    EXPECT_EQ(rows("tblTickets", {"strTicketID"}), QStringList{ticket.TicketID});
+}
+
 TEST_F(TicketRowTest, WithNoDatabaseTellsSo) {
     const FakeHost host;
     subCloseConnection();
