@@ -63,6 +63,7 @@ host::MAPIFolder fncGetFolderFromPath(const QString &strPath) {
 }
 
 host::MAPIFolder fncPickFolder(window::Form *frmFormToReactiveate) {
+    subStartOutlook(defaultfolder::inbox);
     Attempt([] { ouaOutlook->ActiveExplorer().Activate(); });
     Attempt([] { fncGetShell()->AppActivate(toText(ouaOutlook->ActiveWindow().get("Caption"))); });
     host::MAPIFolder ouf;

@@ -29,8 +29,9 @@ bool fncSetupSafeUtils() {
     });
     if (!failure)
         return true;
-    Attempt([] { subOfferClientTools(); });
+    // First, since events come in while the question is open.
     blnSafeUtilsMissing = true;
+    Attempt([] { subOfferClientTools(); });
     return false;
 }
 

@@ -65,8 +65,7 @@ void subStartOutlook(qint32 intFolderType) {
 }
 
 void subSetCurrentFolder(qint32 intFolderType) {
-    if (ouaOutlook->isNothing())
-        subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(defaultfolder::inbox);
     const bool blnHasFolder = AttemptOr(
         [] { return ouaOutlook->Explorers().Count() > 0 && ouaOutlook->ActiveExplorer().CurrentFolder(); }, false);
     std::optional<Failure> failure;
@@ -83,6 +82,7 @@ void subSetCurrentFolder(qint32 intFolderType) {
 
 qint16 fncOutlookVersion() {
     if (majorVersion == 0) {
+        subStartOutlook(defaultfolder::inbox);
         majorVersion = AttemptOr([] { return toInt16(ouaOutlook->Version().section(QChar(u'.'), 0, 0)); }, qint16(0));
     }
     return majorVersion;
@@ -90,8 +90,7 @@ qint16 fncOutlookVersion() {
 
 void subGetSafeMailboxName() try {
     subTrace("Getting current user full name from mailbox name");
-    if (ouaOutlook->isNothing())
-        subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(defaultfolder::inbox);
     const QString strRoot = onsMAPI->GetDefaultFolder(defaultfolder::calendar).Parent().Name();
     const QString strSeparator = " - ";
     const qsizetype intAt = strRoot.indexOf(strSeparator);
@@ -131,6 +130,7 @@ void subRefreshCBHomepage() {
     if (oufTickets->isNothing())
         return;
     subTrace("Refreshing the homepage.");
+    subStartOutlook(defaultfolder::inbox);
     Attempt([] { oufTickets->WebViewOn(true); });
     const host::MAPIFolder ouf = oufTickets;
     // The detour through the parent is what makes the host load the page again.

@@ -3,6 +3,7 @@
 #include "outlook/session.h"
 
 #include "outlook/clienttools.h"
+#include "outlook/folderpath.h"
 #include "outlook/forms.h"
 #include "outlook/outlookfixture.h"
 #include "outlook/safeutils.h"
@@ -24,6 +25,25 @@ TEST_F(SessionTest, AHostThatIsThereIsNotLookedForAgain) {
     runningHost = []() -> automation::ObjectPtr { throw Failure(failures::cannotCreateObject); };
     subStartOutlook(6);
     EXPECT_TRUE(ouaOutlook == app());
+}
+
+TEST_F(SessionTest, WhatNeedsTheHostStartsIt) {
+    const std::vector<std::pair<const char *, std::function<void()>>> operations{
+        {"version", [] { EXPECT_GE(fncOutlookVersion(), 9); }},
+        {"folder", [] { subSetCurrentFolder(9); }},
+        {"name", [] { subGetSafeMailboxName(); }},
+        {"picking", [] { EXPECT_TRUE(fncPickFolder(nullptr).isNothing()); }},
+    };
+    for (const auto &[name, operation] : operations) {
+        ProgramCopy copy;
+        {
+            const ProgramCopy::Scope scope(copy);
+            runningHost = [this] { return desk().application(); };
+            operation();
+            EXPECT_FALSE(ouaOutlook->isNothing()) << name;
+        }
+        copy.clear();
+    }
 }
 
 TEST_F(SessionTest, WithoutAHostTheProcessEndsWithAMessage) {
@@ -118,7 +138,9 @@ TEST_F(SessionTest, MissingClientToolsAreOfferedAndTheLibraryOnlyOnce) {
     setClientTools(false);
     answers().expect("Client Tools", window::No);
     subCheckClientTools();
-    answers().expect("Client Tools", window::No);
+    // Events come in while the question is open; they don't ask it again.
+    answers().expectDuring(
+        "Client Tools", [] { EXPECT_FALSE(fncSetupSafeUtils()); }, window::No);
     EXPECT_FALSE(fncSetupSafeUtils());
     EXPECT_FALSE(fncSetupSafeUtils());
     setClientTools(true);
