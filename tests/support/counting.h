@@ -1,4 +1,5 @@
-// Counts what a program asks of its host: each get, put and call is a round trip where the host is another process.
+// What a program asks of its host, noted and made to fail on demand. Each get, put and call is a round trip where the
+// host is another process.
 #pragma once
 
 #include "automation/object.h"
@@ -10,7 +11,22 @@ namespace support {
 /// Stands in front of an object of the host and of every object that it gives.
 class Counting : public automation::Object {
   public:
-    using Log = std::shared_ptr<QStringList>;
+    /// The questions in order: "MailItem.Subject", "MailItem.Subject=", "MailItem.Save()".
+    struct Questions : QStringList {
+        /// Questions that fail, with their numbers.
+        QMap<QString, qint32> failing;
+        /// Called before each question; may fail it.
+        std::function<void(const QString &)> before;
+
+        void ask(const QString &question) {
+            append(question);
+            if (before)
+                before(question);
+            if (failing.contains(question))
+                throw Failure(failing[question], QStringLiteral("failed on demand"));
+        }
+    };
+    using Log = std::shared_ptr<Questions>;
 
     Counting(automation::ObjectPtr object, Log log) : m_object(std::move(object)), m_log(std::move(log)) {}
 
@@ -20,15 +36,15 @@ class Counting : public automation::Object {
 
     QString typeName() override { return m_object->typeName(); }
     Value get(const QString &member) override {
-        *m_log << m_object->typeName() + "." + member;
+        m_log->ask(m_object->typeName() + "." + member);
         return outward(m_object->get(member));
     }
     void put(const QString &member, const Value &value) override {
-        *m_log << m_object->typeName() + "." + member + "=";
+        m_log->ask(m_object->typeName() + "." + member + "=");
         m_object->put(member, inward(value));
     }
     Value call(const QString &member, const ValueList &arguments) override {
-        *m_log << m_object->typeName() + "." + member + "()";
+        m_log->ask(m_object->typeName() + "." + member + "()");
         ValueList inner;
         for (const Value &argument : arguments)
             inner << inward(argument);

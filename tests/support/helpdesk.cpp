@@ -190,7 +190,7 @@ QList<QByteArray> Helpdesk::outgoing() const {
 }
 
 Counting::Log Helpdesk::countQuestions() {
-    m_questions = std::make_shared<QStringList>();
+    m_questions = std::make_shared<Counting::Questions>();
     return m_questions;
 }
 
