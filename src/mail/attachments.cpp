@@ -2,10 +2,8 @@
 
 #include "core/errorhandler.h"
 #include "core/runtime.h"
+#include "mail/temporaryfolder.h"
 #include "outlook/safeutils.h"
-#include "platform/scripting/path.h"
-
-#include <QTemporaryDir>
 
 namespace {
 /// A source without attachments that is larger than this is attached whole.
@@ -16,6 +14,7 @@ constexpr qint32 embeddedItem = 5;
 constexpr qint32 oleObject = 6;
 constexpr qint32 wholeMessageFile = 3;
 constexpr int mostTries = 200;
+constexpr char wholeMessageName[] = "OriginalMessage.msg";
 
 /// A name that came with a mail, made fit for the temporary folder: it can't lead out of it, and fits a file system
 /// that takes 255 bytes, with room for a counter. The end stays, since it tells what the file is.
@@ -43,34 +42,31 @@ class AttachmentCopy {
   public:
     AttachmentCopy(const host::Item &source, const host::Item &target) : m_source(source), m_ticket(target) {}
 
-    void run(const host::Attachments &attachments) {
+    /// Gives the names of what could not be copied.
+    QStringList run(const host::Attachments &attachments) {
         const qint32 count = attachments.Count();
         const bool blnLarge = count == 0 && m_source.Size() > largeMessage;
         if (count == 0 && !blnLarge)
-            return;
+            return {};
         if (Attempt([&] { m_target = m_ticket.Attachments(); }))
-            return;
-        makeFolder();
+            return {};
+        subTrace("Finding temp folder");
+        m_folder.emplace();
+        m_path = m_folder->Path();
         subTrace("Looping attachements");
         for (qint32 i = 1; i <= count; ++i)
             one(attachments.Item(i));
         if ((m_wholeWanted || blnLarge) && isMailOrPost() && fncSetupSafeUtils())
             attachWhole();
+        return m_dropped;
     }
 
   private:
-    /// A folder of its own, since clients on one machine share the temporary folder, and their mails the usual names.
-    void makeFolder() {
-        subTrace("Finding temp folder");
-        subSetupFS();
-        const QString strTemp = fsoFileSystem->GetSpecialFolder(2)->Path();
-        m_folder.emplace(scripting::nativePath(strTemp) + "/orvelle-XXXXXX");
-        if (!m_folder->isValid())
-            throw Failure(failures::permissionDenied, "The temporary folder " + strTemp + " can't be written.");
-        m_path = scripting::pathText(m_folder->path()) + "\\";
-    }
-
     void one(const host::Attachment &attachment) {
+        if (!m_folder->isValid()) {
+            m_dropped << fncFileName(attachment.DisplayName());
+            return;
+        }
         switch (attachment.Type()) {
         case byValue:
             copyFile(attachment);
@@ -99,6 +95,8 @@ class AttachmentCopy {
         subTrace("Adding attachement to ticket " + strPath);
         if (blnSaved && fsoFileSystem->FileExists(strPath))
             attachAndDelete(strPath, attachment.DisplayName());
+        else
+            m_dropped << strName;
     }
 
     void copyEmbedded(const host::Attachment &attachment) {
@@ -113,7 +111,11 @@ class AttachmentCopy {
     }
 
     void attachWhole() {
-        const QString strPath = m_path + "OriginalMessage.msg";
+        if (!m_folder->isValid()) {
+            m_dropped << wholeMessageName;
+            return;
+        }
+        const QString strPath = m_path + wholeMessageName;
         fncSafeMailItem(m_source).SaveAs(strPath, wholeMessageFile);
         attachAndDelete(strPath, m_source.Subject());
     }
@@ -137,21 +139,22 @@ class AttachmentCopy {
     host::Item m_ticket;
     /// The ticket's; Nothing until there is something to copy.
     host::Attachments m_target;
-    std::optional<QTemporaryDir> m_folder;
+    std::optional<TemporaryFolder> m_folder;
     QString m_path;
+    QStringList m_dropped;
     int m_counter = 0;
     bool m_wholeWanted = false;
 };
 } // namespace
 
-void subCopyAttachements(const host::Item &source, const host::Item &target) try {
+QStringList subCopyAttachements(const host::Item &source, const host::Item &target) try {
     subTrace("Getting Attachements collection");
     if (source.isNothing() || target.isNothing())
-        return;
+        return {};
     host::Attachments from;
     if (Attempt([&] { from = source.Attachments(); }))
-        return;
-    AttachmentCopy(source, target).run(from);
+        return {};
+    return AttachmentCopy(source, target).run(from);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subCopyAttachements");
 }

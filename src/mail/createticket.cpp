@@ -42,14 +42,61 @@ host::PostItem fncNewTicketItem() {
     return ouiPost;
 }
 
+/// Says in the ticket's work log which files are missing: whoever works on it may never see the mail.
+void subNoteMissingFiles(const host::PostItem &ouiPost, const QStringList &files) {
+    if (files.isEmpty())
+        return;
+    const auto objWork = Ref<cWorkDescription>::make();
+    objWork->WorkDate = Clock::now();
+    objWork->User = objSettings->CurrentResponsible->FullName;
+    objWork->Description =
+        "Attachments that could not be copied from the mail (no room for temporary files): " + files.join(", ");
+    cWorkDescs objLog;
+    objLog.dicWorkDesc->Add("0", objWork);
+    subFixLongProperty(ouiPost, objLog.ToString(), "WorkDescriptions", false);
+}
+
+/// A mail whose ticket got a row but no item keeps the row's number, so that the next try fills the row and adds none.
+namespace earliertry {
+constexpr char strProperty[] = "Orvelle row without item";
+constexpr qint32 hostText = 1;
+
+void subNote(const host::Item &ouiMail, const QString &strTicketID) {
+    Attempt([&] {
+        ouiMail.UserProperties().Add(strProperty, hostText).setValue(strTicketID);
+        ouiMail.Save();
+    });
+}
+
+/// Empty for a mail that was not tried before, also for a copy of one whose ticket has its item by now.
+QString fncTicketID(const host::Item &ouiMail) {
+    return AttemptOr(
+        [&] {
+            const host::UserProperty oup = ouiMail.UserProperties().Find(strProperty);
+            cTicket objTicket;
+            objTicket.TicketID = oup ? toText(oup.value()) : QString();
+            const bool blnFree = !objTicket.TicketID.isEmpty() && objTicket.GetPostItem().isNothing();
+            return blnFree ? objTicket.TicketID : QString();
+        },
+        QString());
+}
+
+void subForget(const host::Item &ouiMail) {
+    Attempt([&] { ouiMail.UserProperties().Add(strProperty, hostText).setValue(""); });
+}
+} // namespace earliertry
+
 /// The row's number, which the database alone gives; empty when the row can't be written.
-QString fncSaveRow(const host::PostItem &ouiPost) {
+QString fncSaveRow(const host::PostItem &ouiPost, const QString &strEarlierID) {
     cTicket objTicket;
-    // Half a record is worth a row here: the ticket is new, so there is nothing that it could overwrite. An item that
-    // the host could not save is not: it would leave a row without a ticket.
-    if (!objTicket.ReadFromOutlook(ouiPost) && !AttemptOr([&] { return ouiPost.Saved(); }, false) &&
-        fncSetupSafeUtils())
-        return {};
+    if (!objTicket.ReadFromOutlook(ouiPost)) {
+        // An item that the host could not save would leave a row without a ticket.
+        if (!AttemptOr([&] { return ouiPost.Saved(); }, false) && fncSetupSafeUtils())
+            return {};
+        // Half a record is worth a row where there is none yet, but is written over none.
+        if (!strEarlierID.isEmpty())
+            return strEarlierID;
+    }
     objTicket.SaveToDB();
     return objTicket.TicketID;
 }
@@ -78,15 +125,22 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     const host::UserProperties oups = ouiPost.UserProperties();
     subSetOutlookValue(oups, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
     subSetOutlookValue(oups, "Created at", Clock::now(), propertytype::date);
-    subCopyAttachements(ouiMail, ouiPost);
+    subNoteMissingFiles(ouiPost, subCopyAttachements(ouiMail, ouiPost));
     subFillTicketFromMail(ouiMail, ouiPost, oups);
-    const QString strTicketID = fncSaveRow(ouiPost);
+    const QString strEarlierID = earliertry::fncTicketID(ouiMail);
+    if (!strEarlierID.isEmpty())
+        subSetOutlookValue(oups, "Ticket ID", strEarlierID, propertytype::text);
+    const QString strTicketID = fncSaveRow(ouiPost, strEarlierID);
     if (strTicketID.isEmpty())
         return {};
+    auto rowAlone = qScopeGuard([&] { earliertry::subNote(ouiMail, strTicketID); });
     subSetOutlookValue(oups, "Ticket ID", strTicketID, propertytype::text);
     ouiPost.Sensitivity(personal);
     ouiPost.Close(closeSaving);
     unfinished.dismiss();
+    rowAlone.dismiss();
+    if (!strEarlierID.isEmpty())
+        earliertry::subForget(ouiMail);
     subTrace("Setting flag on email that a ticket was created from!");
     if (strClass == "IPM.NOTE")
         subMarkConverted(host::MailItem(ouiMail.object()), strTicketID);

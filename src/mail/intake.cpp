@@ -13,12 +13,6 @@
 #include <QScopeGuard>
 
 namespace {
-constexpr char received[] = "Received";
-
-bool fncUsesSubFolders() {
-    return toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
-}
-
 QString fncConfirmationTemplate() {
     return toText(objSettings->OtherSettings->GetValue("ConvertedEmailMessage", propertytype::text));
 }
@@ -28,11 +22,13 @@ QString fncAnsweredTicket(const host::Item &oui) {
     return fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
 }
 
-/// A store that is full, locked or read-only makes every claim fail: one message is enough.
+/// A store that is full or read-only makes every claim fail: one message is enough.
 ProcessLocal<bool> blnClaimTrouble;
 
+/// An item that went to another client and a store that is busy are the ordinary course of things.
 void subTellClaimTrouble(const Failure &failure) {
-    if (failure.number() == failures::itemChanged || failure.number() == failures::itemGone || blnClaimTrouble)
+    const bool blnTrouble = failure.number() == failures::noDiskSpace || failure.number() == failures::accessDenied;
+    if (!blnTrouble || blnClaimTrouble)
         return;
     blnClaimTrouble = true;
     subAssistantMessage(ouaOutlook, failure.description());
@@ -60,14 +56,6 @@ void subReleaseClaim(const host::Item &oui) {
     });
 }
 
-void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
-    if (!fncUsesSubFolders())
-        return;
-    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
-    if (oufReceived)
-        Attempt([&] { oui.Copy().Move(oufReceived); });
-}
-
 /// From the claimed message to its place in "Converted".
 void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &oufMonitored) {
     // Also a failure report, which ends the process, frees the claim: the message is tried again at the next scan.
@@ -82,6 +70,24 @@ void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &
     subMoveToConverted(oui, oufMonitored);
 }
 } // namespace
+
+bool fncUsesSubFolders() {
+    return toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
+}
+
+void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
+    if (!fncUsesSubFolders())
+        return;
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
+    if (oufReceived.isNothing())
+        return;
+    Attempt([&] {
+        const host::Item ouiCopy = oui.Copy();
+        // A copy that stayed beside the mail would be one more mail of its folder.
+        if (Attempt([&] { ouiCopy.Move(oufReceived); }))
+            ouiCopy.Delete();
+    });
+}
 
 bool fncIsMailOrPost(const host::Item &oui) {
     constexpr qsizetype classLength = 8;
@@ -104,7 +110,7 @@ void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMoni
     }
     // The work row is written even where the message can't be filed.
     host::Item ouiFiled = oui;
-    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (oufReceived)
         Attempt([&] { ouiFiled = oui.Move(oufReceived); });
     subAddEmailWorkItem(strTicketID, fncGetSenderName(ouiFiled));
@@ -120,7 +126,7 @@ void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitore
             subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, oufMonitored);
         return;
     }
-    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, received);
+    const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (oufReceived.isNothing())
         return;
     subAddEmailWorkItem(strTicketID, fncGetSenderName(oui));

@@ -8,6 +8,15 @@
 /// The claim of a client on a message.
 inline constexpr char strWorkingMark[] = "Working...";
 
+/// The folder below a ticket's that takes what came in for it.
+inline constexpr char receivedFolder[] = "Received";
+
+/// Whether tickets have folders of their own for their mail.
+bool fncUsesSubFolders();
+
+/// Files a copy of a converted message under its ticket where tickets have folders. No copy stays anywhere else.
+void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID);
+
 /// Whether the item is of a kind that is converted, and no flag item. Fails for an item that can't be read.
 bool fncIsMailOrPost(const host::Item &oui);
 

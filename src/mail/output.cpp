@@ -1,5 +1,6 @@
 #include "mail/output.h"
 
+#include "mail/intake.h"
 #include "outlook/explorer/rootexplorer.h"
 #include "outlook/properties.h"
 #include "reference/settings.h"
@@ -14,7 +15,7 @@ void subSetEmailFrom(const host::MailItem &ouiMail) {
 }
 
 void subSetSentFolder(const host::MailItem &ouiMail) {
-    if (toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) != 1)
+    if (!fncUsesSubFolders())
         return;
     if (objRootExplorer->oufORVLSentItems.isNothing())
         objRootExplorer->subSetupSentORVL();

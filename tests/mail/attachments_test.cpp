@@ -91,6 +91,19 @@ TEST_F(Attachments, ASmallerOneIsNot) {
     EXPECT_TRUE(onTicket().isEmpty());
 }
 
+TEST_F(Attachments, FilesThatThereIsNoRoomForAreNamedInTheWorkLog) {
+    const auto questions = countQuestions();
+    start();
+    questions->failing["Attachment.SaveAsFile()"] = failures::diskFull;
+    deliver({.files = {{"log.txt", "one"}, {"Bericht.pdf", "three"}}});
+    ASSERT_EQ(tickets().Items().Count(), 1);
+    EXPECT_TRUE(onTicket().isEmpty());
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"intTicketID", "strPersonName", "strWorkDescription"}),
+              QStringList{"1|Alma Tester|Attachments that could not be copied from the mail (no room for temporary "
+                          "files): log.txt, Bericht.pdf"});
+    EXPECT_EQ(intake().Folders("Converted").Items().Item(1).Attachments().Count(), 2) << "they stay with the mail";
+}
+
 TEST_F(Attachments, NothingIsLeftInTheTemporaryFolder) {
     const QStringList before = QDir::temp().entryList({"orvelle-*"}, QDir::AllEntries);
     start();

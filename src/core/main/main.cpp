@@ -6,6 +6,7 @@
 #include "database/chooseconnection.h"
 #include "database/upgrade.h"
 #include "mail/foldermonitor.h"
+#include "mail/intake.h"
 #include "outlook/clienttools.h"
 #include "outlook/explorer/rootexplorer.h"
 #include "outlook/homepage.h"
@@ -102,7 +103,7 @@ void subSetupOutlookMonitor(const host::Explorer &oue) {
     objRootExplorer = Ref<cRootExplorer>::make();
     objRootExplorer->Attach(ouaOutlook, oue);
     objRootExplorer->subAddButtons();
-    if (toInt16(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1)
+    if (fncUsesSubFolders())
         objRootExplorer->subSetupSentORVL();
     fncDummyForm()->Load();
 }

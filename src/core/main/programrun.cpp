@@ -4,6 +4,7 @@
 #include "core/errorhandler.h"
 #include "core/main/main.h"
 #include "core/process.h"
+#include "mail/temporaryfolder.h"
 #include "outlook/forms.h"
 #include "outlook/session.h"
 #include "platform/safeobjects/safeobjects.h"
@@ -34,14 +35,16 @@ void ProgramRun::prepare() {
 void ProgramRun::start() {
     const ProgramCopy::Scope scope(m_copy);
     prepare();
+    TemporaryFolder::subSweep();
     m_starting = true;
     m_alive = true;
     enterProgram([this] {
         // A profile that isn't there has no other instance either; that the host is missing is told later.
         if (!m_setup.instanceFile.isEmpty())
             Attempt([this] {
-                m_lock = FileLock::take(m_setup.instanceFile);
-                blnPreviousInstance = m_lock == nullptr;
+                FileLock::Joined joined = FileLock::join(m_setup.instanceFile);
+                m_lock = std::move(joined.lock);
+                blnPreviousInstance = !joined.isFirst;
             });
         Main(m_setup.strCommand);
     });

@@ -4,14 +4,13 @@
 #include "core/main/main.h"
 #include "core/runtime.h"
 #include "mail/createticket.h"
-#include "outlook/properties.h"
+#include "mail/intake.h"
 #include "outlook/safeutils.h"
 #include "reference/settings.h"
 #include "reference/texts.h"
 #include "ticket/ticketfolders.h"
 
 namespace {
-constexpr char received[] = "Received";
 constexpr qint32 discard = 1;
 
 host::Item fncSelectedItem() {
@@ -28,13 +27,9 @@ host::Item fncSelectedItem() {
     return {};
 }
 
-bool fncUsesSubFolders() {
-    return toInt16(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
-}
-
 /// Files the mail under its ticket and gives the question to ask; empty when it could not be filed.
 QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID) {
-    const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, received);
+    const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (ouf.isNothing())
         return {};
     oui.Move(ouf);
@@ -49,11 +44,7 @@ QString fncMakeTicket(const host::Item &oui, QString &strTicketID) {
     strTicketID = fncCreateSingleTicket(oui);
     if (strTicketID.isEmpty())
         return {};
-    if (fncUsesSubFolders()) {
-        const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, received);
-        if (ouf)
-            Attempt([&] { oui.Copy().Move(ouf); });
-    }
+    subKeepCopyUnderTicket(oui, strTicketID);
     return LNGTICKETCREATEDOPENNOW;
 }
 
