@@ -23,6 +23,17 @@ QString fncComposeReport(const QString &strDescription, qint32 lngNumber, qint32
            LNGERRLINE + ": " + QString::number(intLine);
 }
 
+/// The host may be what the report is about. Then nothing of it answers any more, and the mail needs another one.
+void subLetGoOfDeadHost() {
+    const auto failure = Attempt([] { (void)ouaOutlook->Version(); });
+    if (!failure || (failure->number() != failures::peerGone && failure->number() != failures::peerStuck &&
+                     failure->number() != failures::disconnected))
+        return;
+    ouaOutlook = host::Application();
+    onsMAPI = host::NameSpace();
+    oufTickets = host::MAPIFolder();
+}
+
 /// The report up to the end of the process. A failure in here has nobody left to be told to.
 void subReport(const QString &strDescription, qint32 lngNumber, qint32 intLine, const QString &strProcedure) {
     const QString strHead = LNGERRINAPP + " " + strProgramTitle + " (" + fncOSName() + ")" + strLineEnd +
@@ -32,6 +43,7 @@ void subReport(const QString &strDescription, qint32 lngNumber, qint32 intLine, 
     blnReportShown = true;
     if (window::msgBox(strText, window::Buttons::YesNo, window::Icon::None, strProgramTitle) != window::Yes)
         return;
+    subLetGoOfDeadHost();
     if (ouaOutlook.get().isNothing() && processHooks->subStartOutlook)
         processHooks->subStartOutlook(6);
     strErrorReport = strErrorReport + strLineEnd + "Outlook Version: " + ouaOutlook.get().Version() + strLineEnd;

@@ -44,7 +44,8 @@ void cRootExplorer::cmdSettings_Click() {
 }
 
 void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
-    const QString strTicketID = fncGetTicketIDFromSubject(Item.Subject());
+    // A mail that has gone by now is nobody's trouble.
+    const QString strTicketID = fncGetTicketIDFromSubject(AttemptOr([&] { return Item.Subject(); }, QString()));
     if (strTicketID.isEmpty())
         return;
     const host::MAPIFolder oufSent = fncGetTicketSubFolder(strTicketID, "Sent");
@@ -70,9 +71,10 @@ void cRootExplorer::oueCurrExplorer_FolderSwitch() {
 void cRootExplorer::subSetupSentORVL() {
     const host::MAPIFolder oufSent = onsMAPI->GetDefaultFolder(defaultfolder::sentItems);
     const QString strName = "ORVLSentItems";
-    Attempt([&] { oufORVLSentItems = oufSent.Folders().Item(strName); });
-    if (oufORVLSentItems.isNothing())
-        Attempt([&] { oufORVLSentItems = oufSent.Folders().Add(strName, 6); });
+    const auto find = [&] { oufORVLSentItems = oufSent.Folders().Item(strName); };
+    // Another copy may make it in between; then the adding fails, and it is there.
+    if (Attempt(find) && Attempt([&] { oufORVLSentItems = oufSent.Folders().Add(strName, 6); }))
+        Attempt(find);
     if (oufORVLSentItems.isNothing())
         return;
     oisORVLSentItems = oufORVLSentItems.Items();

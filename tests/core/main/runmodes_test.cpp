@@ -1,5 +1,6 @@
 // The kinds of run, from their first step to their end.
 
+#include "core/fakehost.h"
 #include "core/main/dummy.h"
 #include "core/main/main.h"
 #include "core/phrases.h"
@@ -7,11 +8,18 @@
 #include "database/chooseconnection.h"
 #include "mail/foldermonitor.h"
 #include "outlook/explorer/rootexplorer.h"
+#include "outlook/session.h"
 #include "platform/scripting/shell.h"
 #include "reference/settings.h"
 #include "support/helpdesk.h"
 
 #include <QDir>
+#include <QScopeGuard>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -172,6 +180,50 @@ TEST_F(RunModes, AHostThatDiesIsReported) {
     EXPECT_EQ(copy.ends, 1);
 }
 
+// The report offers a mail, which the host that has died can't write.
+TEST_F(RunModes, TheMailAboutAHostThatDiedIsWrittenByAnother) {
+    for (const bool isThereAgain : {true, false}) {
+        auto &copy = start();
+        copy.in([&] {
+            const auto dead = std::make_shared<FakeObject>("Application");
+            dead->failing = {"Version", "CreateItem", "ActiveExplorer", "GetNamespace"};
+            ouaOutlook = host::Application(automation::ObjectPtr(dead));
+            if (!isThereAgain)
+                runningHost = []() -> automation::ObjectPtr { throw Failure(failures::cannotCreateObject); };
+        });
+        copy.answers.expect("-2147023174", window::Yes);
+        if (!isThereAgain)
+            copy.answers.expect("Please start Outlook manually");
+        copy.run.hostGone();
+        EXPECT_FALSE(copy.run.alive());
+        EXPECT_EQ(subjects(mapi().GetDefaultFolder(16)).size(), 1);
+    }
+}
+
+TEST_F(RunModes, WhatAKilledRunLeftInTheTemporaryFolderIsSweptAway) {
+    const auto restore =
+        qScopeGuard([was = qgetenv("TMPDIR")] { was.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", was); });
+    const auto make = [&](const QString &name, bool isOld) {
+        const QString folder = path("temp/" + name);
+        EXPECT_TRUE(QDir().mkpath(folder));
+        EXPECT_TRUE(QFile(folder + "/log.txt").open(QIODevice::WriteOnly));
+        const timespec past[2] = {{1000, 0}, {1000, 0}};
+        EXPECT_EQ(isOld ? ::utimensat(AT_FDCWD, folder.toUtf8().constData(), past, 0) : 0, 0);
+        return folder;
+    };
+    const QString held = make("orvelle-attachments-held", true);
+    const int descriptor = ::open(held.toUtf8().constData(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(::flock(descriptor, LOCK_EX), 0);
+    make("orvelle-attachments-stale", true);
+    make("orvelle-attachments-young", false);
+    make("somebody-else", true);
+    qputenv("TMPDIR", path("temp").toUtf8());
+    start();
+    ::close(descriptor);
+    EXPECT_EQ(QDir(path("temp")).entryList(QDir::AllDirs | QDir::NoDotAndDotDot),
+              (QStringList{"orvelle-attachments-held", "orvelle-attachments-young", "somebody-else"}));
+}
+
 TEST_F(RunModes, AHostThatIsNotThereEndsTheRunWithItsMessage) {
     closeDesk();
     auto &copy = newCopy();
@@ -217,7 +269,14 @@ TEST_F(RunModes, TheCopyButtonCopiesTheOneSelectedTicket) {
 
 TEST_F(RunModes, SentMailIsFiledByItsSubject) {
     setSetting("EmailSubFolders", "1");
-    start();
+    // Another copy makes the folder between the look and the making.
+    const auto questions = countQuestions();
+    questions->before = [&](const QString &question) {
+        if (question == "Folders.Add()" && folderNames(mapi().GetDefaultFolder(5)).isEmpty())
+            mapi().GetDefaultFolder(5).Folders().Add("ORVLSentItems", 6);
+    };
+    auto &copy = start();
+    copy.in([] { objRootExplorer->oisORVLSentItems_ItemAdd(host::Item()); });
     const host::MAPIFolder sent = mapi().GetDefaultFolder(5).Folders("ORVLSentItems");
     put(sent, "IPM.Note", "about {4}");
     put(sent, "IPM.Note", "about nothing");

@@ -61,15 +61,16 @@ int openEndSignals() {
 
 int runProgram(const QString &command) {
     const QString profile = profileFolder();
-    std::unique_ptr<automation::Client> client;
+    // Those whose host has gone stay, since their handles may still be held.
+    std::vector<std::unique_ptr<automation::Client>> clients;
     std::function<void()> hostGone;
     ProgramSetup setup;
     setup.strCommand = command;
     setup.instanceFile = profile + "/orvelle.lock";
     setup.host = [&] {
-        if (!client)
-            client = automation::Client::connect(profile + "/desk.socket", [&] { hostGone(); });
-        return client->root();
+        if (clients.empty() || !clients.back()->isConnected())
+            clients.push_back(automation::Client::connect(profile + "/desk.socket", [&] { hostGone(); }));
+        return clients.back()->root();
     };
     ProgramRun run(std::move(setup), [] { QCoreApplication::exit(); });
     hostGone = [&] { run.hostGone(); };
