@@ -14,6 +14,7 @@
 ProcessLocal<QHash<QString, Ref<cPhrase>>> colPhrases;
 ProcessLocal<std::array<QString, intLanguages>> strLanguageNames;
 ProcessLocal<std::array<qint16, intLanguages>> intLanguageColumns;
+ProcessLocal<QByteArray> phraseTableOverride;
 
 namespace {
 
@@ -30,7 +31,8 @@ QString fncWithoutMark(const QString &strText) {
 QString fncTable() {
     QStringDecoder decoder(QStringDecoder::Utf16LE,
                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    return fncWithoutMark(decoder(phraseTable()));
+    const QByteArray table = phraseTableOverride;
+    return fncWithoutMark(decoder(table.isEmpty() ? phraseTable() : table));
 }
 
 /// A field of a row; a missing one fails with 9.
@@ -52,6 +54,14 @@ void subAddPhrase(const QStringList &strFields, qint32 lngIndex, QString &strPhr
     colPhrases.get().insert(objPhrase->LangConstant, objPhrase);
 }
 
+/// The phrase of a key; fails with 5 where the table has none.
+QString fncPhrase(const char *strKey) {
+    const auto objPhrase = colPhrases.get().constFind(strKey);
+    if (objPhrase == colPhrases.get().constEnd())
+        throw Failure(failures::invalidCall, QStringLiteral("The phrase table has no %1.").arg(strKey));
+    return (*objPhrase)->LangPhrase;
+}
+
 } // namespace
 
 const QString &Phrase::text() const { return strPhraseTexts.get().at(static_cast<std::size_t>(m_place)); }
@@ -63,7 +73,9 @@ void subFillLanguageNames() {
 
 void subFillLanguageColumns() { intLanguageColumns = {13, 12, 5, 1, 11, 7, 3, 10, 4, 9, 8, 15, 6, 2, 14}; }
 
-void subReadPhraseRows(const QString &strTable, qint32 lngIndex) try {
+void subReadPhrases(qint32 lngIndex) try {
+    subTrace("Reading language phrases from resource file");
+    const QString strTable = fncTable();
     colPhrases.get().clear();
     QString strPhrase;
     const QStringList strRows = strTable.split(strLineEnd);
@@ -81,16 +93,14 @@ void subReadPhraseRows(const QString &strTable, qint32 lngIndex) try {
     subErrorHandler(failure, "subReadPhrases");
 }
 
-void subReadPhrases(qint32 lngIndex) {
-    subTrace("Reading language phrases from resource file");
-    subReadPhraseRows(fncTable(), lngIndex);
-}
-
 void LoadLanguages(qint32 lngIndex) try {
     subReadPhrases(lngIndex);
     subTrace("Reading phrases from collection into variables");
+    // In one step at the end, since a report about a missing phrase is written in the language before.
+    std::array<QString, std::size(strPhraseKeys)> strTexts;
     for (std::size_t i = 0; i < std::size(strPhraseKeys); ++i)
-        strPhraseTexts.get().at(i) = colPhrases.get().value(strPhraseKeys[i])->LangPhrase;
+        strTexts.at(i) = fncPhrase(strPhraseKeys[i]);
+    strPhraseTexts = strTexts;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "LoadLanguages");
 }

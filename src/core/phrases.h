@@ -52,13 +52,14 @@ extern ProcessLocal<std::array<qint16, intLanguages>> intLanguageColumns;
 void subFillLanguageNames();
 void subFillLanguageColumns();
 
-/// Fills `colPhrases` from one column of the table. A table or a column that can't be read is reported, which ends the
-/// process.
+/// Fills `colPhrases` from one column of the table. A row or a column that can't be read is shown, with the row counted
+/// from 1, and reported, which ends the process.
 void subReadPhrases(qint32 lngIndex);
-/// The same for a table given as one text. The message before the report names the row, counted from 1.
-void subReadPhraseRows(const QString &strTable, qint32 lngIndex);
 
-/// Puts a language into force.
+/// The table of this copy in place of the program's own, in the same form, when not empty. Tests set it.
+extern ProcessLocal<QByteArray> phraseTableOverride;
+
+/// Puts a language into force, the whole of it or nothing. A phrase that the table lacks is reported.
 void LoadLanguages(qint32 lngIndex);
 
 /// The language by the command line: column 1 when it is blank or "Ticket", else the column of that number.

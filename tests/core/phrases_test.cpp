@@ -1,17 +1,20 @@
 #include "corefixture.h"
 
 #include "platform/value/convert.h"
+#include "resources/phrasetable.h"
+
+#include <QStringEncoder>
 
 namespace {
 
 using Phrases = Core;
 
-TEST_F(Phrases, AreThoseOfTheColumnInEveryLanguage) {
+TEST_F(Phrases, AreThoseOfTheColumnThatTheCommandLineNames) {
     const QStringList add = {"LNGADD",  "Add",     "Lägg till", "Hinzufügen", "Aggiungi", "Toevoegen",
                              "Agregar", "Ajouter", "Adicionar", "Legg til",   "Πρόσθεσε", "Lisää",
                              "Tilføj",  "Přidat",  "Ekle",      "Dodaj"};
     for (qint32 column = 0; column < add.size(); ++column) {
-        LoadLanguages(column);
+        subLoadStartLanguage(QString::number(column));
         EXPECT_EQ(LNGADD.text(), add.at(column));
         EXPECT_EQ(colPhrases.get().size(), 185);
         EXPECT_EQ(colPhrases.get().value("LNGADD")->LangPhrase, add.at(column));
@@ -61,32 +64,50 @@ TEST_F(Phrases, ALanguageThatIsNoneIsShownAndReported) {
     }
 }
 
-TEST_F(Phrases, ADamagedTableIsShownByItsRow) {
+/// A table in the form that the program carries.
+QByteArray tableOf(const QString &rows) {
+    QStringEncoder encoder(QStringEncoder::Utf16LE, QStringEncoder::Flag::WriteBom);
+    return encoder(rows);
+}
+
+TEST_F(Phrases, ADamagedTableIsShownByItsRowAndReported) {
     const QString good = "A\t1\t2\t3\tfour\r\n";
+    const QByteArray own = phraseTable();
     struct Case {
         const char *name;
-        QString table;
+        QByteArray table;
         qint32 column;
+        /// Empty where no row is to blame.
         QString shown;
+        QString report;
     };
     const std::vector<Case> cases = {
-        {"a row too short", good + "B\tx\r\n", 2, "2\r\nB\r\nLINE - 2"},
-        {"a key twice", good + "B\tx\t\t\t\r\nA\ty\t\t\t\r\n", 1, "y\r\nA\r\nLINE - 3"},
-        {"no fallback", "A\t\r\n", 1, "\r\nA\r\nLINE - 1"},
+        {"a row too short", tableOf(good + "B\tx\r\n"), 2, "2\r\nB\r\nLINE - 2", "subReadPhrases"},
+        {"a key twice", tableOf(good + "B\tx\t\t\t\r\nA\ty\t\t\t\r\n"), 1, "y\r\nA\r\nLINE - 3", "subReadPhrases"},
+        {"no fallback", tableOf("A\t\r\n"), 1, "\r\nA\r\nLINE - 1", "subReadPhrases"},
+        {"no line ends", tableOf("LNGADD\tAdd\n"), 1, "", "LoadLanguages"},
+        {"a key missing", tableOf(good), 2, "", "LoadLanguages"},
+        {"cut in a row", own.left(own.size() / 2), 2, "", "LoadLanguages"},
+        {"cut in a character", own.left(own.size() / 2 + 1), 2, "", "LoadLanguages"},
+        {"of another kind", QByteArray(5000, '\xA5'), 2, "", "LoadLanguages"},
     };
     for (const Case &c : cases) {
         ProgramCopy other;
         const ProgramCopy::Scope inside(other);
         LoadLanguages(1);
+        phraseTableOverride = c.table;
         support::Answers answered;
-        answered.expect(c.shown);
-        answered.expect("Sub routine : subReadPhrases ", window::No);
-        EXPECT_TRUE(endsProcess([&] { subReadPhraseRows(c.table, c.column); })) << c.name;
+        if (!c.shown.isEmpty())
+            answered.expect(c.shown);
+        answered.expect("Sub routine : " + c.report + " ", window::No);
+        EXPECT_TRUE(endsProcess([&] { LoadLanguages(c.column); })) << c.name;
+        EXPECT_EQ(LNGADD.text(), "Add") << c.name;
     }
 }
 
 TEST_F(Phrases, AnEmptyCellTakesTheFourthColumnAndALastRowWithoutItsEndIsLost) {
-    subReadPhraseRows("A\t\t2\t3\tquat'tro\r\nB\tone\t\t\t\r\nC\tlost\t\t\t", 1);
+    phraseTableOverride = tableOf("A\t\t2\t3\tquat'tro\r\nB\tone\t\t\t\r\nC\tlost\t\t\t");
+    subReadPhrases(1);
     EXPECT_EQ(colPhrases.get().size(), 2);
     EXPECT_EQ(colPhrases.get().value("A")->LangPhrase, "quattro");
     EXPECT_EQ(colPhrases.get().value("B")->LangPhrase, "one");
