@@ -11,11 +11,9 @@ const RecordTable<cCaller> &table() {
         "strFullName",
         "",
         "Deleting Caller from database ",
+        {"strTelephone", "strEmail", "strComment", "strCategory"},
         [](const cCaller &objCaller) {
-            return QList<RecordField>{{"strTelephone", objCaller.Telephone},
-                                      {"strEmail", objCaller.Email},
-                                      {"strComment", objCaller.Comment},
-                                      {"strCategory", objCaller.Category}};
+            return ValueList{objCaller.Telephone, objCaller.Email, objCaller.Comment, objCaller.Category};
         },
     };
     return tblCallers;
@@ -49,19 +47,27 @@ void cCallersList::FromString(const QString &StringToParse) {
 
 void cCallersList::FromRS(const Ref<ado::Recordset> &adrRS) {
     DicList = fncCreateDic<Ref<cCaller>>();
-    if (!adrRS)
+    if (!adrRS || adrRS->IsEOF())
         return;
+    // A field shows the current row, whichever it is. Callers are the longest of the lists.
+    const ado::Field number = adrRS->Fields("intCallerID");
+    const ado::Field name = adrRS->Fields("strFullName");
+    const ado::Field telephone = adrRS->Fields("strTelephone");
+    const ado::Field email = adrRS->Fields("strEmail");
+    const ado::Field comment = adrRS->Fields("strComment");
+    const ado::Field category = adrRS->Fields("strCategory");
     for (; !adrRS->IsEOF(); adrRS->MoveNext()) {
-        const Value name = adrRS->Fields("strFullName").Value();
-        if (name.isNull() || toText(name).isEmpty() || DicList->Exists(toText(name)))
+        const Value stored = name.Value();
+        const QString text = stored.isNull() ? QString() : toText(stored);
+        if (text.isEmpty() || DicList->Exists(text))
             continue;
         const auto objCaller = Ref<cCaller>::make();
-        objCaller->ID = toInt32(adrRS->Fields("intCallerID").Value());
-        objCaller->FullName = toText(name);
-        objCaller->Telephone = fncNullSafeText(adrRS->Fields("strTelephone").Value());
-        objCaller->Email = fncNullSafeText(adrRS->Fields("strEmail").Value());
-        objCaller->Comment = fncNullSafeText(adrRS->Fields("strComment").Value());
-        objCaller->Category = fncNullSafeText(adrRS->Fields("strCategory").Value());
+        objCaller->ID = toInt32(number.Value());
+        objCaller->FullName = text;
+        objCaller->Telephone = fncNullSafeText(telephone.Value());
+        objCaller->Email = fncNullSafeText(email.Value());
+        objCaller->Comment = fncNullSafeText(comment.Value());
+        objCaller->Category = fncNullSafeText(category.Value());
         DicList->Add(objCaller->FullName, objCaller);
     }
 }

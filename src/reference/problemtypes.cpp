@@ -11,8 +11,9 @@ const RecordTable<cProblemType> &table() {
         "strTypeDescription",
         "Writing problem type description %1 to database",
         "Deleting problem type from database ",
+        {"strCategory", "intDefMin"},
         [](const cProblemType &objType) {
-            return QList<RecordField>{{"strCategory", objType.ProblemCategory}, {"intDefMin", objType.DefaultMinutes}};
+            return ValueList{objType.ProblemCategory, objType.DefaultMinutes};
         },
     };
     return tblTypes;

@@ -10,12 +10,6 @@
 template <class Record>
 using RecordDic = scripting::Dictionary<Ref<Record>>;
 
-/// One field of a record as the table should hold it.
-struct RecordField {
-    QString strColumn;
-    Value varValue;
-};
-
 /// How a list's records stand in their table.
 template <class Record>
 struct RecordTable {
@@ -24,8 +18,9 @@ struct RecordTable {
     /// What the trace says before the name of a record that is added (empty for no trace) or deleted.
     QString strAdding;
     QString strDeleting;
-    /// Every field but the key and the name, in the order of writing.
-    std::function<QList<RecordField>(const Record &)> fields;
+    /// Every column but the key and the name, in the order of writing, and what a record has for them.
+    QStringList strColumns;
+    std::function<ValueList(const Record &)> values;
 };
 
 /// The current row of a record that the table holds: found by the key that the table gave, never by one in memory.
@@ -35,9 +30,10 @@ void subFindRecord(ado::Recordset &adrRS, const RecordTable<Record> &table, cons
 }
 
 /// Brings the row of one record in line, adding it when the table does not have it. A row that matches is not written.
+/// \param fields  the table's columns, in which a recordset shows its current row.
 template <class Record>
-void subRecordToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, const QString &strName,
-                   const Record &record, RecordDic<Record> &dicStored) {
+void subRecordToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, QList<ado::Field> &fields,
+                   const QString &strName, const Record &record, RecordDic<Record> &dicStored) {
     bool blnDirty = false;
     if (adrRS.RecordCount() != 0)
         adrRS.MoveFirst();
@@ -50,9 +46,10 @@ void subRecordToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, cons
         adrRS.Fields(table.strNameColumn).SetValue(strName);
         blnDirty = true;
     }
-    for (const RecordField &field : table.fields(record)) {
-        if (fncValueChanged(adrRS.Fields(field.strColumn).Value(), field.varValue)) {
-            adrRS.Fields(field.strColumn).SetValue(field.varValue);
+    const ValueList values = table.values(record);
+    for (qsizetype at = 0; at < fields.size(); ++at) {
+        if (fncValueChanged(fields[at].Value(), values[at])) {
+            fields[at].SetValue(values[at]);
             blnDirty = true;
         }
     }
@@ -64,8 +61,11 @@ void subRecordToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, cons
 template <class Record>
 void subRecordsToRS(ado::Recordset &adrRS, const RecordTable<Record> &table, RecordDic<Record> &dicList,
                     RecordDic<Record> &dicStored) {
+    QList<ado::Field> fields;
+    for (const QString &column : table.strColumns)
+        fields.append(adrRS.Fields(column));
     for (const QString &name : dicList.Keys())
-        subRecordToRS(adrRS, table, name, *dicList.Item(name), dicStored);
+        subRecordToRS(adrRS, table, fields, name, *dicList.Item(name), dicStored);
     if (adrRS.RecordCount() <= dicList.Count())
         return;
     for (const QString &name : dicStored.Keys()) {

@@ -11,8 +11,9 @@ const RecordTable<cResponsible> &table() {
         "strPersonName",
         "",
         "Deleting responsible from database ",
+        {"curRate", "strEmail"},
         [](const cResponsible &objPerson) {
-            return QList<RecordField>{{"curRate", objPerson.Rate}, {"strEmail", objPerson.Email}};
+            return ValueList{objPerson.Rate, objPerson.Email};
         },
     };
     return tblPersons;

@@ -37,9 +37,33 @@ void sqlInt(sqlite3_context *context, int, sqlite3_value **arguments) {
     sqlite3_result_double(context, std::floor(sqlite3_value_double(arguments[0])));
 }
 
+/// A sort compares each text many times: the usual ones are widened without memory of their own.
+class WideText {
+  public:
+    WideText(const void *utf8, int bytes) {
+        const auto *text = static_cast<const char *>(utf8);
+        if (bytes <= most && std::all_of(text, text + bytes, [](char each) { return each >= 0; })) {
+            std::copy(text, text + bytes, m_short);
+            m_view = QStringView(m_short, bytes);
+        } else {
+            m_view = m_long = QString::fromUtf8(text, bytes);
+        }
+    }
+    WideText(const WideText &) = delete;
+    WideText &operator=(const WideText &) = delete;
+
+    [[nodiscard]] QStringView view() const { return m_view; }
+
+  private:
+    static constexpr int most = 128;
+    char16_t m_short[most];
+    QString m_long;
+    QStringView m_view;
+};
+
 int sqlCompare(void *order, int leftBytes, const void *left, int rightBytes, const void *right) {
-    return static_cast<const TextOrder *>(order)->compare({static_cast<const char16_t *>(left), leftBytes / 2},
-                                                          {static_cast<const char16_t *>(right), rightBytes / 2});
+    return static_cast<const TextOrder *>(order)->compare(WideText(left, leftBytes).view(),
+                                                          WideText(right, rightBytes).view());
 }
 
 } // namespace
@@ -121,7 +145,7 @@ void JetDatabase::addFunctions(sqlite3 *handle) {
     constexpr int pure = SQLITE_UTF16 | SQLITE_DETERMINISTIC;
     sqlite3_create_function_v2(handle, "like", 2, pure, nullptr, sqlLike, nullptr, nullptr, nullptr);
     sqlite3_create_function_v2(handle, "int", 1, pure, nullptr, sqlInt, nullptr, nullptr, nullptr);
-    sqlite3_create_collation_v2(handle, jetCollation, SQLITE_UTF16_ALIGNED, m_order.get(), sqlCompare, nullptr);
+    sqlite3_create_collation_v2(handle, jetCollation, SQLITE_UTF8, m_order.get(), sqlCompare, nullptr);
 }
 
 QSqlQuery JetDatabase::query() const {

@@ -2,79 +2,17 @@
 
 #include "platform/ado/errors.h"
 #include "platform/ado/jetdatabase.h"
+#include "platform/ado/jetselection.h"
 #include "platform/ado/jetsql.h"
 
 #include <QFile>
 #include <QSet>
-#include <QSqlRecord>
-#include <QSqlResult>
 
 #include <sqlite3.h>
-
-#include <limits>
 
 namespace ado {
 
 namespace {
-
-ColumnType typeOfDeclaration(const QString &declared) {
-    const QString name = declared.section(u'(', 0, 0).trimmed().toUpper();
-    static const QHash<QString, ColumnType> types{
-        {"VARCHAR", ColumnType::Text}, {"LONGTEXT", ColumnType::Memo},  {"SMALLINT", ColumnType::Short},
-        {"INTEGER", ColumnType::Long}, {"CURRENCY", ColumnType::Money}, {"DATETIME", ColumnType::Date},
-        {"BOOLEAN", ColumnType::Flag}, {"DOUBLE", ColumnType::Double},
-    };
-    return types.value(name, ColumnType::Unknown);
-}
-
-template <class T>
-bool fits(qint64 number) {
-    return number >= std::numeric_limits<T>::min() && number <= std::numeric_limits<T>::max();
-}
-
-Value wholeNumber(ColumnType type, qint64 number) {
-    switch (type) {
-    case ColumnType::Short:
-        if (fits<qint16>(number))
-            return static_cast<qint16>(number);
-        break;
-    case ColumnType::Money:
-        return Currency::fromScaled(number);
-    case ColumnType::Date:
-        return DateTime{static_cast<double>(number)};
-    case ColumnType::Flag:
-        return number != 0;
-    case ColumnType::Double:
-        return static_cast<double>(number);
-    default:
-        break;
-    }
-    if (fits<qint32>(number))
-        return static_cast<qint32>(number);
-    return static_cast<double>(number);
-}
-
-/// A stored value as its column's type has it. What another tool stored against the type is kept as it is, so that it
-/// can be seen, and fails where it is used.
-Value storedValue(ColumnType type, const QVariant &stored) {
-    if (stored.isNull())
-        return Value::Null{};
-    switch (stored.typeId()) {
-    case QMetaType::LongLong:
-    case QMetaType::Int: {
-        const qint64 number = stored.toLongLong();
-        if (type == ColumnType::Text || type == ColumnType::Memo)
-            return QString::number(number);
-        return wholeNumber(type, number);
-    }
-    case QMetaType::Double:
-        if (type == ColumnType::Date)
-            return DateTime{stored.toDouble()};
-        return stored.toDouble();
-    default:
-        return stored.toString();
-    }
-}
 
 QVariant bound(const Value &value) {
     struct Visitor {
@@ -105,14 +43,13 @@ class JetFile final : public Provider {
                           QString("A recordset needs a table or a SELECT, and this is none: %1").arg(source.left(500)));
         if (!statement.lookup.isEmpty())
             keepLookup(statement.table, statement.lookup);
-        QSqlQuery query = m_database.query();
-        m_database.prepare(query, statement.text);
-        m_database.run(query);
+        JetSelection selection(m_database, statement.text);
         RowSet set;
-        readColumns(query, set);
+        set.columns = selection.columns();
         if (!statement.table.isEmpty())
             findKey(statement.table, set);
-        readRows(query, set);
+        while (selection.next())
+            set.rows.push_back(selection.row(set.columns));
         return set;
     }
 
@@ -259,27 +196,6 @@ class JetFile final : public Provider {
             m_haveMoney = true;
         }
         return m_money;
-    }
-
-    static void readColumns(const QSqlQuery &query, RowSet &set) {
-        const QSqlRecord record = query.record();
-        const QVariant handle = query.result()->handle();
-        auto *statement = *static_cast<sqlite3_stmt *const *>(handle.constData());
-        for (int at = 0; at < record.count(); ++at) {
-            const char *declared = sqlite3_column_decltype(statement, at);
-            set.columns.push_back({record.fieldName(at), typeOfDeclaration(QString::fromUtf8(declared))});
-        }
-    }
-
-    static void readRows(QSqlQuery &query, RowSet &set) {
-        const auto columns = static_cast<int>(set.columns.size());
-        while (query.next()) {
-            Row row;
-            row.reserve(set.columns.size());
-            for (int at = 0; at < columns; ++at)
-                row.push_back(storedValue(set.columns[static_cast<std::size_t>(at)].type, query.value(at)));
-            set.rows.push_back(std::move(row));
-        }
     }
 
     /// The column that numbers a table's rows; empty for a table without one.

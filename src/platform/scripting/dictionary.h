@@ -20,17 +20,19 @@ class Dictionary {
 
     /// The key's item. As with the component itself, reading a missing key adds it with an item of its first value.
     [[nodiscard]] T &Item(const QString &key) {
-        const auto place = m_places.constFind(folded(key));
-        if (place != m_places.constEnd())
-            return m_items[*place];
-        return append(key, T{});
+        const QString place = folded(key);
+        const auto found = m_places.constFind(place);
+        if (found != m_places.constEnd())
+            return m_items[*found];
+        return append(place, key, T{});
     }
 
     /// Fails with 457 when the key is there already.
     void Add(const QString &key, T item) {
-        if (Exists(key))
+        const QString place = folded(key);
+        if (m_places.contains(place))
             throw Failure(failures::keyExists);
-        append(key, std::move(item));
+        append(place, key, std::move(item));
     }
 
     /// Replaces the key's item, or adds it at the end.
@@ -59,8 +61,8 @@ class Dictionary {
 
   private:
     static QString folded(const QString &key) { return key.toCaseFolded(); }
-    T &append(const QString &key, T item) {
-        m_places.insert(folded(key), m_keys.size());
+    T &append(const QString &place, const QString &key, T item) {
+        m_places.insert(place, m_keys.size());
         m_keys.append(key);
         m_items.append(std::move(item));
         return m_items.last();
