@@ -84,7 +84,7 @@ QString plainText(const Value &value) {
         return toBool(value) ? QStringLiteral("yes") : QStringLiteral("no");
     if (value.holds<DateTime>()) {
         const DateTime moment = toDateTime(value);
-        return moment.isZero() ? QString() : moment.toQt().toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+        return moment.isZero() ? QString() : moment.isoText().left(QStringLiteral("yyyy-MM-dd HH:mm").size());
     }
     return value.isNull() ? QString() : toText(value).simplified();
 }
@@ -98,7 +98,7 @@ QJsonValue jsonOf(const Value &value) {
         return toText(value);
     if (value.holds<DateTime>()) {
         const DateTime moment = toDateTime(value);
-        return moment.isZero() ? QJsonValue() : QJsonValue(moment.toQt().toString(Qt::ISODate));
+        return moment.isZero() ? QJsonValue() : QJsonValue(moment.isoText().replace(u' ', u'T'));
     }
     return toDouble(value);
 }

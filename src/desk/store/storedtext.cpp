@@ -37,7 +37,7 @@ QString numberKey(double number) { return QString::number(number + 0.0, 'g', QLo
 QString dateKey(DateTime moment) {
     if (moment.isZero() || !moment.isValid())
         return {};
-    return moment.toQt().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
+    return moment.isoText();
 }
 
 /// Folds code point by code point, as comparing without regard to case does. Folding a whole text would turn halves of

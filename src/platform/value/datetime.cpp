@@ -48,7 +48,15 @@ DateTime DateTime::fromTime(int hour, int minute, int second) {
 
 QDateTime DateTime::toQt() const {
     const TimeOfDay time = timeOfDay();
-    return QDateTime(dateOf(days), QTime(time.hour, time.minute, time.second));
+    const QDate date = dateOf(days);
+    const QDateTime local(date, QTime(time.hour, time.minute, time.second));
+    return local.isValid() ? local : QDateTime(date, local.time().addSecs(3600));
+}
+
+QString DateTime::isoText() const {
+    const TimeOfDay time = timeOfDay();
+    return dateOf(days).toString(QStringLiteral("yyyy-MM-dd ")) +
+           QTime(time.hour, time.minute, time.second).toString(QStringLiteral("HH:mm:ss"));
 }
 
 DateTime DateTime::dateOnly() const { return {static_cast<double>(epoch().daysTo(dateOf(days)))}; }

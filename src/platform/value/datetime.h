@@ -17,7 +17,10 @@ struct DateTime {
     /// A time of day on the zero day.
     static DateTime fromTime(int hour, int minute, int second);
 
+    /// The moment by this machine's clock. An hour that the clock leaves out in spring is the hour behind it.
     [[nodiscard]] QDateTime toQt() const;
+    /// What a clock on the wall shows, "yyyy-MM-dd HH:mm:ss", also in an hour that the machine's clock leaves out.
+    [[nodiscard]] QString isoText() const;
     [[nodiscard]] bool isZero() const { return days == 0; }
     [[nodiscard]] bool isValid() const { return days > -657435.0 && days < 2958466.0; }
 

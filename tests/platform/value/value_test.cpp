@@ -142,6 +142,18 @@ TEST(DateTimes, EveryRegionReadsWhatItWrites) {
     Region::set(std::nullopt);
 }
 
+TEST(DateTimes, AnHourThatTheClockLeavesOutIsKept) {
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", "Europe/Stockholm");
+    tzset();
+    const DateTime moment{DateTime::fromDate(2026, 3, 29).days + DateTime::fromTime(2, 30, 0).days};
+    EXPECT_EQ(moment.isoText(), "2026-03-29 02:30:00");
+    EXPECT_EQ(moment.toQt().toUTC(), QDateTime(QDate(2026, 3, 29), QTime(1, 30), Qt::UTC));
+    EXPECT_EQ(parseDateTime(formatDateTime(moment))->days, moment.days);
+    before.isEmpty() ? qunsetenv("TZ") : qputenv("TZ", before);
+    tzset();
+}
+
 TEST(DateTimes, DaysBeforeTheFirstCountTheirTimeForward) {
     const DateTime moment{-1.25};
     EXPECT_EQ(moment.day(), 29);
