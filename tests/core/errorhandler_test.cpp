@@ -21,7 +21,8 @@ class Report : public Core {
     std::shared_ptr<FakeObject> mail = std::make_shared<FakeObject>("MailItem");
 };
 
-TEST_F(Report, ReadsInFull) {
+TEST_F(Report, ReadsInFullAndOnNoNothingIsMailed) {
+    startHost();
     subTrace("Opening the folder\r\nCheck that it is there");
     answers.expect("There has been an error", window::No);
     fail("Object variable not set", 91, 120, "cSettings.GetSettings");
@@ -41,6 +42,7 @@ TEST_F(Report, ReadsInFull) {
     EXPECT_EQ(question.icon, window::Icon::None);
     EXPECT_EQ(question.title, title);
     EXPECT_EQ(question.cautious, window::No);
+    EXPECT_TRUE(host->log.isEmpty());
     EXPECT_EQ(releases, 1);
 }
 
@@ -112,17 +114,35 @@ TEST_F(Report, StartsTheHostForTheMailWhereItIsGone) {
     EXPECT_EQ(mail->log.last(), "Display()");
 }
 
+TEST_F(Report, EndsQuietlyWhereTheHostCannotBeStartedForTheMail) {
+    for (const bool quits : {true, false}) {
+        ProgramCopy other;
+        const ProgramCopy::Scope inside(other);
+        LoadLanguages(1);
+        processHooks->subStartOutlook = [quits](qint32) {
+            if (quits)
+                subQuit();
+        };
+        support::Answers answered;
+        answered.expect("There has been an error", window::Yes);
+        fail("Some text", 5, 7, "Main");
+        EXPECT_EQ(answered.asked().size(), 1);
+    }
+    EXPECT_TRUE(mail->log.isEmpty());
+}
+
 TEST_F(Report, SaysWhenTheMailCannotBeMade) {
     const std::vector<std::pair<QString, QStringList>> cases = {
         {"Save", {"To", "Subject", "Body", "Display"}},
         {"To", {"Subject", "Body", "Save", "Display"}},
+        {"CreateItem", {}},
     };
     for (const auto &[failing, done] : cases) {
         ProgramCopy other;
         const ProgramCopy::Scope inside(other);
         LoadLanguages(1);
         startHost();
-        mail->failing = QStringList{failing};
+        mail->failing = host->failing = QStringList{failing};
         mail->log.clear();
         support::Answers answered;
         answered.expect("There has been an error", window::Yes);
