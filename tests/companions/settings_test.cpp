@@ -2,6 +2,7 @@
 
 #include "companions/settings/settingsfile.h"
 #include "platform/ado/recordset.h"
+#include "platform/value/convert.h"
 
 #include <gtest/gtest.h>
 
@@ -62,6 +63,7 @@ TEST_F(SettingsProgram, TellsWrongUsageFromFailure) {
     const std::pair<QStringList, int> cases[] = {
         {{}, 2},
         {{"nonsense"}, 2},
+        {{"nonsense", "--help"}, 2},
         {{"get"}, 2},
         {{"set", "KBPath"}, 2},
         {{"list", "--jsn"}, 2},
@@ -81,6 +83,11 @@ TEST_F(SettingsProgram, TellsWrongUsageFromFailure) {
     const Outcome help = run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.output.contains("EmailSubFolders"));
+    for (const char *command : {"list", "get", "set", "export", "import"}) {
+        const Outcome one = run({command, "--help"});
+        EXPECT_EQ(one.status, 0);
+        EXPECT_TRUE(one.output.startsWith(QString("Usage:\n  ORVELLESETTINGS.exe ") + command)) << command;
+    }
 }
 
 TEST_F(SettingsProgram, TheFirstSettingCreatesTheDatabaseAsAFirstStartDoes) {
@@ -139,7 +146,8 @@ constexpr char lists[] = "# Orvelle settings 1\n\n"
                          "[problem types]\nPrinter\tHardware\t30\n"
                          "[caller categories]\nStaff\n"
                          "[statuses]\nOpen\n\\#2\n"
-                         "[callers]\nCy\tcy@x.example\t+46 1\tStaff\ttab\\there\n";
+                         "[callers]\nCy\tcy@x.example\t+46 1\tStaff\ttab\\there\n"
+                         "[end]\n";
 
 TEST_F(SettingsProgram, ExportsWhatItImported) {
     put("in.txt", lists);
@@ -160,7 +168,8 @@ TEST_F(SettingsProgram, ExportsWhatItImported) {
 
 TEST_F(SettingsProgram, AnImportKeepsTheNumbersOfRowsThatStay) {
     ASSERT_EQ(run({"import", "-"}, lists).status, 0);
-    ASSERT_EQ(run({"import", "-"}, "# Orvelle settings 1\n[responsibles]\nDi\t\t1\nBO\tbo@x.example\t\n").status, 0);
+    ASSERT_EQ(run({"import", "-"}, "# Orvelle settings 1\n[responsibles]\nDi\t\t1\nBO\tbo@x.example\t\n[end]\n").status,
+              0);
     const Ref<ado::Recordset> persons = open("tblPersons");
     ASSERT_EQ(persons->RecordCount(), 2);
     EXPECT_EQ(persons->Fields("intPersonID").Value(), Value(qint32{2}));
@@ -174,32 +183,123 @@ TEST_F(SettingsProgram, AnImportIsDoneAsAWholeOrNotAtAll) {
     ASSERT_EQ(run({"import", "-"}, lists).status, 0);
     const QString before = run({"export", "-"}).output;
     const QByteArray head = "# Orvelle settings 1\n[statuses]\nNew\n";
+    const QByteArray end = "[end]\n";
     const std::pair<QByteArray, const char *> cases[] = {
-        {"", "does not begin"},
-        {"[statuses]\nNew\n", "does not begin"},
-        {head + "[responsibles]\nAnn\tx\tmuch\n", "no number"},
-        {head + "[responsibles]\nAnn\n", "needs 3"},
-        {head + "[callers]\nCy\t\t\t\t\ncy\t\t\t\t\n", "comes twice"},
-        {head + "[caller categories]\n\\e\n", "no name"},
-        {head + "[nonsense]\n", "no section"},
-        {head + "[statuses]\n", "second time"},
-        {head + "a\\", "Line 4"},
-        {head + "[settings]\nServiceEnd\tlate\n", "time of day"},
-        {head + "\xFF\n", "UTF-8"},
+        {"", "Line 1 "},
+        {"[statuses]\nNew\n" + end, "Line 1 "},
+        {head, "Line 4 can't be taken: the file ends without"},
+        {head + "[responsibles]\nAnn\tx\tmuch\n" + end, "Line 5 can't be taken: \"much\" is no number"},
+        {head + "[problem types]\nA\t\t70000\n" + end, "Line 5 can't be taken: 70000 is too large"},
+        {head + "[responsibles]\nAnn\n" + end, "Line 5 can't be taken: the row of [responsibles] has 1 fields"},
+        {head + "[callers]\nCy\t\t\t\t\ncy\t\t\t\t\n" + end, "Line 6 can't be taken: \"cy\" comes twice"},
+        {head + "[caller categories]\n\\e\n" + end, "Line 5 can't be taken: the row of [caller categories] has no"},
+        {head + "[nonsense]\n" + end, "Line 4 can't be taken: there is no section"},
+        {head + "[statuses]\n" + end, "Line 4 can't be taken: the section comes a second time"},
+        {head + "a\\\n" + end, "Line 4 can't be taken: a backslash"},
+        {head + "[settings]\nServiceEnd\tlate\n" + end, "Line 5 can't be taken: ServiceEnd needs a time of day"},
+        {head + "fine\n\xFF\n" + end, "Line 5 can't be taken: it is no UTF-8"},
+        {head + end + "a\n", "Line 5 can't be taken: a row stands behind"},
     };
-    for (const auto &[content, message] : cases) {
-        const Outcome outcome = run({"import", "-"}, content);
-        EXPECT_EQ(outcome.status, 1) << message;
-        EXPECT_TRUE(outcome.errors.contains(message)) << qPrintable(outcome.errors);
-        EXPECT_EQ(run({"export", "-"}).output, before) << message;
+    for (const bool isNew : {false, true}) {
+        if (isNew)
+            QFile::remove(path("Orvelle.mdb"));
+        for (const auto &[content, message] : cases) {
+            const Outcome outcome = run({"import", "-"}, content);
+            EXPECT_EQ(outcome.status, 1) << message;
+            EXPECT_TRUE(outcome.errors.contains(message)) << qPrintable(outcome.errors);
+            EXPECT_EQ(outcome.output, "") << message;
+            EXPECT_EQ(isNew ? before : run({"export", "-"}).output, before) << message;
+        }
     }
+    EXPECT_FALSE(QFile::exists(path("Orvelle.mdb"))) << "a file with a mistake does not make a database either";
+}
+
+TEST_F(SettingsProgram, AnImportSaysWhatItChanged) {
+    EXPECT_TRUE(run({"import", "-"}, lists)
+                    .output.endsWith("settings: 2 added: KBPath, PrintOut\n"
+                                     "responsibles: 2 added: Ann, Bo\n"
+                                     "problem types: 1 added: Printer\n"
+                                     "caller categories: 1 added: Staff\n"
+                                     "statuses: 2 added: Open, #2\n"
+                                     "callers: 1 added: Cy\n"));
+    EXPECT_EQ(run({"import", "-"}, lists).output, "Nothing changed: everything in the file is stored already.\n");
+    QByteArray many = "# Orvelle settings 1\n[settings]\nkbpath\tx\nOwn\t1\n[statuses]\nOPEN\n";
+    for (int at = 0; at < 12; ++at)
+        many += "s" + QByteArray::number(at) + "\n";
+    EXPECT_EQ(run({"import", "-"}, many + "[problem types]\nprinter\tHardware\t31\n[end]\n").output,
+              "settings: 1 added: Own\nsettings: 1 changed: kbpath\n"
+              "statuses: 12 added: s0, s1, s2, s3, s4, s5, s6, s7, s8, s9 and 2 more\nstatuses: 1 deleted: #2\n"
+              "problem types: 1 changed: Printer\n");
+}
+
+/// What people, mails and other tools leave in the tables comes back character by character.
+TEST_F(SettingsProgram, TakesAwkwardValuesThereAndBack) {
+    ASSERT_EQ(run({"import", "-"}, lists).status, 0);
+    const QStringList awkward{"it's \"quoted\"; semi;colon, comma\ttab",
+                              QString::fromUtf8("\u0395\u03BB\u03BB\u03B7\u03BD\u03B9\u03BA\u03AC \xF0\x9F\x98\x80"),
+                              "two\nlines\r\nor\rthree\n",
+                              " blanks at both ends ",
+                              "  ",
+                              "# no comment",
+                              "[end]",
+                              "\\e",
+                              "-1",
+                              "NULL",
+                              QString(70000, u'x')};
+    const Ref<ado::Recordset> set = open("tblOtherSettings");
+    const Ref<ado::Recordset> callers = open("tblCallers");
+    const Ref<ado::Recordset> persons = open("tblPersons");
+    for (qsizetype at = 0; at < awkward.size(); ++at) {
+        set->AddNew();
+        set->Fields("strPropName").SetValue(at % 2 == 0 ? awkward[at].left(200) + "x" : QString("name %1").arg(at));
+        set->Fields("strPropValue").SetValue(awkward[at]);
+        set->Update();
+        callers->AddNew();
+        for (const char *column : {"strFullName", "strEmail", "strComment", "strCategory"})
+            callers->Fields(column).SetValue(awkward[at]);
+        callers->Update();
+    }
+    for (const qint64 scaled : {std::numeric_limits<qint64>::max() - 1, qint64{-1}, qint64{0}}) {
+        persons->AddNew();
+        persons->Fields("strPersonName").SetValue(QString::number(scaled));
+        persons->Fields("curRate").SetValue(Currency::fromScaled(scaled));
+        persons->Update();
+    }
+    const auto rows = [this] {
+        QStringList texts;
+        for (const char *table : {"tblOtherSettings", "tblCallers", "tblPersons", "tblTypes", "tblStatuses"}) {
+            for (const Ref<ado::Recordset> all = open(table); !all->IsEOF(); all->MoveNext()) {
+                QString row;
+                for (int at = 1; at < all->FieldCount(); ++at) {
+                    const Value value = all->Fields(at).Value();
+                    row += value.isNull()            ? QString()
+                           : value.holds<Currency>() ? QString::number(std::get<Currency>(value.held()).scaled())
+                                                     : toText(value);
+                    row += u'|';
+                }
+                texts.append(row);
+            }
+        }
+        texts.sort();
+        return texts;
+    };
+    const QStringList before = rows();
+    QTemporaryDir other;
+    ASSERT_EQ(run({"export", other.filePath("all.txt")}).status, 0);
+    EXPECT_EQ(run({"import", other.filePath("all.txt")}).output,
+              "Nothing changed: everything in the file is stored already.\n");
+    set->Close();
+    for (const char *ending : {"", "-wal", "-shm"})
+        QFile::remove(path("Orvelle.mdb") + ending);
+    ASSERT_EQ(run({"import", other.filePath("all.txt")}).status, 0);
+    EXPECT_EQ(rows().join("\n").toStdString(), before.join("\n").toStdString());
 }
 
 TEST(SettingsFile, AnyRowsAreReadBack) {
     const QString signs = QString("\\\t\n\r#[]e a") + QChar(0x4E2D) + QChar(0);
     for (unsigned seed = 0; seed < 5000; ++seed) {
         std::mt19937 random(seed);
-        settings::Section section{"some section", {}};
+        settings::Section section{"some section", {}, 0};
         for (std::size_t rows = random() % 4; rows > 0; --rows) {
             QStringList row;
             for (std::size_t fields = 1 + random() % 3; fields > 0; --fields) {
@@ -208,12 +308,13 @@ TEST(SettingsFile, AnyRowsAreReadBack) {
                     field += signs[static_cast<qsizetype>(random() % static_cast<unsigned>(signs.size()))];
                 row.append(field);
             }
-            section.rows.append(row);
+            section.rows.append({row, 0});
         }
         const QList<settings::Section> read = settings::readSections(settings::writeSections({section}, {"heading"}));
         ASSERT_EQ(read.size(), 1);
         ASSERT_EQ(read[0].name, section.name);
-        ASSERT_EQ(read[0].rows, section.rows) << seed;
+        ASSERT_TRUE(std::ranges::equal(read[0].rows, section.rows, {}, &settings::Row::fields, &settings::Row::fields))
+            << seed;
     }
 }
 

@@ -16,15 +16,37 @@ namespace settings {
 
 namespace {
 
-constexpr char usage[] = R"(Reads and writes the settings of Orvelle.
+struct Command {
+    const char *name;
+    const char *form;
+    const char *meaning;
+    const char *details;
+};
 
-Usage:
-  ORVELLESETTINGS.exe list [--json]      all stored settings
-  ORVELLESETTINGS.exe get NAME           the value of one setting
-  ORVELLESETTINGS.exe set NAME VALUE     stores a value; creates the setting, and the database, when missing
-  ORVELLESETTINGS.exe export FILE        all settings and lists into a text file
-  ORVELLESETTINGS.exe import FILE        settings and lists from such a file; "-" is standard input
-  ORVELLESETTINGS.exe --help
+constexpr Command commands[] = {
+    {"list", "list [--json]", "all stored settings",
+     "One \"name=value\" a line; a line end inside a value is shown as \\r\\n. With --json one object, the values as\n"
+     "they are.\n"},
+    {"get", "get NAME", "the value of one setting",
+     "Prints the value and a line end. NAME is taken without regard to case. A setting that is not stored is a\n"
+     "failure.\n"},
+    {"set", "set NAME VALUE", "stores a value; creates the setting, and the database, when missing",
+     "VALUE may be empty and may hold line ends. A time, or a number, that the system could not read is refused.\n"},
+    {"export", "export FILE", "all settings and lists into a text file",
+     "FILE is written anew; \"-\" is standard output. It holds everything that \"import\" takes: the settings, the\n"
+     "responsibles, problem types, caller categories, statuses and callers, one row a line, fields with tabs between\n"
+     "them. \\\\ stands for a backslash, \\t a tab, \\n and \\r the line ends.\n"},
+    {"import", "import FILE", "settings and lists from such a file",
+     "\"-\" is standard input. Settings that FILE does not name stay. Each list that FILE has is brought in line with\n"
+     "it: rows that it does not name are deleted. Lists that it does not have stay. Prints what was added, changed "
+     "and\n"
+     "deleted. All or nothing: a file with a mistake changes nothing, and the message tells the line.\n"},
+};
+
+constexpr char usageHead[] = "Reads and writes the settings of Orvelle.\n\nUsage:\n";
+
+constexpr char usageTail[] = R"(
+"ORVELLESETTINGS.exe COMMAND --help" tells more of one command.
 
 The database is that of the program folder: ORVELLE_HOME where it is set, else the folder of this program.
 A change takes effect when orvelle is started the next time.
@@ -41,12 +63,29 @@ void complain(const QString &text) { std::fprintf(stderr, "ORVELLESETTINGS: %s\n
 /// A value on one line.
 QString oneLine(QString value) { return value.replace("\r\n", "\\r\\n").replace("\n", "\\n").replace("\r", "\\r"); }
 
+QString formLine(const Command &command) {
+    return QString("  ORVELLESETTINGS.exe %1 %2\n").arg(QString(command.form), -16).arg(command.meaning);
+}
+
 int help() {
-    QString text = usage;
+    QString text = usageHead;
+    for (const Command &each : commands)
+        text += formLine(each);
+    text += QString("  ORVELLESETTINGS.exe --help\n") + usageTail;
     for (const Known &each : knownSettings())
         text += QString("  %1 %2\n").arg(QString(each.name), -22).arg(each.meaning);
     print(text.toUtf8());
     return 0;
+}
+
+std::optional<int> helpFor(const QString &name) {
+    for (const Command &each : commands) {
+        if (name == each.name) {
+            print((QString("Usage:\n") + formLine(each) + "\n" + each.details).toUtf8());
+            return 0;
+        }
+    }
+    return std::nullopt;
 }
 
 int list(bool asJson) {
@@ -97,6 +136,25 @@ int exportTo(const QString &name) {
     return 1;
 }
 
+/// "section: 2 added: a, b"; nothing where nothing changed.
+QString changeLines(const Change &change) {
+    constexpr qsizetype most = 10;
+    QString text;
+    const auto tell = [&](const QStringList &names, const char *what) {
+        if (names.isEmpty())
+            return;
+        QStringList shownNames;
+        for (const QString &name : names.first(std::min(names.size(), most)))
+            shownNames.append(oneLine(name));
+        text += QString("%1: %2 %3: %4").arg(change.section).arg(names.size()).arg(what).arg(shownNames.join(", "));
+        text += names.size() > most ? QString(" and %1 more\n").arg(names.size() - most) : QString("\n");
+    };
+    tell(change.added, "added");
+    tell(change.changed, "changed");
+    tell(change.removed, "deleted");
+    return text;
+}
+
 int importFrom(const QString &name) {
     QFile file(name);
     const bool opened = name == "-" ? file.open(stdin, QFile::ReadOnly) : file.open(QFile::ReadOnly);
@@ -104,7 +162,17 @@ int importFrom(const QString &name) {
         complain(QString("The file %1 could not be read: %2.").arg(name, file.errorString()));
         return 1;
     }
-    Installation(Installation::Missing::Create).import(file.readAll());
+    const QByteArray content = file.readAll();
+    if (file.error() != QFile::NoError) {
+        complain(QString("The file %1 could not be read: %2.").arg(name, file.errorString()));
+        return 1;
+    }
+    QString text;
+    // A file with a mistake does not even make a database.
+    const QList<Section> sections = readSettings(content);
+    for (const Change &change : Installation(Installation::Missing::Create).import(sections))
+        text += changeLines(change);
+    print((text.isEmpty() ? QString("Nothing changed: everything in the file is stored already.\n") : text).toUtf8());
     return 0;
 }
 
@@ -114,6 +182,8 @@ std::optional<int> runCommand(const QStringList &arguments) {
     const qsizetype count = arguments.size();
     if (command == "--help" || command == "-h")
         return help();
+    if (count == 2 && (arguments[1] == "--help" || arguments[1] == "-h"))
+        return helpFor(command);
     if (command == "list" && (count == 1 || (count == 2 && arguments[1] == "--json")))
         return list(count == 2);
     if (command == "get" && count == 2)

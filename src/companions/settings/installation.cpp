@@ -1,9 +1,9 @@
 #include "companions/settings/installation.h"
 
 #include "companions/settings/catalogue.h"
-#include "companions/settings/listtables.h"
 #include "companions/settings/settingsfile.h"
 #include "core/process.h"
+#include "core/runtime.h"
 #include "database/connection.h"
 #include "database/creation.h"
 #include "database/upgrade.h"
@@ -58,34 +58,87 @@ QString storable(QString value) {
 
 QString quoted(QString text) { return u'\'' + text.replace("'", "''") + u'\''; }
 
-/// Writes one setting into the open table.
-void store(const Ref<ado::Recordset> &set, const QString &name, const QString &value) {
-    if (const std::optional<QString> problem = problemWith(name, value))
-        throw Failure(failures::invalidCall, *problem);
+enum class Stored { Added, Changed, Kept };
+
+/// Writes one setting into the open table, into every row of its name: of several that another tool left, the system
+/// reads the last.
+Stored store(const Ref<ado::Recordset> &set, const QString &name, const QString &value) {
+    const QString criterion = "strPropName = " + quoted(name);
+    bool isFound = false;
+    bool isChanged = false;
     if (set->RecordCount() != 0) {
         set->MoveFirst();
-        set->Find("strPropName = " + quoted(name));
+        for (set->Find(criterion); !set->IsEOF(); set->MoveNext(), set->Find(criterion)) {
+            isFound = true;
+            if (shown(textOf(set->Fields(valueColumn).Value())) == shown(value))
+                continue;
+            isChanged = true;
+            set->Fields(valueColumn).SetValue(value);
+            set->Update();
+        }
     }
-    if (set->IsEOF()) {
-        const Known *known = findKnown(name);
-        set->AddNew();
-        set->Fields(nameColumn).SetValue(known ? QString(known->name) : name);
-    }
-    set->Fields(valueColumn).SetValue(storable(value));
+    if (isFound)
+        return isChanged ? Stored::Changed : Stored::Kept;
+    const Known *known = findKnown(name);
+    set->AddNew();
+    set->Fields(nameColumn).SetValue(known ? QString(known->name) : name);
+    set->Fields(valueColumn).SetValue(value);
     set->Update();
+    return Stored::Added;
+}
+
+Change storeSettings(const Section &section, const Ref<ado::Recordset> &set) {
+    Change change{section.name, {}, {}, {}};
+    for (const Row &row : section.rows) {
+        // An empty text can't be stored in the column.
+        switch (store(set, row.fields[0], row.fields[1].isEmpty() ? " " : row.fields[1])) {
+        case Stored::Added:
+            change.added.append(row.fields[0]);
+            break;
+        case Stored::Changed:
+            change.changed.append(row.fields[0]);
+            break;
+        case Stored::Kept:
+            break;
+        }
+    }
+    return change;
 }
 
 void requireFields(const Section &section, qsizetype fields) {
-    for (const QStringList &row : section.rows)
-        if (row.size() != fields)
-            throw Failure(failures::invalidCall, QString("A row of [%1] has %2 fields and needs %3: %4")
-                                                     .arg(section.name)
-                                                     .arg(row.size())
-                                                     .arg(fields)
-                                                     .arg(row.join(", ").left(200)));
+    for (const Row &row : section.rows)
+        if (row.fields.size() != fields)
+            refuseLine(row.line, QString("the row of [%1] has %2 fields and needs %3: %4")
+                                     .arg(section.name)
+                                     .arg(row.fields.size())
+                                     .arg(fields)
+                                     .arg(row.fields.join(", ").left(200)));
+}
+
+void checkSettings(const Section &section) {
+    requireFields(section, 2);
+    for (const Row &row : section.rows)
+        if (const std::optional<QString> problem = problemWith(row.fields[0], row.fields[1]))
+            refuseLine(row.line, problem->chopped(1));
 }
 
 } // namespace
+
+QList<Section> readSettings(const QByteArray &content) {
+    QList<Section> sections = readSections(content);
+    for (const Section &section : sections) {
+        if (section.name == settingsSection) {
+            checkSettings(section);
+            continue;
+        }
+        const ListTable *table = findListTable(section.name);
+        if (!table)
+            refuseLine(section.line, QString("there is no section [%1]").arg(section.name));
+        requireFields(section, table->columns.size());
+        checkList(*table, section);
+    }
+    return sections;
+}
 
 Installation::Installation(Missing missing) : m_connection(Ref<ado::Connection>::make()) {
     m_connection->SetConnectionString(findDatabase(missing));
@@ -119,13 +172,21 @@ std::optional<QString> Installation::get(const QString &name) const {
 }
 
 void Installation::set(const QString &name, const QString &value) {
-    store(open(settingsTable, ado::LockType::Optimistic), name, value);
+    if (const std::optional<QString> problem = problemWith(name, value))
+        throw Failure(failures::invalidCall, *problem);
+    store(open(settingsTable, ado::LockType::Optimistic), name, storable(value));
 }
 
 QByteArray Installation::exported() const {
-    Section settingRows{settingsSection, {}};
-    for (const Setting &each : list())
-        settingRows.rows.append({each.name, each.value});
+    Section settingRows{settingsSection, {}, 0};
+    cOtherSettings read;
+    read.FromRS(open(settingsTable, ado::LockType::ReadOnly));
+    QStringList names = read.DicList->Keys();
+    std::sort(names.begin(), names.end(),
+              [](const QString &left, const QString &right) { return fncCompareText(left, right) < 0; });
+    for (const QString &name : names)
+        if (!name.trimmed().isEmpty())
+            settingRows.rows.append({{name, shown(read.DicList->Item(name))}, 0});
     QList<Section> sections{settingRows};
     QStringList headings{"name, value"};
     for (const ListTable &table : listTables()) {
@@ -135,29 +196,21 @@ QByteArray Installation::exported() const {
     return writeSections(sections, headings);
 }
 
-void Installation::import(const QByteArray &content) {
-    const QList<Section> sections = readSections(content);
+QList<Change> Installation::import(const QList<Section> &sections) {
+    QList<Change> changes;
     m_connection->BeginTrans();
     try {
         for (const Section &section : sections) {
-            if (section.name == settingsSection) {
-                requireFields(section, 2);
-                const Ref<ado::Recordset> set = open(settingsTable, ado::LockType::Optimistic);
-                for (const QStringList &row : section.rows)
-                    store(set, row[0], row[1]);
-                continue;
-            }
             const ListTable *table = findListTable(section.name);
-            if (!table)
-                throw Failure(failures::invalidCall, QString("There is no section [%1].").arg(section.name));
-            requireFields(section, table->columns.size());
-            writeList(*table, section, open(table->table, ado::LockType::Optimistic));
+            changes.append(table ? writeList(*table, section, open(table->source(), ado::LockType::Optimistic))
+                                 : storeSettings(section, open(settingsTable, ado::LockType::Optimistic)));
         }
         m_connection->CommitTrans();
     } catch (const Failure &) {
         static_cast<void>(Attempt([&] { m_connection->RollbackTrans(); }));
         throw;
     }
+    return changes;
 }
 
 } // namespace settings

@@ -1,7 +1,7 @@
 /// The settings of one installation: those of the database in the program folder.
 #pragma once
 
-#include "platform/ado/recordset.h"
+#include "companions/settings/listtables.h"
 
 namespace settings {
 
@@ -10,6 +10,9 @@ struct Setting {
     QString name;
     QString value;
 };
+
+/// Reads an exported file and checks it as far as can be done without a database. Fails with the number of the line.
+QList<Section> readSettings(const QByteArray &content);
 
 class Installation {
   public:
@@ -29,8 +32,9 @@ class Installation {
 
     /// All settings and lists.
     [[nodiscard]] QByteArray exported() const;
-    /// Stores the settings of the file, and brings each list that the file has in line with it. All or nothing.
-    void import(const QByteArray &content);
+    /// Stores the settings of the sections, and brings each list that the file has in line with it. All or nothing.
+    /// Tells what it did, section by section.
+    QList<Change> import(const QList<Section> &sections);
 
   private:
     [[nodiscard]] Ref<ado::Recordset> open(const QString &source, ado::LockType lock) const;

@@ -2,6 +2,9 @@
 
 #include "platform/value/convert.h"
 
+#include <QRegularExpression>
+#include <QSet>
+
 namespace settings {
 
 namespace {
@@ -24,28 +27,57 @@ QString fieldText(const Value &value) {
     return toText(value);
 }
 
+/// An amount as `amountText` writes it, exactly; nothing for any other text.
+std::optional<Currency> amountOf(const QString &text) {
+    static const QRegularExpression form("^(-?\\d{1,15})(?:\\.(\\d{1,4}))?$");
+    const QRegularExpressionMatch match = form.match(text);
+    qlonglong scaled = 0;
+    bool isNumber = false;
+    if (match.hasMatch())
+        scaled = (match.captured(1) + match.captured(2).leftJustified(4, u'0')).toLongLong(&isNumber);
+    return isNumber ? std::optional(Currency::fromScaled(scaled)) : std::nullopt;
+}
+
 Value fieldValue(const QString &column, const QString &text) {
     if (column.startsWith("str"))
         return text;
     if (text.trimmed().isEmpty())
         return Value::Null{};
+    if (const std::optional<Currency> amount = amountOf(text.trimmed()); amount && column.startsWith("cur"))
+        return *amount;
     bool isNumber = false;
     const double number = QLocale::c().toDouble(text.trimmed(), &isNumber);
     if (!isNumber)
-        throw Failure(failures::typeMismatch, QString("\"%1\" is no number, and %2 needs one.").arg(text, column));
+        throw Failure(failures::typeMismatch, QString("\"%1\" is no number, and %2 needs one").arg(text, column));
     return number;
 }
 
 QString folded(const QString &text) { return text.toCaseFolded(); }
 
-/// Writes the columns of the current row that differ; nothing when none does.
-void writeRow(const ListTable &table, const QStringList &row, const Ref<ado::Recordset> &set) {
+/// The same as a value that the column holds, by the kind in its name.
+Value heldValue(const QString &column, const Row &row, const QString &text) {
+    try {
+        const Value value = fieldValue(column, text);
+        return column.startsWith("int") && !value.isNull() ? Value(toInt16(value)) : value;
+    } catch (const Failure &failure) {
+        if (failure.number() != failures::overflow)
+            refuseLine(row.line, failure.description());
+        refuseLine(row.line, QString("%1 is too large for %2").arg(text, column));
+    }
+}
+
+/// Sets the columns of the current row that differ. Whether any does.
+bool setRow(const ListTable &table, const Row &row, const Ref<ado::Recordset> &set) {
+    bool isChanged = false;
     for (qsizetype at = 1; at < table.columns.size(); ++at) {
         ado::Field field = set->Fields(table.columns[at]);
-        if (fieldText(field.Value()) != row[at])
-            field.SetValue(fieldValue(table.columns[at], row[at]));
+        const Value before = field.Value();
+        if (fieldText(before) == row.fields[at])
+            continue;
+        field.SetValue(heldValue(table.columns[at], row, row.fields[at]));
+        isChanged = isChanged || field.Value() != before;
     }
-    set->Update();
+    return isChanged;
 }
 
 } // namespace
@@ -77,45 +109,66 @@ const ListTable *findListTable(const QString &section) {
 }
 
 Section readList(const ListTable &table, const Ref<ado::Recordset> &set) {
-    Section section{table.section, {}};
+    Section section{table.section, {}, 0};
+    QSet<QString> met;
     for (; !set->IsEOF(); set->MoveNext()) {
-        QStringList row;
+        Row row;
         for (const QString &column : table.columns)
-            row.append(fieldText(set->Fields(column).Value()));
-        // Rows without a name are in no list.
-        if (!row[0].isEmpty())
-            section.rows.append(row);
+            row.fields.append(fieldText(set->Fields(column).Value()));
+        // Rows without a name are in no list, and of equal names the first is.
+        if (row.fields[0].isEmpty() || met.contains(folded(row.fields[0])))
+            continue;
+        met.insert(folded(row.fields[0]));
+        section.rows.append(row);
     }
     return section;
 }
 
-void writeList(const ListTable &table, const Section &section, const Ref<ado::Recordset> &set) {
-    QHash<QString, QStringList> wanted;
-    for (const QStringList &row : section.rows) {
-        if (row[0].trimmed().isEmpty() || wanted.contains(folded(row[0])))
-            throw Failure(failures::invalidCall,
-                          QString("A row of [%1] has no name, or its name comes twice: %2").arg(section.name, row[0]));
-        wanted.insert(folded(row[0]), row);
+void checkList(const ListTable &table, const Section &section) {
+    QSet<QString> met;
+    for (const Row &row : section.rows) {
+        if (row.fields[0].isEmpty())
+            refuseLine(row.line, QString("the row of [%1] has no name").arg(section.name));
+        if (met.contains(folded(row.fields[0])))
+            refuseLine(row.line, QString("\"%1\" comes twice in [%2]").arg(row.fields[0], section.name));
+        met.insert(folded(row.fields[0]));
+        for (qsizetype at = 1; at < table.columns.size(); ++at)
+            static_cast<void>(heldValue(table.columns[at], row, row.fields[at]));
     }
+}
+
+Change writeList(const ListTable &table, const Section &section, const Ref<ado::Recordset> &set) {
+    Change change{table.section, {}, {}, {}};
+    QHash<QString, const Row *> wanted;
+    for (const Row &row : section.rows)
+        wanted.insert(folded(row.fields[0]), &row);
+    QSet<QString> met;
     for (; !set->IsEOF(); set->MoveNext()) {
         const QString name = fieldText(set->Fields(table.columns[0]).Value());
-        if (name.isEmpty())
+        if (name.isEmpty() || met.contains(folded(name)))
             continue;
-        const auto row = wanted.constFind(folded(name));
-        if (row == wanted.constEnd()) {
+        met.insert(folded(name));
+        const Row *row = wanted.value(folded(name));
+        if (row == nullptr) {
+            change.removed.append(name);
             set->Delete();
-            continue;
+        } else if (setRow(table, *row, set)) {
+            change.changed.append(name);
+            set->Update();
+        } else {
+            set->CancelUpdate();
         }
-        writeRow(table, *row, set);
-        wanted.erase(row);
     }
-    for (const QStringList &row : section.rows) {
-        if (!wanted.contains(folded(row[0])))
+    for (const Row &row : section.rows) {
+        if (met.contains(folded(row.fields[0])))
             continue;
         set->AddNew();
-        set->Fields(table.columns[0]).SetValue(row[0]);
-        writeRow(table, row, set);
+        set->Fields(table.columns[0]).SetValue(row.fields[0]);
+        setRow(table, row, set);
+        set->Update();
+        change.added.append(row.fields[0]);
     }
+    return change;
 }
 
 } // namespace settings

@@ -25,9 +25,21 @@ const ListTable *findListTable(const QString &section);
 /// Money and numbers are written with a point, whatever the region.
 Section readList(const ListTable &table, const Ref<ado::Recordset> &set);
 
+/// What an import did to one section, by the names of the rows.
+struct Change {
+    QString section;
+    QStringList added;
+    QStringList changed;
+    QStringList removed;
+};
+
+/// Fails, with the line, for a row without a name, one that comes twice and a number that is none.
+void checkList(const ListTable &table, const Section &section);
+
 /// Brings the whole table, open for writing, in line with the section: adds what is new, writes what changed, deletes
-/// what is gone. Names are compared without regard to case, and a row keeps its number. Fails for a row without a name
-/// or one that comes twice.
-void writeList(const ListTable &table, const Section &section, const Ref<ado::Recordset> &set);
+/// what is gone. Names are compared without regard to case, and a row keeps its number. Of rows that another tool gave
+/// the same name, the first by the alphabet counts, as for the system, and the others stay.
+/// REQUIRES: `checkList` took the section, and the rows come in the alphabetical order of their names.
+Change writeList(const ListTable &table, const Section &section, const Ref<ado::Recordset> &set);
 
 } // namespace settings

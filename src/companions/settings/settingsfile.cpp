@@ -10,9 +10,7 @@ namespace {
 
 constexpr char mark[] = "# Orvelle settings 1";
 
-[[noreturn]] void refuse(qsizetype line, const char *problem) {
-    throw Failure(failures::invalidCall, QString("Line %1 can't be read: %2.").arg(line).arg(problem));
-}
+constexpr char endOfFile[] = "end";
 
 QString written(const QString &field) {
     QString text;
@@ -41,6 +39,19 @@ QString rowLine(const QStringList &row) {
     return line.startsWith(u'#') || line.startsWith(u'[') ? u'\\' + line : line;
 }
 
+/// The first line that is no UTF-8.
+qsizetype lineOfBadText(const QByteArray &content) {
+    qsizetype number = 1;
+    for (const QByteArray &line : content.split('\n')) {
+        QStringDecoder decoder(QStringDecoder::Utf8);
+        const QString text = decoder(line);
+        if (decoder.hasError())
+            break;
+        ++number;
+    }
+    return number;
+}
+
 QString readField(QStringView text, qsizetype line) {
     QString field;
     for (qsizetype at = 0; at < text.size(); ++at) {
@@ -49,7 +60,7 @@ QString readField(QStringView text, qsizetype line) {
             continue;
         }
         if (++at == text.size())
-            refuse(line, "a backslash ends the field");
+            refuseLine(line, "a backslash ends the field");
         switch (text[at].unicode()) {
         case u'\\':
         case u'#':
@@ -68,7 +79,7 @@ QString readField(QStringView text, qsizetype line) {
         case u'e':
             break;
         default:
-            refuse(line, "no such sign behind a backslash");
+            refuseLine(line, "no such sign behind a backslash");
         }
     }
     return field;
@@ -82,43 +93,59 @@ QByteArray writeSections(const QList<Section> &sections, const QStringList &head
         text += QString("\n[%1]\n").arg(sections[at].name);
         if (!headings.value(at).isEmpty())
             text += "# " + headings[at] + u'\n';
-        for (const QStringList &row : sections[at].rows)
-            text += rowLine(row) + u'\n';
+        for (const Row &row : sections[at].rows)
+            text += rowLine(row.fields) + u'\n';
     }
+    text += QString("\n[%1]\n").arg(endOfFile);
     return text.toUtf8();
+}
+
+void refuseLine(qsizetype line, const QString &problem) {
+    throw Failure(failures::invalidCall, QString("Line %1 can't be taken: %2.").arg(line).arg(problem));
 }
 
 QList<Section> readSections(const QByteArray &content) {
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(content);
     if (decoder.hasError())
-        throw Failure(failures::invalidCall, "The file is no UTF-8 text.");
+        refuseLine(lineOfBadText(content), "it is no UTF-8 text");
     const QStringList lines = text.split(u'\n');
     QList<Section> sections;
+    bool hasEnded = false;
     for (qsizetype at = 0; at < lines.size(); ++at) {
         QStringView line = lines[at];
         if (line.endsWith(u'\r'))
             line.chop(1);
         if (at == 0 && line != QLatin1String(mark))
-            refuse(1, "the file does not begin with \"# Orvelle settings 1\"");
+            refuseLine(1, "the file does not begin with \"# Orvelle settings 1\"");
         if (line.isEmpty() || line.startsWith(u'#'))
             continue;
         if (line.startsWith(u'[')) {
             if (!line.endsWith(u']'))
-                refuse(at + 1, "the bracket of the section is not closed");
+                refuseLine(at + 1, "the bracket of the section is not closed");
             const QString name = line.mid(1, line.size() - 2).trimmed().toString();
+            if (hasEnded)
+                refuseLine(at + 1, "a section stands behind the end");
+            if (name == endOfFile) {
+                hasEnded = true;
+                continue;
+            }
             if (std::any_of(sections.begin(), sections.end(), [&](const Section &each) { return each.name == name; }))
-                refuse(at + 1, "the section comes a second time");
-            sections.append({name, {}});
+                refuseLine(at + 1, "the section comes a second time");
+            sections.append({name, {}, at + 1});
             continue;
         }
+        if (hasEnded)
+            refuseLine(at + 1, "a row stands behind the end");
         if (sections.isEmpty())
-            refuse(at + 1, "a row stands before the first section");
-        QStringList row;
+            refuseLine(at + 1, "a row stands before the first section");
+        Row row{{}, at + 1};
         for (const QStringView field : line.split(u'\t'))
-            row.append(readField(field, at + 1));
+            row.fields.append(readField(field, at + 1));
         sections.last().rows.append(row);
     }
+    if (!hasEnded)
+        refuseLine(lines.size(), "the file ends without \"[end]\", so it was cut off");
     return sections;
 }
 
