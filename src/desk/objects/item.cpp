@@ -11,8 +11,10 @@
 #include "desk/objects/userproperties.h"
 #include "desk/objects/windows.h"
 #include "desk/store/transfer.h"
+#include "platform/scripting/printhtml.h"
 #include "platform/value/convert.h"
 
+#include <QCoreApplication>
 #include <QScopeGuard>
 
 namespace desk::objects {
@@ -303,6 +305,14 @@ void Item::SaveAs(const QString &Path, const Value &Type) {
         writeFile(Path, htmlBody().toUtf8());
     else
         writeFile(Path, messageBytes(content(), session()->profile()));
+}
+
+void Item::PrintOut() {
+    const QString html = htmlBody();
+    const QString page = html.isEmpty() ? htmlFromText(body()) : html;
+    const QString title = subject().isEmpty() ? QStringLiteral("Printout") : subject();
+    QMetaObject::invokeMethod(
+        qApp, [page, title] { scripting::printHtml(page, title); }, Qt::QueuedConnection);
 }
 
 } // namespace desk::objects

@@ -112,6 +112,9 @@ class Item : public ItemEvents {
     Q_INVOKABLE void Display(const Value &Modal = Value::Missing{});
     /// Writes the item to a file: type 0 as plain text, 5 as HTML, any other as an Internet message.
     Q_INVOKABLE void SaveAs(const QString &Path, const Value &Type = Value::Missing{});
+    /// Prints the body as it stands, saved or not, once the call is over: no client waits for paper, or for a person
+    /// who reads what became of it.
+    Q_INVOKABLE void PrintOut();
 
     [[nodiscard]] const ItemRecord &fields() const;
     [[nodiscard]] ItemContent &content();

@@ -39,6 +39,8 @@ bool layOut(const QString &html, const QString &title, const QString &path) {
     QFont font = page.defaultFont();
     font.setPointSizeF(size);
     page.setDefaultFont(font);
+    // Headings stand off the tables below them.
+    page.setDefaultStyleSheet(QStringLiteral("table { margin-top: 6px; margin-bottom: 6px; }"));
     page.setHtml(html);
     page.print(&writer);
     // The writer has no word on a disk that is full: a whole file ends with its mark.
