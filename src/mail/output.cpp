@@ -1,9 +1,50 @@
 #include "mail/output.h"
 
+#include "core/dialogs.h"
+#include "core/process.h"
+#include "core/trace.h"
+#include "mail/attachments.h"
 #include "mail/intake.h"
 #include "outlook/explorer/rootexplorer.h"
 #include "outlook/properties.h"
+#include "outlook/session.h"
 #include "reference/settings.h"
+#include "ticket/ticket.h"
+
+namespace {
+constexpr qint32 formatHTML = 2;
+/// The first version whose items have a body format.
+constexpr qint16 firstWithBodyFormat = 10;
+
+void subAttachFiles(const host::Item &ouiItem, const host::MailItem &ouiMail) {
+    if (ouiItem.isNothing())
+        return;
+    subTrace("Copying any attached files from the ticket to the outgoing email");
+    const QStringList missing = subCopyAttachements(ouiItem, ouiMail);
+    if (!missing.isEmpty())
+        subAssistantMessage(ouaOutlook, "There is no room for temporary files, so these are not attached to the mail:" +
+                                            (strLineEnd + missing.join(strLineEnd)));
+}
+} // namespace
+
+void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 OutputOption, const host::Item &ouiItem) {
+    host::MailItem ouiMail;
+    Attempt([&] { ouiMail = host::MailItem(ouaOutlook->CreateItem(0).object()); });
+    Attempt([&] { ouiMail.Body("Test"); });
+    if (fncOutlookVersion() >= firstWithBodyFormat)
+        Attempt([&] { ouiMail.BodyFormat(formatHTML); });
+    Attempt([&] { ouiMail.HTMLBody(objTicket.ToHTML(OutputOption)); });
+    if (strTo.isEmpty()) {
+        Attempt([&] { ouiMail.PrintOut(); });
+        return;
+    }
+    subAttachFiles(ouiItem, ouiMail);
+    Attempt([&] { subSetEmailFrom(ouiMail); });
+    Attempt([&] { subSetSentFolder(ouiMail); });
+    Attempt([&] { ouiMail.To(strTo); });
+    Attempt([&] { ouiMail.Subject("Ticket: " + objTicket.Subject + " {" + objTicket.TicketID + "}"); });
+    Attempt([&] { ouiMail.Display(); });
+}
 
 void subSetEmailFrom(const host::MailItem &ouiMail) {
     constexpr qsizetype shortestName = 6;

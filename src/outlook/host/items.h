@@ -113,6 +113,7 @@ class Item : public Handle {
     Item Move(const MAPIFolder &folder) const;
     void Delete() const { call("Delete"); }
     void Display() const { call("Display"); }
+    void PrintOut() const { call("PrintOut"); }
 };
 
 class PostItem : public Item {
