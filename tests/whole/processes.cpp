@@ -69,8 +69,8 @@ void Helpdesk::startDesk() {
     ASSERT_TRUE(m_desk->waitForReadyRead(patience));
 }
 
-void Helpdesk::startOrvelle() {
-    m_orvelle = process("orvelle", {});
+void Helpdesk::startOrvelle(const QStringList &arguments) {
+    m_orvelle = process("orvelle", arguments);
     QObject::connect(m_orvelle.get(), &QProcess::readyReadStandardError,
                      [this] { m_orvelleErrors += QString::fromUtf8(m_orvelle->readAllStandardError()); });
     m_orvelle->start();

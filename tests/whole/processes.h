@@ -27,7 +27,7 @@ class Helpdesk : public testing::Test {
 
     void startDesk();
     /// Starts the program and waits until it has nothing more to do at once: it watches the Inbox, or lives on.
-    void startOrvelle();
+    void startOrvelle(const QStringList &arguments = {});
     [[nodiscard]] QProcess &desk() { return *m_desk; }
     [[nodiscard]] QProcess &orvelle() { return *m_orvelle; }
     /// What the program has written to standard error.

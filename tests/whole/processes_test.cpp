@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 
 namespace whole {
 namespace {
@@ -69,6 +70,29 @@ TEST_F(TwoProcesses, TheProgramEndsWithItsMessageWhenTheDeskIsKilled) {
     EXPECT_TRUE(orvelleErrors().contains("There has been an error in this application."))
         << orvelleErrors().toStdString();
     EXPECT_TRUE(orvelleErrors().contains("has ended")) << orvelleErrors().toStdString();
+}
+
+TEST_F(Helpdesk, AReportIsInTheLanguageOfTheCommandLineAndTheStepsAreInTheLog) {
+    startDesk();
+    write("program/OrvelleSettings", "svenska");
+    qputenv("ORVELLE_TRACE", "1");
+    startOrvelle({"2"});
+    qunsetenv("ORVELLE_TRACE");
+    ASSERT_TRUE(waitFor([&] { return orvelle().state() == QProcess::NotRunning; }));
+    EXPECT_EQ(orvelle().exitCode(), 1);
+    waitFor([&] { return orvelleErrors().contains("cSettings.GetSettings"); }, 1000);
+    EXPECT_TRUE(orvelleErrors().contains("Ett fel har uppst\u00e5tt i det h\u00e4r programmet."))
+        << orvelleErrors().toStdString();
+    const auto read = [&](const QString &name) {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString("(no file)");
+    };
+    EXPECT_EQ(read("program/OrvelleSettings"), "svenska");
+    const QString log = read("program/TessmarkLog.txt");
+    EXPECT_TRUE(log.startsWith("Orvelle 9 for Outlook\t")) << log.left(200).toStdString();
+    for (const char *step :
+         {"\tReading language phrases from resource file\r\n", "\tFailure 13 in cSettings.GetSettings"})
+        EXPECT_TRUE(log.contains(step)) << step;
 }
 
 TEST_F(TwoProcesses, AnOrderlyEndFreesTheFolder) {
