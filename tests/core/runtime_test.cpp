@@ -33,12 +33,29 @@ TEST_F(Runtime, ADictionaryOfObjectsSortsByItsKeysAndKeepsTheObjects) {
 }
 
 TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
-    scripting::Components::setInstalled("Scripting.Dictionary", false);
-    answers.expect("Sub routine : modScriptingDic.fncCreateDic ", window::No);
-    EXPECT_TRUE(endsProcess([] { fncCreateDic<QString>(); }));
-    EXPECT_EQ(launches.started(), QStringList{"regsvr32|scrrun.dll|/s"});
-    EXPECT_TRUE(endsProcess([] { fncCreateDic<QString>(); }));
-    EXPECT_EQ(launches.started().size(), 1);
+    struct Case {
+        const char *component;
+        const char *report;
+        std::function<void()> need;
+    };
+    const std::vector<Case> cases = {
+        {"Scripting.Dictionary", "modScriptingDic.fncCreateDic", [] { fncCreateDic<QString>(); }},
+        {"Scripting.FileSystemObject", "subSetupFS", [] { subSetupFS(); }},
+    };
+    for (const Case &c : cases) {
+        ProgramCopy other;
+        const ProgramCopy::Scope inside(other);
+        registry::fileOverride = folder.filePath("registry.ini");
+        LoadLanguages(1);
+        support::Answers answered;
+        const support::Launches launched;
+        scripting::Components::setInstalled(c.component, false);
+        answered.expect(QString("Sub routine : %1 ").arg(c.report), window::No);
+        EXPECT_TRUE(endsProcess(c.need)) << c.component;
+        EXPECT_TRUE(endsProcess(c.need)) << c.component;
+        EXPECT_EQ(launched.started(), QStringList{"regsvr32|scrrun.dll|/s"}) << c.component;
+        EXPECT_TRUE(answered.asked().first().text.contains(c.component));
+    }
 }
 
 TEST_F(Runtime, AMachineWithoutTheShellIsToldAndTheProcessEnds) {
