@@ -8,6 +8,9 @@
 
 #include <QDir>
 
+#include <csignal>
+#include <sys/resource.h>
+
 namespace {
 
 class MailTest : public DeskTest {
@@ -86,6 +89,83 @@ TEST_F(MailTest, AttachmentsComeOutUnderSafeNames) {
     EXPECT_EQ(attachments.of("Item", {1}).text("DisplayName"), "../../etc/passwd");
     EXPECT_EQ(failureOf([&] { attachments.of("Item", {1}).call("SaveAsFile", {"/nowhere/at/all"}); }),
               failures::pathNotFound);
+}
+
+/// What somebody sees of a mail who opens it.
+QStringList shown(const Handle &mail) {
+    QStringList all;
+    for (const char *member : {"Subject", "SenderName", "SenderEmailAddress", "To", "Importance", "Body", "HTMLBody"})
+        all.append(mail.text(member));
+    const Handle attachments = mail.of("Attachments");
+    for (int i = 1; i <= attachments.number("Count"); ++i) {
+        const Handle attachment = attachments.of("Item", {i});
+        QTemporaryDir folder;
+        attachment.call("SaveAsFile", {folder.filePath("x")});
+        QFile file(folder.filePath("x"));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        all.append(attachment.text("Type") + u'|' + attachment.text("FileName") + u'|' + file.readAll());
+    }
+    return all;
+}
+
+// The file is what the item is, also where the item is no more what came.
+TEST_F(MailTest, AMessageFileOpensAgainAsWhatWasSaved) {
+    const Handle changed = delivered(withParts);
+    changed.put("Subject", "Other parts: \u00e4");
+    changed.put("HTMLBody", "<p>Changed \u00fc</p>");
+    changed.of("Attachments").call("Add", {written("note.txt", "content"), 1, Value::Missing{}, "A/B: shown"});
+    changed.of("Attachments").of("Item", {1}).call("Delete");
+    changed.call("Save");
+    const Handle made = newItem(folder(6), "IPM.Post", "Made here");
+    made.put("Body", "Two\r\nlines");
+    made.of("Attachments").call("Add", {changed});
+    made.call("Save");
+    for (const Handle &item :
+         {delivered(withParts), delivered("From: Berta </o=Example/cn=berta>\r\nSubject: EX\r\n\r\n.\r\n"), changed,
+          made}) {
+        const QString subject = item.text("Subject");
+        const QString path = file("OriginalMessage.msg");
+        item.call("SaveAs", {path, 3});
+        const Handle opened = application().of("CreateItemFromTemplate", {path});
+        EXPECT_EQ(shown(opened), shown(item)) << subject.toStdString();
+        EXPECT_EQ(shown(delivered(contentOf(path))), shown(item)) << subject.toStdString();
+        const Handle carrier = newItem(folder(16), "IPM.Note", "Carrier");
+        carrier.of("Attachments").call("Add", {path, 1, Value::Missing{}, "Shown as this"});
+        carrier.of("Attachments").call("Add", {item});
+        carrier.call("Save");
+        for (int i : {1, 2}) {
+            carrier.of("Attachments").of("Item", {i}).call("SaveAsFile", {path});
+            EXPECT_EQ(shown(application().of("CreateItemFromTemplate", {path})), shown(item)) << i;
+        }
+    }
+    EXPECT_EQ(failureOf([&] { application().call("CreateItemFromTemplate", {file("none")}); }), failures::fileNotFound);
+}
+
+TEST_F(MailTest, AnOpenedMessageIsSentByWhoeverSendsIt) {
+    const Handle opened = application().of("CreateItemFromTemplate", {written("a.msg", withParts)});
+    EXPECT_FALSE(toBool(opened.get("Sent")) || toBool(opened.get("Saved")));
+    opened.call("Send");
+    EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
+    EXPECT_EQ(sentMessage().from.name, "Alma Tester");
+    EXPECT_EQ(sentMessage().attachments.size(), 3);
+}
+
+TEST_F(MailTest, AFileThatDoesNotFitSaysSoAndLeavesTheOldOne) {
+    const Handle item = newItem(folder(6), "IPM.Post", "Files");
+    item.put("Body", QString(100'000, u'x'));
+    const QString path = written("old.txt", "old");
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{.rlim_cur = 50'000, .rlim_max = before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const auto failure = Attempt([&] { item.call("SaveAs", {path, 0}); });
+    setrlimit(RLIMIT_FSIZE, &before);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->number(), failures::diskFull) << failure->what();
+    EXPECT_TRUE(failure->description().contains(path) && failure->description().contains("Make room"));
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(failureOf([&] { item.call("SaveAs", {m_folder.path(), 0}); }), failures::permissionDenied);
 }
 
 TEST_F(MailTest, AttachedFilesAreCopied) {
@@ -183,18 +263,18 @@ TEST_F(MailTest, ACrashBeforeOrAfterTheMomentOfSendingIsSettled) {
     mail.put("To", "bo@example.org");
     mail.call("Send");
     const QString entryId = folder(4).of("Items").of("Item", {1}).text("EntryID");
-    ASSERT_TRUE(QDir().mkpath(file("outgoing")));
+    ASSERT_TRUE(QDir().mkpath(file("outgoing/.sending")));
     // The file was written, and the item not yet moved: the whole is done again.
-    written("outgoing/" + entryId + ".part", "half");
+    written("outgoing/.sending/" + entryId + ".part", "half");
     EXPECT_EQ(toInt32(application().call("DeliverNow")), 1);
     ASSERT_EQ(outgoing().size(), 1);
     EXPECT_EQ(sentMessage().subject, "Crashed");
     // The item was moved, and the file not yet renamed: it goes out under the same name.
-    ASSERT_TRUE(QFile::rename(file("outgoing/" + outgoing().first()), file("outgoing/" + entryId + ".part")));
+    ASSERT_TRUE(QFile::rename(file("outgoing/" + outgoing().first()), file("outgoing/.sending/" + entryId + ".part")));
     EXPECT_EQ(toInt32(application().call("DeliverNow")), 0);
     ASSERT_EQ(outgoing().size(), 1);
     EXPECT_EQ(sentMessage().subject, "Crashed");
-    EXPECT_EQ(QDir(file("outgoing")).entryList({"*.part"}).size(), 0);
+    EXPECT_EQ(QDir(file("outgoing/.sending")).entryList(QDir::Files).size(), 0);
 }
 
 TEST_F(MailTest, APostIsSignedOnce) {
