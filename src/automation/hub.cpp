@@ -47,11 +47,8 @@ void Hub::updateWriting(const Source &source) {
 }
 
 void Hub::await(Channel &channel, const Pending &pending) {
-    // What came in behind the answer waits for the next turn, and no descriptor will tell of it.
-    const auto tellOfRest = qScopeGuard([this] {
-        if (nextToServe())
-            serveRestInLoop();
-    });
+    // What came in behind the answer waits for the next turn.
+    const auto tellOfRest = qScopeGuard([this] { serveRestInLoop(); });
     const Patience &patience = channel.patience();
     bool pinged = channel.isSuspended();
     if (pinged)
@@ -121,7 +118,7 @@ void Hub::readyInLoop(const std::weak_ptr<Source> &source) {
 }
 
 void Hub::serveRestInLoop() {
-    if (m_restIsPosted || !QAbstractEventDispatcher::instance())
+    if (!nextToServe() || m_restIsPosted || !QAbstractEventDispatcher::instance())
         return;
     m_restIsPosted = true;
     later([this] {

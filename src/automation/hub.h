@@ -53,6 +53,9 @@ class Hub : public QObject {
     /// stays silent beyond its patience.
     void await(Channel &channel, const Pending &pending);
 
+    /// Has the event loop serve what has been taken in already, for no descriptor will tell of it.
+    void serveRestInLoop();
+
     /// Runs a step from the event loop. Never, where the thread has none.
     void later(std::function<void()> step);
 
@@ -71,7 +74,6 @@ class Hub : public QObject {
     /// Waits for at most so long until a descriptor is ready, and takes in what there is.
     void takeIn(int milliseconds);
     void readyInLoop(const std::weak_ptr<Source> &source);
-    void serveRestInLoop();
 
     std::vector<Watched> m_watched;
     std::vector<pollfd> m_polled;

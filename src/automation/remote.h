@@ -35,6 +35,10 @@ using ClientNumber = quint32;
 /// it what must go when the client goes.
 ClientNumber currentClient();
 
+/// To be called by a host before it runs an event loop inside a call that it serves: what came in together with the
+/// call is served there, too, and does not wait for the call's end.
+void serveInNestedLoop();
+
 /// The host's end.
 ///
 /// A client that ends takes its handles and subscriptions with it and nothing else. A client that got stuck in a

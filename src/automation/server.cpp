@@ -177,6 +177,8 @@ void ServerConnection::ended(bool byPeer) {
 
 ClientNumber currentClient() { return servedClient; }
 
+void serveInNestedLoop() { Hub::ofThisThread().serveRestInLoop(); }
+
 class Server::Implementation : public std::enable_shared_from_this<Implementation> {
   public:
     Implementation(std::function<ObjectPtr()> root, const QString &socketPath, Patience patience)

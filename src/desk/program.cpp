@@ -2,8 +2,9 @@
 
 #include "desk/commands.h"
 #include "platform/value/failure.h"
+#include "platform/window/application.h"
 
-#include <QCoreApplication>
+#include <QFile>
 
 #include <cstdio>
 
@@ -22,6 +23,19 @@ int run(const desk::CommandLine &line) {
     return commands.at(line.command)(line);
 }
 
+QStringList argumentsOf(int argc, char **argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    return arguments;
+}
+
+/// The commands ask nobody anything.
+std::unique_ptr<QCoreApplication> makeApplication(const desk::CommandLine &line, int &argc, char **argv) {
+    return line.command == QStringLiteral("run") ? window::makeApplication(argc, argv)
+                                                 : std::make_unique<QCoreApplication>(argc, argv);
+}
+
 int complain(const QString &text, int status) {
     std::fprintf(stderr, "orvelle-desk: %s\n", text.toUtf8().constData());
     return status;
@@ -30,9 +44,9 @@ int complain(const QString &text, int status) {
 } // namespace
 
 int main(int argc, char **argv) {
-    const QCoreApplication application(argc, argv);
     try {
-        const desk::CommandLine line = desk::parseCommandLine(QCoreApplication::arguments().mid(1));
+        const desk::CommandLine line = desk::parseCommandLine(argumentsOf(argc, argv));
+        const std::unique_ptr<QCoreApplication> application = makeApplication(line, argc, argv);
         if (line.help) {
             std::fputs(desk::helpText().toUtf8().constData(), stdout);
             return 0;

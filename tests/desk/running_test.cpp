@@ -64,6 +64,22 @@ TEST_F(RunningTest, ItEndsInOrderAndTellsItsClients) {
     EXPECT_EQ(endDesk(), 0);
 }
 
+// A display that is named may not be there; what asks is answered as by nobody then.
+TEST_F(RunningTest, ItRunsWhateverTheDisplay) {
+    for (const char *display : {"", ":77"}) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.remove("QT_QPA_PLATFORM");
+        environment.remove("ORVELLE_UNATTENDED");
+        environment.insert("DISPLAY", display);
+        m_desk.setProcessEnvironment(environment);
+        startDesk();
+        const auto client = connect();
+        const auto session = client->root()->call("GetNamespace", {"MAPI"}).object();
+        EXPECT_TRUE(session->call("PickFolder", {}).isNothing()) << display;
+        EXPECT_EQ(endDesk(), 0) << display;
+    }
+}
+
 TEST_F(RunningTest, AClientMayEndIt) {
     startDesk();
     const auto client = connect();

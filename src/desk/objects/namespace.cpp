@@ -1,6 +1,7 @@
 #include "desk/objects/namespace.h"
 
 #include "desk/objects/addresslists.h"
+#include "desk/objects/folderpicker.h"
 #include "desk/objects/folders.h"
 #include "desk/objects/item.h"
 #include "desk/objects/mapifolder.h"
@@ -71,7 +72,11 @@ Value NameSpace::GetSharedDefaultFolder(const Value &Recipient, int FolderType) 
     return GetDefaultFolder(FolderType);
 }
 
-Value NameSpace::PickFolder() { return Value::nothing(); }
+Value NameSpace::PickFolder() {
+    const std::shared_ptr<desk::Session> open = session();
+    const std::optional<FolderPlace> picked = pickFolder(*open);
+    return picked ? Value(automation::wrap(open->folder(*picked->store, picked->folder.id))) : Value::nothing();
+}
 
 Value NameSpace::CurrentUser() { return CreateRecipient(session()->profile().user()); }
 

@@ -24,7 +24,7 @@ class NameSpace : public SessionObject {
     /// The default folder of a person. Fails with 0x8004010F for anybody but the mailbox's own: no other mailbox is
     /// open.
     Q_INVOKABLE Value GetSharedDefaultFolder(const Value &Recipient, int FolderType);
-    /// Lets the person choose a folder; Nothing on cancel, and where there is no display.
+    /// Lets the person choose a folder; Nothing on cancel, and where nobody can be asked. Others are served meanwhile.
     Q_INVOKABLE Value PickFolder();
     Q_INVOKABLE Value CurrentUser();
     Q_INVOKABLE Value AddressLists(const Value &Index = Value::Missing{});

@@ -74,6 +74,13 @@ std::shared_ptr<Inspector> Windows::inspectorOf(const objects::Item &item) const
 }
 
 void Windows::clientGone(automation::ClientNumber client) {
+    m_dialogs.removeIf([](const std::weak_ptr<OpenDialog> &dialog) { return dialog.expired(); });
+    const auto dialogs = m_dialogs;
+    for (const std::weak_ptr<OpenDialog> &each : dialogs) {
+        const std::shared_ptr<OpenDialog> dialog = each.lock();
+        if (dialog && dialog->client == client)
+            dialog->close();
+    }
     for (const std::shared_ptr<Explorer> &explorer : std::as_const(m_explorers))
         explorer->bars().removeOf(client);
     for (const std::shared_ptr<Inspector> &inspector : std::as_const(m_inspectors))

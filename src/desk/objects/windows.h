@@ -16,6 +16,13 @@ class Inspectors;
 class Item;
 } // namespace objects
 
+/// A dialog that waits for its answer on behalf of a client.
+struct OpenDialog {
+    automation::ClientNumber client;
+    /// Closes it as if by Cancel.
+    std::function<void()> close;
+};
+
 /// Holds the windows for as long as they are open.
 class Windows {
   public:
@@ -43,7 +50,10 @@ class Windows {
     /// The window that shows an item, this object of it or another one.
     [[nodiscard]] std::shared_ptr<objects::Inspector> inspectorOf(const objects::Item &item) const;
 
-    /// Takes a client's bars and buttons out of all windows.
+    /// Remembers a dialog for as long as its asker holds it.
+    void add(const std::shared_ptr<OpenDialog> &dialog) { m_dialogs.append(dialog); }
+
+    /// Takes a client's bars and buttons out of all windows, and closes the dialogs that it waited for.
     void clientGone(automation::ClientNumber client);
     /// Ends all windows, the youngest first; changes in them are saved.
     void closeAll();
@@ -58,6 +68,7 @@ class Windows {
     QList<std::shared_ptr<objects::Inspector>> m_inspectors;
     /// The one in front last.
     QList<std::shared_ptr<objects::SessionObject>> m_order;
+    QList<std::weak_ptr<OpenDialog>> m_dialogs;
 };
 
 } // namespace desk

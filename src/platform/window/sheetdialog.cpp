@@ -1,5 +1,7 @@
 #include "platform/window/sheetdialog.h"
 
+#include "platform/window/tree.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
@@ -68,6 +70,8 @@ SheetDialog::SheetDialog(Sheet &sheet) : m_sheet(sheet) {
             form->addRow(field.caption, control);
         else
             form->addRow(control);
+        if (field.kind == Field::Kind::Tree)
+            control->setFocus();
     }
     form->addRow(makeButtons());
     bindEnabling();
@@ -83,6 +87,8 @@ QWidget *SheetDialog::makeControl(Field &field) {
         return makeChoice(field);
     case Field::Kind::Label:
         return makeLabel(field.caption);
+    case Field::Kind::Tree:
+        return makeTree(field);
     case Field::Kind::Text:
     case Field::Kind::Password:
         break;
@@ -118,6 +124,13 @@ void SheetDialog::bindEnabling() {
 }
 
 QString SheetDialog::run() {
+    if (m_sheet.opened)
+        m_sheet.opened([this] { reject(); });
+    setModal(true);
+    // The question may come from another program, whose window is in front.
+    show();
+    raise();
+    activateWindow();
     exec();
     return m_pressed;
 }

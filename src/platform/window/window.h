@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -29,9 +30,17 @@ struct Question {
     Answer cautious = OK;
 };
 
-/// One control of a sheet. `value` is the text, or "1" and "0" for a check box or an option.
+/// One line of a tree, behind the line that it hangs below.
+struct TreeRow {
+    /// 0 for the top; at most one more than the row before.
+    int depth = 0;
+    QString key;
+    QString caption;
+};
+
+/// One control of a sheet. `value` is the text, "1" and "0" for a check box or an option, a tree's selected key.
 struct Field {
-    enum class Kind { Text, Password, Check, Option, Choice, Label };
+    enum class Kind { Text, Password, Check, Option, Choice, Label, Tree };
     Kind kind = Kind::Text;
     /// The control's name, which is also the object name of its widget.
     QString name;
@@ -40,6 +49,7 @@ struct Field {
     QStringList choices;
     /// The name of a check box or option whose ticking disables this control; empty for none.
     QString disabledBy;
+    QList<TreeRow> rows{};
 };
 
 /// A small dialog: controls above a row of buttons. It closes on every button; a dialog that stays open after a
@@ -58,6 +68,8 @@ struct Sheet {
     /// The button that is pressed where nobody can be asked. Empty is closing the dialog.
     QString cautious;
     bool topMost = false;
+    /// Told, when a person is being asked, how the dialog is closed from outside as if by Cancel.
+    std::function<void(const std::function<void()> &close)> opened{};
 
     [[nodiscard]] const Field *field(const QString &fieldName) const;
     /// The value of a field after the dialog; empty for a field that is not there.
