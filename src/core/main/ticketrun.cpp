@@ -13,8 +13,7 @@
 namespace {
 constexpr qint32 discard = 1;
 
-host::Item fncSelectedItem() {
-    const host::Handle window = ouaOutlook->ActiveWindow();
+host::Item fncSelectedItem(const host::Handle &window) {
     if (window.isNothing())
         return {};
     const QString strType = window.typeName();
@@ -28,13 +27,13 @@ host::Item fncSelectedItem() {
 }
 
 /// Files the mail under its ticket and gives the question to ask; empty when it could not be filed.
-QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID) {
+QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID, const host::Handle &window) {
     const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (ouf.isNothing())
         return {};
     oui.Move(ouf);
-    const host::Handle window = ouaOutlook->ActiveWindow();
-    if (window && window.typeName() == "Inspector")
+    // A host that has closed the mail's window itself shows the one behind it, which is somebody's work.
+    if (window.typeName() == "Inspector" && ouaOutlook->ActiveWindow() == window)
         ouaOutlook->ActiveInspector().Close(discard);
     return LNGEMAILMOVEDTORECIEVEDSF;
 }
@@ -68,13 +67,16 @@ void subOpenTicket(const QString &strTicketID) {
         subSetupOutlookMonitor(oue);
         objSettings->GetSettings(false);
     }
-    oufTickets->Items().Find("[Ticket ID] = " + fncQuoted(strTicketID)).Display();
+    // A reply can name a ticket that is closed, or none at all.
+    const host::Item oui = oufTickets->Items().Find("[Ticket ID] = " + fncQuoted(strTicketID));
+    if (oui)
+        oui.Display();
 }
 
-void subHandle(const host::Item &oui) {
+void subHandle(const host::Item &oui, const host::Handle &window) {
     QString strTicketID = fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
     const QString strQuestion =
-        strTicketID.isEmpty() ? fncMakeTicket(oui, strTicketID) : fncFileUnderTicket(oui, strTicketID);
+        strTicketID.isEmpty() ? fncMakeTicket(oui, strTicketID) : fncFileUnderTicket(oui, strTicketID, window);
     if (!strQuestion.isEmpty() && fncAssistantYesNo(ouaOutlook, strQuestion, 4) == window::Yes)
         subOpenTicket(strTicketID);
 }
@@ -82,9 +84,10 @@ void subHandle(const host::Item &oui) {
 
 void subCreateTicketFromSelected() try {
     subTrace("Attempting to find the currently selected email to create a ticket from");
-    const host::Item oui = fncSelectedItem();
+    const host::Handle window = ouaOutlook->ActiveWindow();
+    const host::Item oui = fncSelectedItem(window);
     if (oui)
-        subHandle(oui);
+        subHandle(oui, window);
     subCleanupSafeUtils();
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subCreateTicketFromSelected");

@@ -16,6 +16,7 @@ class TicketRun : public support::Helpdesk {
         withDatabase([this] {
             m_openNow = LNGTICKETCREATEDOPENNOW;
             m_moved = LNGEMAILMOVEDTORECIEVEDSF;
+            m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM;
         });
         explorer().CurrentFolder(intake());
     }
@@ -29,6 +30,7 @@ class TicketRun : public support::Helpdesk {
 
     QString m_openNow;
     QString m_moved;
+    QString m_noSubFolder;
 };
 
 TEST_F(TicketRun, MakesATicketOfTheOneSelectedMailAndEnds) {
@@ -91,12 +93,46 @@ TEST_F(TicketRun, OnYesWithoutOneItOpensOneAttachesAndStays) {
 TEST_F(TicketRun, WithSubFoldersAReplyIsFiledAndItsWindowClosed) {
     setSetting("EmailSubFolders", "1");
     deliver({.subject = "Re: {9}"});
+    const host::Item other = put(intake(), "IPM.Post", "somebody's work");
+    other.Display();
     intake().Items().Item(1).Display();
     startExpecting(m_moved, window::No);
     EXPECT_TRUE(subjects(tickets()).isEmpty());
-    EXPECT_TRUE(subjects(intake()).isEmpty());
     EXPECT_EQ(subjects(tickets().Folders("9").Folders("Received")), QStringList{"Re: {9}"});
+    ASSERT_EQ(app().Inspectors().Count(), 1);
+    EXPECT_EQ(app().Inspectors().Item(1).CurrentItem().Subject(), "somebody's work");
+}
+
+TEST_F(TicketRun, OnYesForATicketThatIsNotThereTheFolderIsShown) {
+    setSetting("EmailSubFolders", "1");
+    deliver({.subject = "Re: {9}"});
+    select(1);
+    auto &copy = startExpecting(m_moved, window::Yes);
+    EXPECT_TRUE(copy.run.alive());
+    EXPECT_EQ(app().Explorers().Count(), 2);
     EXPECT_EQ(app().Inspectors().Count(), 0);
+}
+
+TEST_F(TicketRun, AReplyWithoutAFolderToGoToStaysAndNothingIsAsked) {
+    setSetting("EmailSubFolders", "1");
+    deliver({.subject = "Re: {9}"});
+    select(1);
+    const auto questions = countQuestions();
+    questions->failing["Folders.Add()"] = failures::accessDenied;
+    auto &copy = newCopy("Ticket");
+    copy.answers.expect(m_noSubFolder);
+    copy.run.start();
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(subjects(intake()), QStringList{"Re: {9}"});
+}
+
+TEST_F(TicketRun, AFailureIsReportedUnderItsName) {
+    deliver({});
+    select(1);
+    const auto questions = countQuestions();
+    questions->failing["Selection.Item()"] = failures::catastrophic;
+    auto &copy = startExpecting(" : subCreateTicketFromSelected ", window::No);
+    EXPECT_EQ(copy.run.exitStatus(), 1);
 }
 
 TEST_F(TicketRun, WithSubFoldersANewTicketKeepsACopyOfTheMail) {
