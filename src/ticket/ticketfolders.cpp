@@ -23,22 +23,29 @@ QString fncGetTicketIDFromSubject(const QString &strSubject) {
 }
 
 namespace {
+/// The host may take a number for a position: then it gives some other folder, and there is none of the name.
+host::MAPIFolder fncFind(const host::MAPIFolder &oufParent, const QString &strName) {
+    return AttemptOr(
+        [&] {
+            const host::MAPIFolder ouf = oufParent.Folders(strName);
+            return ouf && ouf.Name() == strName ? ouf : host::MAPIFolder();
+        },
+        host::MAPIFolder());
+}
+
 /// Where the name is taken in between, another copy has made the very folder: then it is that one.
 host::MAPIFolder fncAddOrFind(const host::MAPIFolder &oufParent, const QString &strName) {
     host::MAPIFolder ouf;
     if (Attempt([&] { ouf = oufParent.Folders().Add(strName, mailFolder); }))
-        Attempt([&] { ouf = oufParent.Folders(strName); });
+        ouf = fncFind(oufParent, strName);
     return ouf;
 }
 } // namespace
 
 host::MAPIFolder fncGetTicketFolder(const QString &strTicketID) {
-    host::MAPIFolder ouf;
-    Attempt([&] { ouf = oufTickets->Folders(strTicketID); });
-    // The host may take a number for a position: then it is some other folder.
-    if (ouf.isNothing() || AttemptOr([&] { return ouf.Name(); }, QString()) != strTicketID) {
+    host::MAPIFolder ouf = fncFind(oufTickets, strTicketID);
+    if (ouf.isNothing())
         ouf = fncAddOrFind(oufTickets, strTicketID);
-    }
     if (ouf.isNothing())
         subTellNoSubFolder();
     return ouf;
