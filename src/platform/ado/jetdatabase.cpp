@@ -5,6 +5,7 @@
 #include "platform/ado/jetsql.h"
 #include "platform/ado/jettext.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -66,6 +67,14 @@ int sqlCompare(void *order, int leftBytes, const void *left, int rightBytes, con
                                                           WideText(right, rightBytes).view());
 }
 
+bool hasDatabaseHeader(const QString &path) {
+    constexpr qsizetype shortest = 512;
+    QFile file(path);
+    // One that can't be read shows that when it is opened.
+    return !file.open(QFile::ReadOnly) ||
+           (file.size() >= shortest && file.read(16) == QByteArray("SQLite format 3", 16));
+}
+
 } // namespace
 
 QString machinePath(const QString &path) {
@@ -82,8 +91,9 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
             throw Failure(failures::unspecified, QString("Could not find the database file %1. Put it back, or restore "
                                                          "it from a backup.")
                                                      .arg(m_path));
-        if (file.size() == 0)
-            fail(SQLITE_NOTADB, "the file is empty");
+        // The engine would take a file that is shorter than any database for an empty one, and write over it.
+        if (!hasDatabaseHeader(m_path))
+            fail(SQLITE_NOTADB, "the file does not begin as one");
         // The read-only mark of a file holds for everybody, also for those whom the system would let write.
         constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
         m_readOnly = mode == Mode::ReadOnly || !(file.permissions() & anyWrite) || !file.isWritable();
@@ -202,6 +212,12 @@ void JetDatabase::fail(int sqliteCode, const QString &sqliteText) const {
                                                 "columns without empty texts take a blank instead.")
                                             .arg(sqliteText));
     default:
+        if (sqliteText.startsWith("no such table") || sqliteText.contains("no such column"))
+            throw Failure(statementFailed,
+                          QString("The database %1 has not all that this version needs: %2. It was made by an older "
+                                  "version or another program, and was left as it is. Put the right file in its place, "
+                                  "or take it away and start again to make a new one.")
+                              .arg(m_path, sqliteText));
         throw Failure(statementFailed, QString("The database refused the statement: %1.").arg(sqliteText));
     }
 }

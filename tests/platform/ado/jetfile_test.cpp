@@ -4,6 +4,7 @@
 #include "platform/ado/jetfile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <thread>
 
@@ -34,6 +35,13 @@ class JetFileTest : public ::testing::Test {
 };
 
 TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
+    {
+        const Ref<ado::Connection> connection = m_engine.connect();
+        for (int at = 0; at < 20; ++at)
+            addRow(connection, QString(2000, u'x'));
+    }
+    const QByteArray whole = bytes(m_engine.file());
+    ASSERT_GT(whole.size(), 30000);
     const std::pair<QString, const char *> cases[] = {
         {m_directory.filePath("none.mdb"), "Could not find"},
         {m_directory.path(), "Could not find"},
@@ -41,16 +49,22 @@ TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
         {put("text.mdb", "Standard Jet DB, but not of this kind; padding follows to be longer than any header is. " +
                              QByteArray(4096, 'x')),
          "damaged"},
-        {put("header.mdb", bytes(m_engine.file()).left(100) + QByteArray(4000, '\x7F')), "damaged"},
+        {put("header.mdb", whole.left(100) + QByteArray(4000, '\x7F')), "damaged"},
+        {put("one byte.mdb", "x"), "damaged"},
+        {put("short.mdb", whole.left(300)), "damaged"},
+        {put("half.mdb", whole.left(whole.size() / 2)), "damaged"},
+        {put("hole.mdb", whole.left(8192) + QByteArray(whole.size() - 8192, '\x7F')), "damaged"},
+        {put("older.mdb", QByteArray(whole).replace("tblAll", "tblOld")), "older version"},
     };
     for (const auto &[path, word] : cases) {
-        const auto failure = Attempt([&, file = path] { FileEngine::connectTo(file); });
+        const QByteArray before = QFileInfo(path).isFile() ? bytes(path) : QByteArray();
+        const auto failure = Attempt([&, file = path] { openRecordset(FileEngine::connectTo(file), "tblAll"); });
         ASSERT_TRUE(failure) << qPrintable(path);
-        EXPECT_EQ(failure->number(), failures::unspecified);
+        EXPECT_EQ(failure->number(), path.contains("older") ? ado::statementFailed : failures::unspecified);
+        EXPECT_EQ(QFileInfo(path).isFile() ? bytes(path) : QByteArray(), before) << qPrintable(path);
         EXPECT_TRUE(failure->description().contains(word)) << qPrintable(failure->description());
     }
     EXPECT_FALSE(QFile::exists(m_directory.filePath("none.mdb"))) << "opening never makes a file";
-    EXPECT_EQ(bytes(m_directory.filePath("empty.mdb")).size(), 0) << "nor writes to one that is none of ours";
 }
 
 TEST_F(JetFileTest, TakesPathsWithBothSeparatorsAndOddSigns) {
