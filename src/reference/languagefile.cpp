@@ -51,7 +51,14 @@ QString cSettings::fncGetlanguage() {
 
 qint16 cSettings::fncReadLanguage() {
     const QString text = fncGetlanguage();
-    CurrentSelectedLanguage = text.isEmpty() ? qint16{1} : toInt16(text);
+    if (text.isEmpty()) {
+        CurrentSelectedLanguage = 1;
+    } else if (const auto failure = Attempt([&] { CurrentSelectedLanguage = toInt16(text); })) {
+        throw Failure(failure->number(),
+                      QString("%1. The language file %2 holds \"%3\" instead of a language's number. "
+                              "Write the number into it, or delete it for the first language.")
+                          .arg(failure->description(), m_strLanguageFile, text.left(50)));
+    }
     return CurrentSelectedLanguage;
 }
 

@@ -64,7 +64,15 @@ void cOtherSettings::SetValue(const QString &PropName, const QString &strNewValu
 
 Value cOtherSettings::GetValue(const QString &PropName, qint32 intDataType) const try {
     subTrace("Reading the value of the Other Setting " + PropName);
-    return DicList->Exists(PropName) ? convert(DicList->Item(PropName), intDataType) : missing(intDataType);
+    if (!DicList->Exists(PropName))
+        return missing(intDataType);
+    const QString text = DicList->Item(PropName);
+    Value value;
+    if (const auto failure = Attempt([&] { value = convert(text, intDataType); }))
+        throw Failure(failure->number(), QString("%1. The setting %2 holds \"%3\", which can't be read as what it is. "
+                                                 "Correct it in the settings program.")
+                                             .arg(failure->description(), PropName, text.left(50)));
+    return value;
 } catch (const Failure &failure) {
     if (failure.number() == failures::unspecified)
         return {};

@@ -126,6 +126,27 @@ TEST_F(NewDatabase, IsAbsentWhenItCouldNotBeFinished) {
     EXPECT_EQ(content("Orvelle.mdb"), "in the way");
 }
 
+/// The later steps go on after a failing statement and say at the end that one failed; what has a handler of its own
+/// reports.
+TEST_F(NewDatabase, StepsWithoutADatabaseFail) {
+    EXPECT_FALSE(fncAddTicketColumns());
+    m_answers.expect("subAddOtherSettingsTable", window::No);
+    EXPECT_THROW(fncAddReferenceTables(), ProcessEnd);
+}
+
+TEST_F(NewDatabase, RemovingRelationsFromNoDatabaseIsReported) {
+    m_answers.expect("subDAORemoveForeignKeys", window::No);
+    EXPECT_THROW(subDAORemoveForeignKeys(nullptr, "tblTickets"), ProcessEnd);
+}
+
+TEST_F(NewDatabase, AColumnOrTableThatIsThereBelongsToTheCaller) {
+    ASSERT_TRUE(create());
+    const Ref<dao::Database> database = definition();
+    EXPECT_TRUE(Attempt([&] { fncDAOAddTable(database, "tblWork", "intID", ""); }));
+    EXPECT_TRUE(
+        Attempt([&] { subDAOAddField(database->FindTableDef("tblWork"), "strPersonName", "", dao::dbText, 9); }));
+}
+
 TEST_F(NewDatabase, RelationsOfOneForeignTableAreRemoved) {
     ASSERT_TRUE(create());
     const Ref<dao::Database> database = definition();

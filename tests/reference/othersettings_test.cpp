@@ -52,6 +52,7 @@ TEST_F(OtherSettingsTest, ReportsWhatDoesNotConvert) {
     settings.SetValue("ServiceStart", "soon");
     expectReport("cOtherSettings.GetValue");
     EXPECT_TRUE(endsProcess([&] { (void)settings.GetValue("ServiceStart", settingtype::date); }));
+    EXPECT_TRUE(questions().first().contains("The setting ServiceStart holds \"soon\""));
 }
 
 TEST_F(OtherSettingsTest, OneNameIsOneEntryWhateverItsCase) {

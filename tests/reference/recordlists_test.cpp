@@ -220,6 +220,93 @@ TEST_F(CallersTest, TakesAnArrayWithComments) {
     EXPECT_EQ(failureOf([&] { (void)cCallersList().ToArray(); }), failures::subscriptOutOfRange);
 }
 
+struct ReportCase {
+    const char *procedure;
+    std::function<void()> step;
+    const char *reason = "";
+};
+
+Ref<ado::Recordset> closed(const QString &table) {
+    const auto recordset = fncReturnRecordset(table, false, true, false);
+    recordset->Close();
+    return recordset;
+}
+
+Ref<ado::Recordset> readOnly(const QString &table) { return fncReturnRecordset(table, true, true, false); }
+
+/// A failure of a list is reported under the list's own name, and the report ends the process.
+class Reports : public DatabaseTest, public ::testing::WithParamInterface<ReportCase> {};
+
+INSTANTIATE_TEST_SUITE_P(
+    OfLists, Reports,
+    ::testing::Values(
+        ReportCase{"cSimpleList.ToRS",
+                   [] {
+                       cSimpleList list;
+                       list.FromString("new");
+                       list.ToRS(readOnly("tblStatuses"));
+                   },
+                   "read-only"},
+        ReportCase{"cProblemTypes.ToArray", [] { (void)cProblemTypes().ToArray(); }},
+        ReportCase{"cProblemTypes.ToRS",
+                   [] {
+                       cProblemTypes types;
+                       addType(types, "a", "changed", 1);
+                       const auto recordset = fncReturnRecordset("tblTypes", false, true, false);
+                       const auto other = fncCreateCommand();
+                       other->SetCommandText("UPDATE tblTypes SET intDefMin = 9");
+                       other->Execute();
+                       types.ToRS(recordset);
+                   },
+                   "changed or deleted by another program"},
+        ReportCase{"cResponsibles.FromRS", [] { cResponsibles().FromRS(closed("tblPersons")); }, "not open"},
+        ReportCase{"cResponsibles.ToRS",
+                   [] {
+                       cResponsibles persons;
+                       persons.FromString("Ann\t\t0");
+                       persons.ToRS(nullptr);
+                   }},
+        ReportCase{"cResponsibles.FromArray", [] { cResponsibles().FromArray({{"Ann"}}); }},
+        ReportCase{"cResponsibles.GetResponsibleFromID",
+                   [] {
+                       cResponsibles persons;
+                       persons.DicList = nullptr;
+                       (void)persons.GetResponsibleFromID(1);
+                   }},
+        ReportCase{"cCallerList.ToRS", [] { cCallersList().ToRS(nullptr); }},
+        ReportCase{"cCallersList_RandomCaller",
+                   [] {
+                       cCallersList callers;
+                       callers.DicList = nullptr;
+                       (void)callers.RandomCaller();
+                   }},
+        ReportCase{"cOtherSettings.FromRS", [] { cOtherSettings().FromRS(closed("tblOtherSettings")); }, "not open"},
+        ReportCase{"cOtherSettings.ToRS",
+                   [] {
+                       cOtherSettings settings;
+                       settings.SetValue("KBPath", "x");
+                       settings.ToRS(readOnly("tblOtherSettings"));
+                   },
+                   "read-only"},
+        ReportCase{"cSettings.SaveSettings",
+                   [] {
+                       objSettings->Callers = nullptr;
+                       objSettings->SaveSettings();
+                   }}),
+    [](const auto &each) { return QString(each.param.procedure).replace(u'.', u'_').toStdString(); });
+
+TEST_P(Reports, UnderTheirNamesAndEnd) {
+    fill("tblTypes", "strTypeDescription", {"a"});
+    expectReport(GetParam().procedure);
+    EXPECT_TRUE(endsProcess(GetParam().step));
+    EXPECT_TRUE(questions().first().contains(GetParam().reason)) << qPrintable(questions().first());
+}
+
+TEST_F(TypesTest, AnEmptyListNeedsNoTable) {
+    cProblemTypes().ToRS(nullptr);
+    cResponsibles().ToRS(nullptr);
+}
+
 TEST_F(CallersTest, HasAnExampleCallerWhereThereIsNone) {
     const cCallersList callers;
     EXPECT_EQ(callers.RandomCaller()->FullName, "Alma Tester");

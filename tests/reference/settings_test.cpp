@@ -117,6 +117,20 @@ TEST_F(SettingsTest, WithNoDatabaseTellsWhyAndEnds) {
     EXPECT_TRUE(fakeHost().explorer->stored("CurrentFolder").object() == fakeHost().calendar);
 }
 
+TEST_F(SettingsTest, WithNoServerTellsHowToReinstallAndEnds) {
+    strDBPath = folder() + "\\nowhere";
+    objSettings->ReportTo = 3;
+    expectQuestion("To re-install, please remove the DBConnection.txt file.");
+    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+}
+
+TEST_F(SettingsTest, WithNoDatabaseAndNoHostAsksForTheHostFirst) {
+    strDBPath = folder() + "\\nowhere";
+    ouaOutlook = host::Application();
+    expectQuestion("Please start Outlook manually");
+    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+}
+
 struct LanguageCase {
     const char *content;
     qint16 language;
@@ -130,6 +144,22 @@ TEST_F(SettingsTest, ReadsTheLanguage) {
     }
     writeLanguage("Swedish");
     EXPECT_EQ(failureOf([] { objSettings->fncReadLanguage(); }), failures::typeMismatch);
+}
+
+TEST_F(SettingsTest, ALanguageThatIsNoNumberIsReportedAndLeft) {
+    writeLanguage("Swedish");
+    expectReport("cSettings.GetSettings");
+    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+    EXPECT_TRUE(questions().first().contains(languageFile() + " holds \"Swedish\"")) << qPrintable(questions().first());
+    EXPECT_EQ(language(), "Swedish");
+}
+
+TEST_F(SettingsTest, ALanguageFileThatCannotBeUsedCountsAsTheFirst) {
+    QDir(folder()).mkdir("OrvelleSettings");
+    objSettings->CurrentSelectedLanguage = 4;
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    objSettings->fncSetSettingFile(languageFile(), 3);
+    EXPECT_TRUE(QFileInfo(languageFile()).isDir());
 }
 
 TEST_F(SettingsTest, TheFirstReadMakesTheLanguageFile) {
