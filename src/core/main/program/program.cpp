@@ -2,8 +2,8 @@
 
 #include "automation/remote.h"
 #include "core/main/programrun.h"
+#include "platform/window/application.h"
 
-#include <QApplication>
 #include <QSocketNotifier>
 #include <QStandardPaths>
 
@@ -19,23 +19,6 @@ QString profileFolder() {
     const QString named = qEnvironmentVariable("ORVELLE_PROFILE");
     return named.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/orvelle/profile"
                            : named;
-}
-
-/// Windows need a display; without one nobody is there to be asked, and questions go to standard error.
-bool hasDisplay() {
-    const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
-    if (platform == "offscreen" || platform == "minimal" || qgetenv("ORVELLE_UNATTENDED") == "1")
-        return false;
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
-std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv) {
-    if (!hasDisplay())
-        return std::make_unique<QCoreApplication>(argc, argv);
-    auto application = std::make_unique<QApplication>(argc, argv);
-    // The run ends with its Explorer, not with a dialog.
-    QApplication::setQuitOnLastWindowClosed(false);
-    return application;
 }
 
 int endPipe[2] = {-1, -1};
@@ -89,7 +72,7 @@ int runProgram(const QString &command) {
 } // namespace
 
 int main(int argc, char **argv) {
-    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = window::makeApplication(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments == QStringList{"--help"}) {
         std::puts("usage: orvelle [LANGUAGE|Ticket]\n"
