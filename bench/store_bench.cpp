@@ -4,11 +4,15 @@
 // Saves go to the directory ORVELLE_BENCH_DIR (default: the current one), since a disk in memory has no durable
 // commits. ORVELLE_BENCH_ITEMS sets the size of the folder that is searched (default 100000).
 
+#include "desk/objects/desk.h"
+#include "desk/objects/mapifolder.h"
+#include "desk/objects/session.h"
 #include "desk/store/connection.h"
 #include "desk/store/itemwriter.h"
 #include "desk/store/store.h"
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -207,6 +211,73 @@ void FindBySharedAndOwnProperty(benchmark::State &state) {
     });
 }
 BENCHMARK(FindBySharedAndOwnProperty)->Unit(benchmark::kMicrosecond);
+
+/// The bare library's look-up of an item by a property, with all the item's fields read.
+class BareFind {
+  public:
+    explicit BareFind(const QString &path) {
+        sqlite3_open_v2(QFile::encodeName(path).constData(), &m_database, SQLITE_OPEN_READONLY, nullptr);
+        sqlite3_prepare_v2(m_database,
+                           "SELECT i.* FROM properties AS p JOIN items AS i ON i.id = p.item WHERE p.name_key = ?1 AND "
+                           "p.value_key = ?2 AND p.value_key <> '' AND p.folder = ?3 ORDER BY p.arrival LIMIT 1",
+                           -1, &m_statement, nullptr);
+    }
+    ~BareFind() {
+        sqlite3_finalize(m_statement);
+        sqlite3_close(m_database);
+    }
+    BareFind(const BareFind &) = delete;
+    BareFind &operator=(const BareFind &) = delete;
+
+    bool find(FolderId folder, int number) {
+        const QByteArray value = QByteArray::number(number);
+        sqlite3_bind_text(m_statement, 1, "ticket id", -1, SQLITE_STATIC);
+        sqlite3_bind_text(m_statement, 2, value.constData(), static_cast<int>(value.size()), SQLITE_STATIC);
+        sqlite3_bind_int64(m_statement, 3, folder);
+        const bool found = sqlite3_step(m_statement) == SQLITE_ROW;
+        for (int column = 0; found && column < sqlite3_column_count(m_statement); ++column)
+            benchmark::DoNotOptimize(sqlite3_column_blob(m_statement, column));
+        sqlite3_reset(m_statement);
+        return found;
+    }
+
+  private:
+    sqlite3 *m_database = nullptr;
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+/// `Items.Find` of a ticket by its number as clients call it, and in turn with it the bare look-up of another one.
+void ItemsFind(benchmark::State &state) {
+    ManyItems &many = ManyItems::instance();
+    const QTemporaryDir profile(benchDirectory());
+    const Desk desk({.profile = profile.path(), .user = QStringLiteral("Bench"), .publicFile = many.store().path()});
+    Session &session = desk.session();
+    const auto items =
+        automation::wrap(session.folder(session.publicStore(), many.folder()))->get(QStringLiteral("Items")).object();
+    BareFind bare(many.store().path());
+    using Clock = std::chrono::steady_clock;
+    std::chrono::duration<double> throughObjects{};
+    std::chrono::duration<double> throughLibrary{};
+    int i = 0;
+    for (auto _ : state) {
+        i = (i + 7919) % many.count();
+        const auto start = Clock::now();
+        const bool isThere = bare.find(many.folder(), many.count() - 1 - i);
+        const auto between = Clock::now();
+        const bool isFound =
+            !items->call(QStringLiteral("Find"), {QStringLiteral("[Ticket ID] =\"%1\"").arg(i)}).isNothing();
+        const std::chrono::duration<double> taken = Clock::now() - between;
+        if (!isThere || !isFound)
+            return state.SkipWithError("not found");
+        throughLibrary += between - start;
+        throughObjects += taken;
+        state.SetIterationTime(taken.count());
+    }
+    state.counters["items"] = many.count();
+    state.counters["bare_us"] = 1e6 * throughLibrary.count() / static_cast<double>(state.iterations());
+    state.counters["ratio"] = throughObjects / throughLibrary;
+}
+BENCHMARK(ItemsFind)->Unit(benchmark::kMicrosecond)->UseManualTime();
 
 /// The first question of all about a folder: count and last item, nothing remembered.
 void FirstCountAndLast(benchmark::State &state) {
