@@ -145,6 +145,17 @@ Installation::Installation(Missing missing) : m_connection(Ref<ado::Connection>:
     m_connection->Open();
 }
 
+void Installation::asAWhole(const std::function<void()> &changes) const {
+    m_connection->BeginTrans();
+    try {
+        changes();
+        m_connection->CommitTrans();
+    } catch (const Failure &) {
+        static_cast<void>(Attempt([&] { m_connection->RollbackTrans(); }));
+        throw;
+    }
+}
+
 Ref<ado::Recordset> Installation::open(const QString &source, ado::LockType lock) const {
     const auto set = Ref<ado::Recordset>::make();
     set->SetActiveConnection(m_connection);
@@ -174,7 +185,8 @@ std::optional<QString> Installation::get(const QString &name) const {
 void Installation::set(const QString &name, const QString &value) {
     if (const std::optional<QString> problem = problemWith(name, value))
         throw Failure(failures::invalidCall, *problem);
-    store(open(settingsTable, ado::LockType::Optimistic), name, storable(value));
+    // Read and written in one go: two programs that store a new setting at once would both add it.
+    asAWhole([&] { store(open(settingsTable, ado::LockType::Optimistic), name, storable(value)); });
 }
 
 QByteArray Installation::exported() const {
@@ -198,18 +210,13 @@ QByteArray Installation::exported() const {
 
 QList<Change> Installation::import(const QList<Section> &sections) {
     QList<Change> changes;
-    m_connection->BeginTrans();
-    try {
+    asAWhole([&] {
         for (const Section &section : sections) {
             const ListTable *table = findListTable(section.name);
             changes.append(table ? writeList(*table, section, open(table->source(), ado::LockType::Optimistic))
                                  : storeSettings(section, open(settingsTable, ado::LockType::Optimistic)));
         }
-        m_connection->CommitTrans();
-    } catch (const Failure &) {
-        static_cast<void>(Attempt([&] { m_connection->RollbackTrans(); }));
-        throw;
-    }
+    });
     return changes;
 }
 

@@ -37,6 +37,7 @@ class Installation {
     QList<Change> import(const QList<Section> &sections);
 
   private:
+    void asAWhole(const std::function<void()> &changes) const;
     [[nodiscard]] Ref<ado::Recordset> open(const QString &source, ado::LockType lock) const;
 
     Ref<ado::Connection> m_connection;
