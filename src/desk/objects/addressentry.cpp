@@ -12,6 +12,11 @@ const QString smtpType = QStringLiteral("SMTP");
 const QString contactPrefix =
     QStringLiteral("00000000FE42AA0A18C71A10E8850B651C24000003000000040000000000000030000000");
 const QString contactSuffix = QStringLiteral("00000A");
+/// Empty where the contact has an address of the directory instead.
+QString internetAddress(const ItemRecord &contact) {
+    return contact.email1Address.startsWith(u'/') ? QString() : contact.email1Address;
+}
+
 const QString senderPrefix = QStringLiteral("00000000812B1FA4BEA310199D6E00DD010F540200000180");
 
 } // namespace
@@ -38,10 +43,8 @@ std::shared_ptr<AddressEntry> AddressEntry::ofSender(std::weak_ptr<desk::Session
 
 std::optional<ItemRecord> AddressEntry::contact() const {
     const std::shared_ptr<desk::Session> open = session();
-    if (m_type == smtpType) {
-        if (const auto contact = open->directory().contactByAddress(m_address))
-            return contact;
-    }
+    if (const auto contact = open->directory().contactByAddress(m_address))
+        return contact;
     return open->directory().contactByName(m_name);
 }
 
@@ -53,7 +56,7 @@ QString AddressEntry::Fields(int Tag) {
     case smtpAddress:
         if (m_type == smtpType)
             return m_address;
-        return contact().value_or(ItemRecord()).email1Address;
+        return internetAddress(contact().value_or(ItemRecord()));
     case businessTelephone:
         return contact().value_or(ItemRecord()).businessTelephone;
     case department:

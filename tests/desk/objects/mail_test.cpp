@@ -292,6 +292,7 @@ TEST_F(MailTest, APostIsSignedOnce) {
 
 TEST_F(MailTest, ASenderIsAnAddressEntry) {
     static_cast<void>(contact("Berta Boss", "berta@example.org"));
+    static_cast<void>(contact("Xaver", "/o=Example/cn=xaver"));
     const struct {
         QByteArray from;
         QString name, address, type, smtp, telephone;
@@ -299,6 +300,7 @@ TEST_F(MailTest, ASenderIsAnAddressEntry) {
         {"Bo Other <bo@example.org>", "Bo Other", "bo@example.org", "SMTP", "bo@example.org", ""},
         {"bo@example.org", "bo@example.org", "bo@example.org", "SMTP", "bo@example.org", ""},
         {"B <berta@example.org>", "B", "berta@example.org", "SMTP", "berta@example.org", "0815"},
+        {"Y </o=Example/cn=xaver>", "Y", "/o=Example/cn=xaver", "EX", "", "0815"},
         {"Berta Boss </o=Example/cn=berta>", "Berta Boss", "/o=Example/cn=berta", "EX", "berta@example.org", "0815"}};
     for (const auto &each : cases) {
         const Handle sender = delivered("From: " + each.from + "\r\nSubject: S\r\n\r\nText\r\n").of("Sender");
