@@ -78,6 +78,26 @@ TEST_F(Attachments, AnOleObjectBringsTheWholeMessageBesideTheFiles) {
     EXPECT_EQ(onTicket(), (QStringList{"a.txt=a", "b.txt=b", "OriginalMessage.msg=..."}));
 }
 
+TEST_F(Attachments, AnEmbeddedMessageThatCannotBeCarriedBringsTheWholeMessage) {
+    const auto questions = countQuestions();
+    start();
+    questions->failing["Attachment.SaveAsFile()"] = failures::accessDenied;
+    deliverItem({part(5, "An older mail", "Subject: An older mail\r\n\r\nhello")});
+    EXPECT_EQ(subjects(intake().Folders("Converted")).size(), 1);
+    questions->failing.clear();
+    EXPECT_EQ(onTicket(), QStringList{"OriginalMessage.msg=..."});
+}
+
+TEST_F(Attachments, WithoutTheLibraryTheFilesComeAlone) {
+    setClientTools(false);
+    auto &copy = newCopy();
+    copy.answers.expect("Client Tools", window::No);
+    copy.answers.expect("Client Tools", window::No);
+    copy.run.start();
+    deliverItem({part(6, "object", "ole"), part(1, "a.txt", "a")});
+    EXPECT_EQ(onTicket(), QStringList{"a.txt=a"});
+}
+
 TEST_F(Attachments, ALargeMessageWithoutAttachmentsIsAttachedWhole) {
     start();
     deliver({.subject = "large", .text = QString(30000, 'x')});

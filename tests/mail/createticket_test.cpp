@@ -101,15 +101,21 @@ TEST_F(CreateTicket, WithoutTheLibraryATicketHasItsNumberAndAttachmentsAlone) {
     EXPECT_EQ(app().Inspectors().Item(1).CurrentItem().Body().trimmed(), "Ticket 1 was made.");
 }
 
-TEST_F(CreateTicket, WithoutATicketFolderThePersonIsAskedAndTheRunEnds) {
+class WithoutATicketFolder : public CreateTicket, public testing::WithParamInterface<window::Answer> {};
+
+TEST_P(WithoutATicketFolder, ThePersonIsAskedAndTheRunEndsWhereNoneIsPicked) {
     auto &copy = start();
     copy.in([] { oufTickets = host::MAPIFolder(); });
-    copy.answers.expect(copy.in([] { return LNGFAILEDTOFINDCRVFOLDER.text(); }), window::No);
+    copy.answers.expect(copy.in([] { return LNGFAILEDTOFINDCRVFOLDER.text(); }), GetParam());
+    if (GetParam() == window::Yes)
+        copy.answers.expectSheet("frmPickFolder", "");
     tickets().call("Delete");
     deliver({});
     EXPECT_FALSE(copy.run.alive());
     EXPECT_EQ(copy.ends, 1);
     EXPECT_EQ(copy.run.exitStatus(), 0);
 }
+
+INSTANTIATE_TEST_SUITE_P(Answers, WithoutATicketFolder, testing::Values(window::Yes, window::No));
 
 } // namespace

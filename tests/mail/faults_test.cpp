@@ -1,0 +1,169 @@
+// A mail's road while the host refuses one thing after the other: what is told, and what becomes of mail and ticket.
+
+#include "mail/foldermonitor.h"
+
+#include "core/phrases.h"
+#include "core/process.h"
+#include "support/helpdesk.h"
+
+namespace {
+
+/// The end of a question's text, where it is a report of that procedure.
+QString reportOf(const QString &procedure) { return " : " + procedure + " "; }
+
+struct Fault {
+    const char *name;
+    /// What the host refuses, and whether that is the second time it is asked.
+    const char *question;
+    bool isSecond;
+    /// Part of the message or report; "folder" for that of a missing subfolder.
+    const char *told;
+    /// Where the mail is afterwards, with its mark, and how many tickets and confirmations there are.
+    const char *place;
+    const char *mark;
+    int tickets;
+    int confirmations;
+};
+
+class Faults : public support::Helpdesk, public testing::WithParamInterface<Fault> {
+  protected:
+    void SetUp() override {
+        setSetting("EmailSubFolders", "1");
+        setSetting("ConvertedEmailMessage", "Ticket [TICKETID] was made.");
+        setSetting("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
+        withDatabase([this] { m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM; });
+    }
+    [[nodiscard]] QString told() const {
+        return GetParam().told == QString("folder") ? m_noSubFolder : QString(GetParam().told);
+    }
+    /// From here on the host refuses.
+    void refuse() {
+        int asked = 0;
+        m_questions->before = [this, asked](const QString &question) mutable {
+            if (question == GetParam().question && (++asked > 1 || !GetParam().isSecond))
+                throw Failure(failures::accessDenied, "failed on demand");
+        };
+    }
+    /// The mail of that subject, wherever it went.
+    [[nodiscard]] QString markIn(const host::MAPIFolder &folder, const QString &subject) const {
+        const host::Item found = folder.Items().Find("[Subject] = '" + subject + "'");
+        return found ? found.BillingInformation() : QString("(not there)");
+    }
+    [[nodiscard]] host::MAPIFolder place() const {
+        const QString name = GetParam().place;
+        if (name == "Support")
+            return intake();
+        return name == "Converted" ? intake().Folders(name) : tickets().Folders("9").Folders(name);
+    }
+
+    support::Counting::Log m_questions = countQuestions();
+    QString m_noSubFolder;
+};
+
+using FaultsOfANewMail = Faults;
+
+TEST_P(FaultsOfANewMail, LeaveItWhereItIsKnown) {
+    auto &copy = start();
+    refuse();
+    if (*GetParam().told != '\0')
+        copy.answers.expect(told(), window::No);
+    // Once for the mail, once for its confirmation.
+    if (told() == m_noSubFolder)
+        copy.answers.expect(told());
+    deliver({.subject = "a mail"});
+    EXPECT_EQ(markIn(place(), "a mail"), GetParam().mark);
+    EXPECT_EQ(tickets().Items().Count(), GetParam().tickets);
+    EXPECT_EQ(outgoing().size(), GetParam().confirmations);
+    EXPECT_EQ(copy.run.alive(), !told().startsWith(" : "));
+    // Whatever became of it, one mail is one ticket in the end.
+    m_questions->before = nullptr;
+    copy.run.quit();
+    start();
+    EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Questions, FaultsOfANewMail,
+    testing::Values(
+        Fault{"no ticket item", "Items.Add()", false, "Failed to create a new Outlook form!", "Support", "", 0, 0},
+        Fault{"the item's properties", "UserProperty.Value=", false, " : subSetOutlookValue ", "Support", "", 0, 0},
+        Fault{"the item's sensitivity", "PostItem.Sensitivity=", false, " : fncCreateSingleTicket ", "Support", "", 0,
+              0},
+        Fault{"the ticket's attachments", "MailItem.Attachments", false, "", "Converted", "1", 1, 1},
+        Fault{"a contact's search", "NameSpace.GetItemFromID()", false, "", "Converted", "1", 1, 1},
+        Fault{"an address list", "AddressLists.Item()", false, "", "Converted", "1", 1, 1},
+        Fault{"the flag", "MailItem.FlagStatus=", false, "", "Converted", "1", 1, 1},
+        Fault{"no Drafts or Outbox", "NameSpace.GetDefaultFolder()", false, "", "Converted", "1", 1, 0},
+        Fault{"the confirmation's text", "MailItem.Body=", false, "", "Converted", "1", 1, 1},
+        Fault{"the confirmation's address", "MailItem.To=", false, "", "Converted", "1", 1, 0},
+        Fault{"the confirmation's sending", "MailItem.Send()", false, "", "Converted", "1", 1, 0},
+        Fault{"no subfolder of the ticket", "Folders.Add()", false, "folder", "Support", "1", 1, 1},
+        Fault{"no copy", "MailItem.Copy()", false, "", "Converted", "1", 1, 1},
+        Fault{"no place to move to", "MailItem.Move()", true, "", "Support", "1", 1, 1}),
+    [](const auto &each) { return QString(each.param.name).remove('\'').replace(' ', '_').toStdString(); });
+
+using FaultsOfAReply = Faults;
+
+TEST_P(FaultsOfAReply, OfThoseThatComeLater) {
+    auto &copy = start();
+    refuse();
+    copy.answers.expect(told(), window::No);
+    deliver({.subject = "Re: {9}"});
+    EXPECT_EQ(markIn(place(), "Re: {9}"), GetParam().mark);
+    EXPECT_TRUE(tickets().Items().Count() == GetParam().tickets);
+    EXPECT_EQ(copy.run.alive(), !told().startsWith(" : "));
+}
+
+INSTANTIATE_TEST_SUITE_P(Questions, FaultsOfAReply,
+                         testing::Values(Fault{"no subfolder", "Folders.Add()", false, "folder", "Support", "", 0, 0},
+                                         Fault{"not moved", "MailItem.Move()", false, " : ouiItems.ItemAdd ", "Support",
+                                               "", 0, 0}),
+                         [](const auto &each) { return QString(each.param.name).replace(' ', '_').toStdString(); });
+
+class FaultsOfTheScan : public support::Helpdesk {
+  protected:
+    /// Ticket 1 is there, without a folder of its own.
+    void SetUp() override {
+        auto &first = start();
+        deliver({.subject = "the first"});
+        first.run.quit();
+        setSetting("EmailSubFolders", "1");
+        withDatabase([this] { m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM; });
+    }
+    support::Copy &startRefusing(const QString &question, bool isSecond, const QStringList &told) {
+        int asked = 0;
+        m_questions->before = [=](const QString &each) mutable {
+            if (each == question && (++asked > 1 || !isSecond))
+                throw Failure(failures::accessDenied, "failed on demand");
+        };
+        auto &copy = newCopy();
+        for (const QString &each : told)
+            copy.answers.expect(each, window::No);
+        copy.run.start();
+        return copy;
+    }
+
+    support::Counting::Log m_questions = countQuestions();
+    QString m_noSubFolder;
+};
+
+TEST_F(FaultsOfTheScan, AReplyWithoutAFolderGetsItsWorkRowAndTheOthersAreTaken) {
+    deliver({.subject = "another"});
+    deliver({.subject = "Re: {1}"});
+    EXPECT_TRUE(startRefusing("Folders.Add()", false, {m_noSubFolder, m_noSubFolder}).run.alive());
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"intTicketID"}), QStringList{"1"});
+    EXPECT_EQ(subjects(tickets()), (QStringList{"the first", "another"}));
+    EXPECT_EQ(subjects(intake()), QStringList{"Re: {1}"});
+}
+
+TEST_F(FaultsOfTheScan, AWorkRowThatFailsIsReported) {
+    deliver({.subject = "Re: {1}"});
+    EXPECT_FALSE(startRefusing("PostItem.UnRead=", true, {reportOf("subAddEmailWorkItem")}).run.alive());
+}
+
+TEST_F(FaultsOfTheScan, AFlagThatCannotBePostedIsReported) {
+    EXPECT_FALSE(startRefusing("PostItem.Post()", false, {reportOf("subMonitorMailFolders")}).run.alive());
+    EXPECT_TRUE(subjects(intake()).isEmpty());
+}
+
+} // namespace
