@@ -95,8 +95,21 @@ TEST_F(FolderTest, ASavedReferenceCrossesAnItem) {
 TEST_F(FolderTest, APickThatIsCancelledLeavesTheReference) {
     cOutlookFolder folder;
     folder.Name = "as it was";
+    answers().expectSheet("frmPickFolder", "");
     folder.GetOutlookPathInfo(nullptr, 6);
     EXPECT_EQ(folder.Name, "as it was");
+}
+
+TEST_F(FolderTest, APickOfTheRightKindIsReferredTo) {
+    const qint32 kind = tickets().DefaultItemType();
+    for (const qint32 wanted : {kind + 1, kind}) {
+        cOutlookFolder folder;
+        answers().expectSheet("frmPickFolder", "cmdOK", {{"treFolders", "\\\\Public Folders\\Helpdesk"}});
+        folder.GetOutlookPathInfo(nullptr, wanted);
+        EXPECT_EQ(folder.Path, wanted == kind ? "\\\\Public Folders\\Helpdesk" : "");
+        EXPECT_EQ(folder.EntryID, wanted == kind ? tickets().EntryID() : QString());
+        EXPECT_EQ(!folder.GetFolder().isNothing(), wanted == kind);
+    }
 }
 
 TEST_F(FolderTest, TheHomePageMarksAHelpdeskFolderWhateverItsCase) {
@@ -107,8 +120,10 @@ TEST_F(FolderTest, TheHomePageMarksAHelpdeskFolderWhateverItsCase) {
 TEST_F(FolderTest, WithoutAHomePageThePersonPicksOrGivesUp) {
     for (const char *url : {"", "file:C:\\Share\\Orvelle.htm?x=1", "file:C:\\Share\\Orvelle.html"}) {
         tickets().WebViewURL(url);
-        answers().expect("Are you sure you want to exit?", window::No);
-        answers().expect("Are you sure you want to exit?", window::Yes);
+        for (const window::Answer answer : {window::No, window::Yes}) {
+            answers().expectSheet("frmPickFolder", "");
+            answers().expect("Are you sure you want to exit?", answer);
+        }
         EXPECT_TRUE(endsProcess([] { static_cast<void>(fncValidTicketFolder()); })) << url;
     }
 }

@@ -137,6 +137,20 @@ TEST_F(Properties, WithoutACountTheFirstPieceIsRead) {
     EXPECT_EQ(fncGetLongProperty(item(), "Log"), "first");
 }
 
+TEST_F(Properties, ALongWriteThatFailsHalfWayKeepsTheOldCount) {
+    subFixLongProperty(item(), "short", "Log", false);
+    const auto questions = std::make_shared<support::Counting::Questions>();
+    int pieces = 0;
+    questions->before = [&](const QString &question) {
+        if (question == "UserProperty.Value=" && ++pieces == 3)
+            throw Failure(failures::noDiskSpace);
+    };
+    answers().expect("Failed to save Log " + LNGCHECKPERM);
+    subFixLongProperty(support::Counting::of(item().object(), questions), QString(4000, 'x'), "Log", false);
+    EXPECT_EQ(property(item(), "Log1").size(), 1000);
+    EXPECT_EQ(property(item(), "LogCount"), "0");
+}
+
 TEST_F(Properties, ALongWriteThatFailsIsToldUnlessSilent) {
     subFixLongProperty(host::Item(), "text", "Log", true);
     answers().expect("Failed to save Log " + LNGCHECKPERM);

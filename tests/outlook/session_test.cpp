@@ -2,6 +2,7 @@
 
 #include "outlook/session.h"
 
+#include "core/fakehost.h"
 #include "outlook/clienttools.h"
 #include "outlook/folderpath.h"
 #include "outlook/forms.h"
@@ -32,7 +33,7 @@ TEST_F(SessionTest, WhatNeedsTheHostStartsIt) {
         {"version", [] { EXPECT_GE(fncOutlookVersion(), 9); }},
         {"folder", [] { subSetCurrentFolder(9); }},
         {"name", [] { subGetSafeMailboxName(); }},
-        {"picking", [] { EXPECT_TRUE(fncPickFolder(nullptr).isNothing()); }},
+        {"picking", [] { static_cast<void>(fncPickFolder(nullptr)); }},
     };
     for (const auto &[name, operation] : operations) {
         ProgramCopy copy;
@@ -68,6 +69,54 @@ TEST_F(SessionTest, TheCurrentFolderIsTheActiveExplorers) {
     explorer().Close();
     subSetCurrentFolder(9);
     EXPECT_EQ(oufTickets->Name(), "Calendar");
+}
+
+TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
+    struct Case {
+        const char *question;
+        QString told;
+        bool ends;
+        std::function<void()> step;
+    };
+    for (const Case &each : {
+             Case{"Application.ActiveExplorer()", "Unable to connect to current Outlook folder!", false,
+                  [] { subSetCurrentFolder(9); }},
+             Case{"NameSpace.GetDefaultFolder()", " : subGetSafeMailboxName ", true, [] { (void)fncGetUserName(); }},
+             Case{"NameSpace.Folders()", "", false,
+                  [] { EXPECT_TRUE(fncGetFolderFromPath("\\\\Public Folders\\Helpdesk").isNothing()); }},
+             Case{"NameSpace.PickFolder()", "", false, [] { EXPECT_TRUE(fncPickFolder(nullptr).isNothing()); }},
+         }) {
+        SCOPED_TRACE(each.question);
+        ProgramCopy copy;
+        {
+            const ProgramCopy::Scope scope(copy);
+            support::Answers answered;
+            const auto questions = std::make_shared<support::Counting::Questions>();
+            runningHost = [&] { return support::Counting::of(desk().application(), questions); };
+            subStartOutlook(6);
+            questions->failing[each.question] = failures::accessDenied;
+            if (!each.told.isEmpty())
+                answered.expect(each.told, window::No);
+            EXPECT_EQ(endsProcess(each.step), each.ends);
+        }
+        copy.clear();
+    }
+}
+
+TEST_F(SessionTest, AHostThatIsTooOldEndsTheProcess) {
+    subReleaseOutlook();
+    ProgramCopy copy;
+    {
+        const ProgramCopy::Scope scope(copy);
+        LoadLanguages(1);
+        support::Answers answered;
+        const auto old = std::make_shared<FakeObject>("Application");
+        old->properties["Version"] = "8.5.1";
+        runningHost = [old] { return automation::ObjectPtr(old); };
+        answered.expect(LNGO2KNEEDED + strLineEnd + "8.5.1");
+        EXPECT_TRUE(endsProcess([] { subStartOutlook(6); }));
+    }
+    copy.clear();
 }
 
 TEST_F(SessionTest, TheUserIsReadFromTheMailboxRoot) {

@@ -285,6 +285,13 @@ TEST_F(TicketRowTest, WithNoDatabaseTellsSo) {
     EXPECT_EQ(ticket.TicketID, "");
 }
 
+TEST_F(TicketRowTest, ReportsARowThatIsNoTickets) {
+    newTicket().SaveToDB();
+    cTicket ticket;
+    expectReport("cTicket.ReadFromDB");
+    EXPECT_TRUE(endsProcess([&] { ticket.ReadFromDB(open("Select strTicketID from tblTickets")); }));
+}
+
 TEST_F(TicketRowTest, ALogTooLongToCountIsReported) {
     cTicket ticket = newTicket();
     addWork(ticket, 32767);

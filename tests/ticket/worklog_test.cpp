@@ -232,6 +232,12 @@ TEST_F(WorkTableTest, ReportsANumberThatIsNone) {
     EXPECT_TRUE(endsProcess([&] { log.WriteToDB("7; drop table tblWork"); }));
 }
 
+TEST_F(WorkTableTest, ReportsANumberThatIsTooLarge) {
+    expectReport("cWorkDescs_ReadFromDB");
+    cWorkDescs log;
+    EXPECT_TRUE(endsProcess([&] { log.ReadFromDB("99999999999"); }));
+}
+
 TEST_F(WorkTableTest, ReadingKeepsTheLogWhereTheNumberIsNone) {
     cWorkDescs log;
     add(log, row("kept", {}, 1, "x"));
