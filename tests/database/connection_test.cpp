@@ -61,6 +61,15 @@ TEST_F(FindDatabase, TheDataFolderLosesItsLastSeparator) {
     EXPECT_EQ(fncGetConnection(), fileConnection()) << "the program folder is the data folder";
 }
 
+TEST_F(FindDatabase, AServersTextThatCannotBeReadIsReportedAndStays) {
+    // A file that opens and then gives nothing but errors.
+    ASSERT_TRUE(QFile::link("/proc/self/mem", path("DBConnection.txt")));
+    start(true);
+    m_answers.expect(" : fncGetConnection ", window::No);
+    EXPECT_THROW(fncGetConnection(), ProcessEnd);
+    EXPECT_TRUE(exists("DBConnection.txt"));
+}
+
 TEST_F(FindDatabase, ClosingTheChoiceLeavesNoDatabase) {
     start(true);
     m_answers.expectSheet("frmChooseConnection", "");

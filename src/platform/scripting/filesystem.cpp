@@ -41,7 +41,11 @@ QByteArray readFile(const QString &path) {
     QFile file(nativePath(path));
     if (!file.open(QIODevice::ReadOnly))
         throw diskFailure(errno, QStringLiteral("read"), path, failures::fileNotFound);
-    return file.readAll();
+    QByteArray content = file.readAll();
+    // What can't be read is not empty: callers delete and replace files that are.
+    if (file.error() != QFileDevice::NoError)
+        throw diskFailure(EIO, QStringLiteral("read"), path);
+    return content;
 }
 
 } // namespace
