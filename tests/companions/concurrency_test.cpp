@@ -85,7 +85,7 @@ class SideBySide : public ::testing::Test {
 TEST_F(SideBySide, NobodySeesHalfOfAnImportAndAKilledOneLeavesNone) {
     const QStringList files{listsOf("a"), listsOf("b")};
     ASSERT_EQ(finish(*start({"import", files[0]})), 0);
-    ASSERT_EQ(ask(whole), wholeLists);
+    ASSERT_EQ(ask(whole).toStdString(), wholeLists);
     std::array<Process, 2> writers;
     std::array<int, 2> done{};
     int looks = 0;
@@ -110,7 +110,7 @@ TEST_F(SideBySide, NobodySeesHalfOfAnImportAndAKilledOneLeavesNone) {
             }
             writers[at] = start({"import", files[static_cast<qsizetype>(at)]});
         }
-        ASSERT_EQ(ask(whole), wholeLists);
+        ASSERT_EQ(ask(whole).toStdString(), wholeLists);
         seen.insert(ask("SELECT strComment FROM tblCallers LIMIT 1"));
     }
     for (const Process &writer : writers)

@@ -213,6 +213,25 @@ TEST_F(SettingsTest, RemembersTheTicketFolderForTheNextRun) {
     EXPECT_EQ(objSettings->objFolder->Name, "Tickets");
 }
 
+TEST_F(SettingsTest, AskedForAFolderItTakesThePickedOneAndKeepsItsPath) {
+    const host::MAPIFolder tickets = oufTickets;
+    int picks = 0;
+    fakeHost().session->functions["pickfolder"] = [&](const ValueList &) -> Value {
+        return ++picks < 2 ? Value::nothing() : Value(tickets.object());
+    };
+    oufTickets = nullptr;
+    fakeHost().explorer->failing["CurrentFolder"] = failures::notFound;
+    expectQuestion("Outlook folder");
+    for (int times = 0; times < 2; ++times)
+        expectQuestion(LNGFAILEDTOFINDCRVFOLDER.text(), window::Yes);
+    objSettings->GetSettings(false);
+    EXPECT_TRUE(oufTickets->object() == tickets.object());
+    const QString path = toText(objSettings->OtherSettings->GetValue("RootFolderPath", settingtype::text));
+    EXPECT_TRUE(path.endsWith("Tickets")) << qPrintable(path);
+    EXPECT_EQ(rows("tblOtherSettings", {"strPropName", "strPropValue"}).last(), "EmailFolders  ");
+    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("RootFolderPath " + path));
+}
+
 TEST_F(SettingsTest, AskedForAFolderAndGivenNoneItEnds) {
     oufTickets = nullptr;
     fakeHost().explorer->members["currentfolder"] = Value::nothing();
