@@ -60,7 +60,17 @@ class Dictionary {
     [[nodiscard]] const QList<T> &Items() const { return m_items; }
 
   private:
-    static QString folded(const QString &key) { return key.toCaseFolded(); }
+    /// Most keys are plain letters, which need no look into the tables of all alphabets.
+    static QString folded(const QString &key) {
+        QString result = key;
+        for (QChar &each : result) {
+            if (each > u'\x7F')
+                return key.toCaseFolded();
+            if (each >= u'A' && each <= u'Z')
+                each = QChar(each.unicode() + (u'a' - u'A'));
+        }
+        return result;
+    }
     T &append(const QString &place, const QString &key, T item) {
         m_places.insert(place, m_keys.size());
         m_keys.append(key);
