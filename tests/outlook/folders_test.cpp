@@ -128,6 +128,24 @@ TEST_F(FolderTest, WithoutAHomePageThePersonPicksOrGivesUp) {
     }
 }
 
+TEST_F(FolderTest, AFolderThatCantBeTheHelpdesksIsRefusedByItsKind) {
+    const host::MAPIFolder shown = onsMAPI->GetDefaultFolder(6);
+    ouaOutlook->ActiveExplorer().CurrentFolder(shown);
+    const auto path = [](qint32 number) { return fncGetFolderPath(onsMAPI->GetDefaultFolder(number), onsMAPI); };
+    tickets().WebViewURL("file:C:\\Share\\Orvelle.htm");
+    const std::pair<QString, const char *> picks[] = {{path(9), "have has homepage path set to"},
+                                                      {path(10), "have has homepage path set to"},
+                                                      {path(16), "has its homepage path set to"},
+                                                      {"\\\\Public Folders\\Helpdesk", nullptr}};
+    for (const auto &[picked, refusal] : picks) {
+        answers().expectSheet("frmPickFolder", "cmdOK", {{"treFolders", picked}});
+        if (refusal)
+            answers().expect(refusal);
+    }
+    EXPECT_TRUE(fncValidTicketFolder() == tickets());
+    EXPECT_TRUE(ouaOutlook->ActiveExplorer().CurrentFolder() == shown);
+}
+
 TEST_F(FolderTest, TheHomePagesFolderIsItsPathWithoutTheScheme) {
     EXPECT_EQ(fncHomePageFolder("file:C:\\Share\\Orvelle.htm"), "C:\\Share");
     EXPECT_EQ(fncHomePageFolder("file:\\\\server\\share\\sub\\Orvelle.htm"), "\\\\server\\share\\sub");
