@@ -276,13 +276,51 @@ TEST_F(FolderMonitor, AReplyAddsAWorkRowAndMarksTheTicketUnread) {
     EXPECT_TRUE(outgoing().isEmpty());
 }
 
-TEST_F(FolderMonitor, TheScanClaimsARepliesToo) {
+struct ReplyRoad {
+    bool isScanned;
+    /// Set before the reply is met.
+    const char *mark;
+    /// Its mark under the ticket; null where it is not filed.
+    const char *filedMark;
+};
+
+class ReplyRoads : public FolderMonitor, public testing::WithParamInterface<ReplyRoad> {};
+
+TEST_P(ReplyRoads, DifferBetweenTheScanAndWhatComesLater) {
+    const ReplyRoad &each = GetParam();
+    auto &first = start();
+    deliver({.subject = "a problem"});
+    first.run.quit();
+    setSetting("EmailSubFolders", "1");
+    const auto questions = countQuestions();
+    if (!each.isScanned)
+        start();
+    const host::Item reply = intake().Items().Add("IPM.Note");
+    reply.Subject("Re: {1}");
+    reply.BillingInformation(each.mark);
+    reply.Save();
+    if (each.isScanned)
+        start();
+
+    const host::MAPIFolder place = each.filedMark ? tickets().Folders("1").Folders("Received") : intake();
+    const host::Item after = place.Items().Find("[Subject] = 'Re: {1}'");
+    ASSERT_TRUE(after);
+    EXPECT_EQ(after.BillingInformation(), each.filedMark ? each.filedMark : each.mark);
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"intTicketID"}).size(), each.filedMark ? 1 : 0);
+    if (each.filedMark) {
+        EXPECT_EQ(questions->indexOf("MailItem.Move()") < questions->indexOf("PostItem.Close()"), each.isScanned);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Roads, ReplyRoads,
+                         testing::Values(ReplyRoad{true, "", "Working..."}, ReplyRoad{true, "Working...", nullptr},
+                                         ReplyRoad{false, "", ""}, ReplyRoad{false, "Working...", "Working..."}));
+
+TEST_F(FolderMonitor, AReplyToNoTicketOfTheScanGetsItsFolderAndNoWorkRow) {
     setSetting("EmailSubFolders", "1");
     deliver({.subject = "Re: {7}"});
     start();
-    const host::MAPIFolder received = tickets().Folders("7").Folders("Received");
-    ASSERT_EQ(subjects(received), QStringList{"Re: {7}"});
-    EXPECT_EQ(received.Items().Item(1).BillingInformation(), "Working...");
+    EXPECT_EQ(subjects(tickets().Folders("7").Folders("Received")), QStringList{"Re: {7}"});
     EXPECT_TRUE(rows("SELECT * FROM tblWork", {"intTicketID"}).isEmpty());
 }
 
