@@ -10,6 +10,7 @@
 #include "outlook/explorer/rootexplorer.h"
 #include "outlook/session.h"
 #include "platform/scripting/shell.h"
+#include "platform/value/filelock.h"
 #include "reference/settings.h"
 #include "support/helpdesk.h"
 
@@ -109,7 +110,10 @@ TEST_F(RunModes, ABystanderRepairsFormsAndEnds) {
     EXPECT_EQ(tickets().Items().Item(1).MessageClass(), "IPM.Post.HelpDesk.Ticket.8");
     EXPECT_EQ(bars().size(), 1);
 
+    auto later = FileLock::join(path("orvelle.lock"));
     monitor.run.quit();
+    EXPECT_FALSE(start().run.alive()) << "a run that came later is still there";
+    later.lock.reset();
     EXPECT_TRUE(start().run.alive()) << "the file is free again";
 }
 
@@ -297,6 +301,19 @@ TEST_F(RunModes, AFirstRunMakesTheDatabaseAndEnds) {
     EXPECT_TRUE(tickets().WebViewOn());
     EXPECT_TRUE(rows("SELECT * FROM tblOtherSettings", {"strPropName"}).contains("ServiceStart"));
     EXPECT_TRUE(start().run.alive()) << "and the next run finds it";
+}
+
+// Also a first run, which makes nothing then.
+TEST_F(RunModes, WithoutATicketFolderTheRunEndsAtOnce) {
+    tickets().WebViewURL("");
+    QFile::remove(path("program/Orvelle.mdb"));
+    auto &copy = newCopy();
+    copy.answers.expectSheet("frmPickFolder", "");
+    copy.answers.expect("Are you sure you want to exit?", window::Yes);
+    copy.run.start();
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(copy.run.exitStatus(), 0);
+    EXPECT_FALSE(QFile::exists(path("program/Orvelle.mdb")));
 }
 
 TEST_F(RunModes, AFirstRunWithoutTheLibraryEnds) {
