@@ -316,14 +316,6 @@ INSTANTIATE_TEST_SUITE_P(Roads, ReplyRoads,
                          testing::Values(ReplyRoad{true, "", "Working..."}, ReplyRoad{true, "Working...", nullptr},
                                          ReplyRoad{false, "", ""}, ReplyRoad{false, "Working...", "Working..."}));
 
-TEST_F(FolderMonitor, AReplyToNoTicketOfTheScanGetsItsFolderAndNoWorkRow) {
-    setSetting("EmailSubFolders", "1");
-    deliver({.subject = "Re: {7}"});
-    start();
-    EXPECT_EQ(subjects(tickets().Folders("7").Folders("Received")), QStringList{"Re: {7}"});
-    EXPECT_TRUE(rows("SELECT * FROM tblWork", {"intTicketID"}).isEmpty());
-}
-
 // ---- the ends of the road
 
 // Each question is a round trip to another process, so their number is what a mail costs beside its commits.
