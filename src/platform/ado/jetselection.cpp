@@ -67,8 +67,10 @@ JetSelection::JetSelection(JetDatabase &database, const QString &statement) : m_
 JetSelection::~JetSelection() { sqlite3_finalize(m_statement); }
 
 std::vector<Column> JetSelection::columns() const {
+    const int count = sqlite3_column_count(m_statement);
     std::vector<Column> result;
-    for (int at = 0; at < sqlite3_column_count(m_statement); ++at)
+    result.reserve(static_cast<std::size_t>(count));
+    for (int at = 0; at < count; ++at)
         result.push_back({QString::fromUtf8(sqlite3_column_name(m_statement, at)),
                           typeOfDeclaration(QString::fromUtf8(sqlite3_column_decltype(m_statement, at)))});
     return result;
