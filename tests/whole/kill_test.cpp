@@ -1,150 +1,102 @@
 // Kills of either process at random moments, each restarted: whatever was cut off, no mail and no attachment is lost,
 // and no mail becomes two tickets.
 //
-// ORVELLE_KILLS gives the number of kills, one mail to each (default 16); ORVELLE_SEED the seed.
+// ORVELLE_KILLS gives the number of kills (default 4), ORVELLE_MAILS that of mails (default 40), ORVELLE_COPIES that of
+// the people who work side by side (default 3), ORVELLE_SEED the seed.
 
-#include "whole/processes.h"
+#include "whole/copies.h"
+#include "whole/mails.h"
 
-#include <QCryptographicHash>
+#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <QThread>
-
-#include <map>
 
 namespace whole {
 namespace {
 
-int numberFrom(const char *variable, int otherwise) {
-    bool given = false;
-    const int number = qEnvironmentVariableIntValue(variable, &given);
-    return given ? number : otherwise;
-}
-
-QString subjectOf(int number) { return QStringLiteral("Report %1").arg(number, 4, 10, QLatin1Char('0')); }
-
-/// As many attachments as the number's rest by 3; each with bytes of its own.
-QByteArray attachmentOf(int number, int index) {
-    return QByteArray("part ") + QByteArray::number(number) + '/' + QByteArray::number(index) +
-           QByteArray(number * 37 % 30000, static_cast<char>('a' + index));
-}
-
-QByteArray mailOf(int number) {
-    QByteArray text =
-        "From: Cal Caller <cal@example.org>\r\nTo: helpdesk@orvelle.example\r\nSubject: " + subjectOf(number).toUtf8() +
-        "\r\nMIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n"
-        "Content-Type: text/plain\r\n\r\nIt is broken.\r\n";
-    for (int index = 0; index < number % 3; ++index) {
-        text += "--b\r\nContent-Type: application/octet-stream\r\nContent-Transfer-Encoding: base64\r\n"
-                "Content-Disposition: attachment; filename=\"file" +
-                QByteArray::number(index) + ".bin\"\r\n\r\n" + attachmentOf(number, index).toBase64() + "\r\n";
-    }
-    return text + "--b--\r\n";
-}
-
-QStringList hashesOf(int number) {
-    QStringList hashes;
-    for (int index = 0; index < number % 3; ++index)
-        hashes += QString::fromLatin1(
-            QCryptographicHash::hash(attachmentOf(number, index), QCryptographicHash::Sha256).toHex());
-    return hashes;
-}
-
-QStringList hashesOf(const QJsonObject &item) {
-    QStringList hashes;
-    for (const QJsonValue attachment : item["attachments"].toArray())
-        hashes += attachment["sha256"].toString();
-    return hashes;
-}
-
-class Kills : public Helpdesk {
+class Kills : public Copies, public testing::WithParamInterface<int> {
   protected:
-    void restart(bool killTheDesk) {
-        if (killTheDesk) {
-            killDesk();
-            // The program notices and ends by itself, in the orderly way.
-            ASSERT_TRUE(waitFor([&] { return orvelle().state() == QProcess::NotRunning; }));
-            startDesk();
-        } else {
-            killOrvelle();
+    const int kills = numberFrom("ORVELLE_KILLS", 4);
+    const int all = numberFrom("ORVELLE_MAILS", 40);
+    const int seed = numberFrom("ORVELLE_SEED", 20240305);
+
+    void killOne(Station &person) {
+        ++m_done;
+        expectSilence(person);
+        if (m_random.bounded(3) > 0) {
+            person.killOrvelle();
+            return;
         }
-        removeFlagItems();
-        startOrvelle();
+        person.killDesk();
+        // The program notices, says so, and ends by itself in the orderly way.
+        ASSERT_TRUE(waitFor([&] { return person.orvelle().state() == QProcess::NotRunning; }));
+        person.startDesk();
     }
 
-    struct Found {
-        QList<QJsonObject> mails;   ///< in the Inbox or in Converted
-        QList<QJsonObject> tickets; ///< with their attachments
-    };
-
-    std::map<QString, Found> look() {
-        std::map<QString, Found> all;
-        for (const QString &folder : {inbox, converted}) {
-            if (!folderExists(folder))
-                continue;
-            for (const QJsonValue item : list(folder)) {
-                QJsonObject mail = item.toObject();
-                mail["folder"] = folder;
-                all[mail["subject"].toString()].mails += mail;
-            }
+    /// Everybody starts on what lies there; some are killed while they convert and begin anew beside the others.
+    void round(int waiting) {
+        // A start and about as long as they have to do.
+        const auto longest = static_cast<quint32>(200 + 25 * waiting);
+        removeFlagItems(intake);
+        for (const auto &person : people())
+            person->startOrvelle();
+        do {
+            QThread::msleep(m_random.bounded(longest));
+            const auto chosen = m_random.bounded(static_cast<quint32>(people().size()));
+            killOne(*people()[chosen]);
+            people()[chosen]->startOrvelle();
+        } while (m_done < kills && m_random.bounded(2) == 0 && !HasFatalFailure());
+        QThread::msleep(m_random.bounded(longest / 2));
+        for (const auto &person : people()) {
+            person->endOrvelle();
+            expectSilence(*person);
         }
-        for (const QJsonValue item : list(ticketFolder))
-            all[item["subject"].toString()].tickets += show(item["entryId"].toString());
-        return all;
     }
+
+    /// A last run from a standing start takes what is still new.
+    void takeTheRest() {
+        removeFlagItems(intake);
+        Station &person = *people().front();
+        person.startOrvelle();
+        ASSERT_TRUE(waitFor(
+            [&] {
+                for (const QJsonValue item : list(intake)) {
+                    if (item["billingInformation"].toString().isEmpty() && item["subject"].toString() != flagSubject)
+                        return false;
+                }
+                return true;
+            },
+            30000 + all * 500));
+        person.endOrvelle();
+        expectSilence(person);
+        for (const auto &each : people())
+            each->endDesk();
+    }
+
+    int m_done = 0;
+    QRandomGenerator m_random{static_cast<quint32>(seed)};
 };
 
-TEST_F(Kills, LoseNothingAndDoubleNothing) {
-    const int kills = numberFrom("ORVELLE_KILLS", 16);
-    const auto seed = static_cast<quint32>(numberFrom("ORVELLE_SEED", 20240305));
-    QRandomGenerator random(seed);
+TEST_P(Kills, LoseNothingAndDoubleNothing) {
     SCOPED_TRACE(seed);
-    startDesk();
-    startOrvelle();
-    for (int number = 0; number < kills; ++number) {
-        deliver({write(subjectOf(number) + ".eml", mailOf(number))});
-        QThread::msleep(random.bounded(150U));
-        restart(random.bounded(2) == 0);
-        if (HasFatalFailure())
-            return;
+    QElapsedTimer timer;
+    timer.start();
+    open(GetParam());
+    while (m_done < kills && !HasFatalFailure()) {
+        const int aboutNow = all * (m_done + 1) / kills;
+        const int more = std::max(1, aboutNow - mails());
+        deliverMails(more);
+        round(more);
     }
-    // A last run from a standing start takes what is still new.
-    endOrvelle();
-    removeFlagItems();
-    startOrvelle();
-    ASSERT_TRUE(waitFor([&] {
-        for (const QJsonValue item : list(inbox)) {
-            if (item["billingInformation"].toString().isEmpty() && item["subject"].toString() != flagSubject)
-                return false;
-        }
-        return true;
-    }));
-    endOrvelle();
-    endDesk();
-
-    auto found = look();
-    int working = 0;
-    for (int number = 0; number < kills; ++number) {
-        const Found &of = found[subjectOf(number)];
-        SCOPED_TRACE(subjectOf(number).toStdString());
-        ASSERT_EQ(of.mails.size(), 1);
-        EXPECT_LE(of.tickets.size(), 1);
-        const QString mark = of.mails[0]["billingInformation"].toString();
-        const bool isWorking = mark == QStringLiteral("Working...");
-        working += isWorking ? 1 : 0;
-        if (!isWorking) {
-            ASSERT_EQ(of.tickets.size(), 1) << "marked " << mark.toStdString();
-            EXPECT_EQ(property(of.tickets[0], "Ticket ID"), mark);
-        }
-        for (const QJsonObject &ticket : of.tickets) {
-            // The item is saved for the first time with all that the mail brought; its number comes with the second.
-            EXPECT_TRUE(isWorking || !property(ticket, "Ticket ID").isEmpty());
-            EXPECT_EQ(hashesOf(ticket), hashesOf(number));
-        }
-    }
-    RecordProperty("kills", kills);
-    RecordProperty("left at Working...", working);
-    std::printf("%d kills, %d mails left at \"Working...\"\n", kills, working);
+    deliverMails(std::max(0, all - mails()));
+    takeTheRest();
+    ASSERT_FALSE(HasFatalFailure());
+    std::printf("%d copies, %d kills, %d mails in %.1f s\n", GetParam(), m_done, mails(),
+                static_cast<double>(timer.elapsed()) / 1000);
+    expectBooks(Killed::Yes, m_done);
 }
+
+INSTANTIATE_TEST_SUITE_P(People, Kills, testing::Values(1, numberFrom("ORVELLE_COPIES", 3)));
 
 } // namespace
 } // namespace whole

@@ -9,22 +9,30 @@
 namespace whole {
 namespace {
 constexpr int patience = 30000;
+/// A command may deliver or list thousands of mails.
+constexpr int commandPatience = 600000;
 const QString programs = QStringLiteral(PROGRAMS "/");
 } // namespace
 
-Helpdesk::Helpdesk() {
-    QDir(m_folder.path()).mkpath(QStringLiteral("program"));
-    QFile::copy(QStringLiteral(HOME_FILES "/OrvelleForm.fdm"), path(QStringLiteral("program/OrvelleForm.fdm")));
-    // A page that starts nothing: the tests start the program themselves.
-    write("program/Orvelle.htm", "<html></html>");
-    command({"folder", "add", ticketFolder, "--home-page", "file:" + path(QStringLiteral("program/Orvelle.htm"))});
-    run(QStringLiteral("OrvelleClientTools.exe"), {});
-    settings({"set", "EmailFolders", inbox});
-    settings({"set", "ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}"});
-    settings({"set", "ConvertedEmailMessage", "Your mail [SUBJECT] is ticket [TICKETID]."});
+Place::Place() { QDir(m_folder.path()).mkpath(QStringLiteral("program")); }
+
+QString Place::write(const QString &name, const QByteArray &bytes) const {
+    QFile file(path(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return file.fileName();
 }
 
-Helpdesk::~Helpdesk() {
+Station::Station(const Place &place, QString user, const QString &profile, const QString &publicFile)
+    : m_user(std::move(user)), m_profile(place.path(profile)), m_programFolder(place.path("program")),
+      m_options({"--user", m_user}) {
+    if (!publicFile.isEmpty())
+        m_options += {"--public", publicFile};
+    command({"folders"});
+    run("OrvelleClientTools.exe", {});
+}
+
+Station::~Station() {
     for (const auto *each : {&m_orvelle, &m_desk}) {
         if (*each && (*each)->state() != QProcess::NotRunning) {
             (*each)->kill();
@@ -33,11 +41,11 @@ Helpdesk::~Helpdesk() {
     }
 }
 
-std::unique_ptr<QProcess> Helpdesk::process(const QString &program, const QStringList &arguments) const {
+std::unique_ptr<QProcess> Station::process(const QString &program, const QStringList &arguments) const {
     auto made = std::make_unique<QProcess>();
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("ORVELLE_PROFILE", path("profile"));
-    environment.insert("ORVELLE_HOME", path("program"));
+    environment.insert("ORVELLE_PROFILE", m_profile);
+    environment.insert("ORVELLE_HOME", m_programFolder);
     environment.insert("ORVELLE_UNATTENDED", "1");
     made->setProcessEnvironment(environment);
     made->setProgram(programs + program);
@@ -45,31 +53,26 @@ std::unique_ptr<QProcess> Helpdesk::process(const QString &program, const QStrin
     return made;
 }
 
-void Helpdesk::run(const QString &program, const QStringList &arguments) {
+QByteArray Station::run(const QString &program, const QStringList &arguments) {
     const auto started = process(program, arguments);
     started->start();
-    ASSERT_TRUE(started->waitForFinished(patience)) << program.toStdString();
-    ASSERT_EQ(started->exitCode(), 0) << program.toStdString() << ' ' << arguments.join(u' ').toStdString() << ": "
-                                      << started->readAllStandardError().toStdString();
-}
-
-QByteArray Helpdesk::command(const QStringList &arguments) {
-    const auto started = process("orvelle-desk", QStringList{"--user", "Alma Tester"} + arguments);
-    started->start();
-    EXPECT_TRUE(started->waitForFinished(patience));
-    EXPECT_EQ(started->exitCode(), 0) << arguments.join(u' ').toStdString() << ": "
+    EXPECT_TRUE(started->waitForFinished(commandPatience)) << program.toStdString();
+    EXPECT_EQ(started->exitCode(), 0) << program.toStdString() << ' ' << arguments.join(u' ').toStdString() << ": "
                                       << started->readAllStandardError().toStdString();
     return started->readAllStandardOutput();
 }
 
-void Helpdesk::startDesk() {
-    m_desk = process("orvelle-desk", {"--user", "Alma Tester", "--open", ticketFolder});
+QByteArray Station::command(const QStringList &arguments) { return run("orvelle-desk", m_options + arguments); }
+
+void Station::startDesk() {
+    m_desk = process("orvelle-desk", m_options + QStringList{"--open", ticketFolder});
     m_desk->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     m_desk->start();
     ASSERT_TRUE(m_desk->waitForReadyRead(patience));
 }
 
-void Helpdesk::startOrvelle(const QStringList &arguments) {
+void Station::startOrvelle(const QStringList &arguments) {
+    m_orvelleErrors.clear();
     m_orvelle = process("orvelle", arguments);
     QObject::connect(m_orvelle.get(), &QProcess::readyReadStandardError,
                      [this] { m_orvelleErrors += QString::fromUtf8(m_orvelle->readAllStandardError()); });
@@ -77,52 +80,62 @@ void Helpdesk::startOrvelle(const QStringList &arguments) {
     ASSERT_TRUE(m_orvelle->waitForStarted(patience));
 }
 
-void Helpdesk::killDesk() {
+void Station::killDesk() {
     m_desk->kill();
     ASSERT_TRUE(m_desk->waitForFinished(patience));
 }
 
-void Helpdesk::killOrvelle() {
+void Station::killOrvelle() {
     m_orvelle->kill();
     ASSERT_TRUE(m_orvelle->waitForFinished(patience));
 }
 
-void Helpdesk::endOrvelle() {
+void Station::endOrvelle() {
     m_orvelle->terminate();
     ASSERT_TRUE(m_orvelle->waitForFinished(patience));
 }
 
-void Helpdesk::endDesk() {
+void Station::endDesk() {
     m_desk->terminate();
     ASSERT_TRUE(m_desk->waitForFinished(patience));
 }
 
-QJsonArray Helpdesk::list(const QString &folder) {
+QJsonArray Station::list(const QString &folder) {
     return QJsonDocument::fromJson(command({"list", folder, "--json"})).array();
 }
 
-QJsonObject Helpdesk::show(const QString &entryId) {
+int Station::count(const QString &folder) {
+    const auto started = process("orvelle-desk", m_options + QStringList{"list", folder, "--count"});
+    started->start();
+    EXPECT_TRUE(started->waitForFinished(commandPatience));
+    return started->exitCode() == 0 ? started->readAllStandardOutput().trimmed().toInt() : 0;
+}
+
+QJsonObject Station::show(const QString &entryId) {
     return QJsonDocument::fromJson(command({"show", entryId, "--json"})).object();
 }
 
-void Helpdesk::settings(const QStringList &arguments) { run(QStringLiteral("ORVELLESETTINGS.exe"), arguments); }
+void Station::settings(const QStringList &arguments) { run("ORVELLESETTINGS.exe", arguments); }
 
-void Helpdesk::deliver(const QStringList &files) { command(QStringList{"deliver"} + files); }
+void Station::deliver(const QStringList &files) { command(QStringList{"deliver"} + files); }
 
-bool Helpdesk::folderExists(const QString &path) { return command({"folders"}).contains(path.toUtf8()); }
+bool Station::folderExists(const QString &path) { return command({"folders"}).contains(path.toUtf8()); }
 
-void Helpdesk::removeFlagItems() {
-    for (const QJsonValue item : list(inbox)) {
+void Station::removeFlagItems(const QString &folder) {
+    for (const QJsonValue item : list(folder)) {
         if (item["subject"].toString() == flagSubject)
             command({"delete", item["entryId"].toString()});
     }
 }
 
-QString Helpdesk::write(const QString &name, const QByteArray &bytes) const {
-    QFile file(path(name));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return file.fileName();
+Helpdesk::Helpdesk() : Station(*this, "Alma Tester", "profile") {
+    QFile::copy(QStringLiteral(HOME_FILES "/OrvelleForm.fdm"), path(QStringLiteral("program/OrvelleForm.fdm")));
+    // A page that starts nothing: the tests start the program themselves.
+    write("program/Orvelle.htm", "<html></html>");
+    command({"folder", "add", ticketFolder, "--home-page", "file:" + path(QStringLiteral("program/Orvelle.htm"))});
+    settings({"set", "EmailFolders", inbox});
+    settings({"set", "ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}"});
+    settings({"set", "ConvertedEmailMessage", "Your mail [SUBJECT] is ticket [TICKETID]."});
 }
 
 bool Helpdesk::waitFor(const std::function<bool()> &condition, int milliseconds) {

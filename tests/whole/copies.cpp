@@ -1,0 +1,159 @@
+#include "whole/copies.h"
+
+#include "whole/mails.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSet>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
+#include <map>
+
+namespace whole {
+namespace {
+
+struct Found {
+    QList<QJsonObject> mails;
+    QList<QJsonObject> tickets;
+};
+
+/// The numbers in `tblTickets`, by the ticket's subject.
+std::map<QString, QStringList> rowsIn(const QString &file) {
+    std::map<QString, QStringList> rows;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "books");
+        database.setDatabaseName(file);
+        EXPECT_TRUE(database.open());
+        QSqlQuery query("SELECT strTicketSubject, strTicketID FROM tblTickets", database);
+        while (query.next())
+            rows[query.value(0).toString()] += query.value(1).toString();
+    }
+    QSqlDatabase::removeDatabase("books");
+    return rows;
+}
+
+/// How often each ticket number was confirmed, from the mails that left.
+std::map<QString, int> confirmationsIn(const QString &profile) {
+    std::map<QString, int> sent;
+    const QDir folder(profile + "/outgoing");
+    for (const QString &name : folder.entryList({"*.eml"}, QDir::Files)) {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        const qsizetype start = text.indexOf(QStringLiteral("Subject: Helpdesk Ticket {"));
+        EXPECT_GE(start, 0) << name.toStdString();
+        const qsizetype open = text.indexOf(u'{', start) + 1;
+        ++sent[text.mid(open, text.indexOf(u'}', open) - open)];
+    }
+    return sent;
+}
+
+} // namespace
+
+void Copies::open(int people) {
+    command({"folder", "add", intake});
+    settings({"set", "EmailFolders", intake});
+    const Place &place = *this;
+    for (int i = 0; i < people; ++i) {
+        m_people.push_back(std::make_unique<Station>(place, QStringLiteral("Person %1").arg(i + 1),
+                                                     QStringLiteral("profile-%1").arg(i + 1),
+                                                     path("profile/public.store")));
+        m_people.back()->startDesk();
+    }
+}
+
+void Copies::deliverMails(int more) {
+    const QString folder = QStringLiteral("mails-%1").arg(m_mails);
+    QDir().mkpath(path(folder));
+    for (const int end = m_mails + more; m_mails < end; ++m_mails)
+        write(folder + u'/' + subjectOf(m_mails) + ".eml", mailOf(m_mails));
+    command({"deliver", "--folder", intake, path(folder)});
+}
+
+int Copies::flagCount() {
+    int flags = 0;
+    for (const QJsonValue item : list(intake))
+        flags += item["subject"].toString() == flagSubject ? 1 : 0;
+    return flags;
+}
+
+void Copies::waitForAll() {
+    constexpr int leastPatience = 30000;
+    constexpr int patienceForOne = 500;
+    ASSERT_TRUE(waitFor([&] { return convertedCount() == m_mails; }, leastPatience + m_mails * patienceForOne))
+        << convertedCount() << " of " << m_mails << " mails were converted";
+}
+
+void Copies::expectSilence(const Station &station) {
+    EXPECT_EQ(station.orvelleErrors().toStdString(), "") << station.profile().toStdString();
+}
+
+void Copies::endAll() {
+    for (const auto &person : m_people) {
+        EXPECT_EQ(person->orvelle().state(), QProcess::Running);
+        person->endOrvelle();
+        EXPECT_EQ(person->orvelle().exitCode(), 0);
+        expectSilence(*person);
+    }
+    for (const auto &person : m_people)
+        person->endDesk();
+}
+
+void Copies::expectBooks(Killed killed, int kills) {
+    // Reading each ticket's attachments takes a process each.
+    constexpr int mostTicketsShown = 60;
+    std::map<QString, Found> found;
+    for (const QString &folder : {intake, intake + QStringLiteral("\\Converted")}) {
+        for (const QJsonValue item : list(folder))
+            found[item["subject"].toString()].mails += item.toObject();
+    }
+    for (const QJsonValue item : list(ticketFolder))
+        found[item["subject"].toString()].tickets += item.toObject();
+    const auto rows = rowsIn(path("program/Orvelle.mdb"));
+    std::map<QString, int> confirmations;
+    for (const auto &person : m_people) {
+        for (const auto &[number, times] : confirmationsIn(person->profile()))
+            confirmations[number] += times;
+    }
+
+    QSet<QString> numbers;
+    int working = 0;
+    for (int mail = 0; mail < m_mails; ++mail) {
+        const QString subject = subjectOf(mail);
+        SCOPED_TRACE(subject.toStdString());
+        const Found &of = found[subject];
+        ASSERT_EQ(of.mails.size(), 1);
+        ASSERT_LE(of.tickets.size(), 1);
+        const QString mark = of.mails[0]["billingInformation"].toString();
+        const bool isWorking = killed == Killed::Yes && mark == QStringLiteral("Working...");
+        working += isWorking ? 1 : 0;
+        const QStringList ofRows = rows.contains(subject) ? rows.at(subject) : QStringList();
+        EXPECT_LE(ofRows.size(), 1);
+        for (const QString &number : ofRows) {
+            EXPECT_FALSE(numbers.contains(number)) << number.toStdString();
+            numbers += number;
+            EXPECT_LE(confirmations[number], 1);
+        }
+        if (!isWorking) {
+            ASSERT_EQ(of.tickets.size(), 1) << "marked " << mark.toStdString();
+            EXPECT_EQ(property(of.tickets[0], "Ticket ID"), mark);
+            EXPECT_EQ(ofRows, QStringList{mark});
+            EXPECT_TRUE(killed == Killed::Yes || confirmations[mark] == 1) << confirmations[mark];
+        }
+        for (const QJsonObject &ticket : of.tickets) {
+            // The item is saved for the first time with all that the mail brought; its number comes with the second.
+            const QString number = property(ticket, "Ticket ID");
+            EXPECT_TRUE(number.isEmpty() ? isWorking : ofRows.contains(number)) << number.toStdString();
+            EXPECT_EQ(ticket["attachments"].toInt(), attachmentsOf(mail));
+            if (mail % (1 + m_mails / mostTicketsShown) == 0) {
+                EXPECT_EQ(hashesOf(show(ticket["entryId"].toString())), hashesOf(mail));
+            }
+        }
+    }
+    EXPECT_LE(working, kills);
+    if (killed == Killed::Yes)
+        std::printf("%d mails left at \"Working...\"\n", working);
+}
+
+} // namespace whole
