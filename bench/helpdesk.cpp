@@ -1,0 +1,212 @@
+#include "helpdesk.h"
+
+#include "core/process.h"
+#include "core/runtime.h"
+#include "database/connection.h"
+#include "database/creation.h"
+#include "desk/objects/itemmessage.h"
+#include "desk/objects/session.h"
+#include "platform/registry/registry.h"
+#include "platform/safeobjects/safeobjects.h"
+#include "platform/scripting/components.h"
+#include "platform/scripting/path.h"
+#include "reference/settings.h"
+
+#include <sqlite3.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+
+#include <cstdio>
+
+using Seconds = std::chrono::duration<double>;
+
+int numberFrom(const char *variable, int otherwise) {
+    const int given = qEnvironmentVariableIntValue(variable);
+    return given > 0 ? given : otherwise;
+}
+
+Situation::Situation() : m_folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/intake-XXXXXX")) {
+    QDir(m_folder.path()).mkpath(QStringLiteral("program"));
+    QFile::copy(QStringLiteral(ORVELLE_HOME_FILES "/OrvelleForm.fdm"), path("program/OrvelleForm.fdm"));
+    desk::DeskOptions options;
+    options.profile = path("profile");
+    options.user = QStringLiteral("Alma Tester");
+    m_desk = std::make_unique<desk::Desk>(options);
+    const host::Application application(m_desk->application());
+    const host::NameSpace mapi = application.GetNamespace("MAPI");
+    m_tickets = mapi.Folders("Public Folders").Folders().Add("Helpdesk", 6);
+    m_tickets.WebViewURL("file:" + scripting::pathText(path("program/Orvelle.htm")));
+    m_intake = mapi.GetDefaultFolder(6);
+    application.Explorers().Add(m_tickets, 0).Display();
+    makeDatabase();
+    for (const char *file : {"profile/mailbox.store", "profile/public.store", "program/Orvelle.mdb"})
+        m_logs.emplace_back(path(file));
+}
+
+QString Situation::programFolder() const { return scripting::pathText(path("program")); }
+
+qint32 Situation::converted() const {
+    // The first mail's road makes the folder.
+    return AttemptOr([&] { return m_intake.Folders("Converted").Items().Count(); }, 0);
+}
+
+MailWork Situation::work() {
+    MailWork done;
+    for (std::size_t file = 0; file < done.size(); ++file)
+        done[file] = m_logs[file].commits();
+    return done;
+}
+
+void Situation::makeDatabase() const {
+    ProgramCopy copy;
+    const ProgramCopy::Scope scope(copy);
+    strProgramFolderOverride = programFolder();
+    registry::fileOverride = path("profile/registry.ini");
+    for (const QString &progId : safeobjects::progIds())
+        scripting::Components::setInstalled(progId, true);
+    strDBPath = programFolder() + "\\";
+    strDBFileName = "Orvelle.mdb";
+    LoadLanguages(1);
+    subCreateSettings();
+    fncCreateAccessDB(strDBPath + strDBFileName);
+    objSettings->EmailFolders->FromString("\\\\Mailbox - Alma Tester\\Inbox");
+    objSettings->OtherSettings->SetValue("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
+    objSettings->OtherSettings->SetValue("ConvertedEmailMessage", "Your mail is ticket [TICKETID].");
+    objSettings->SaveSettings();
+    subCloseConnection();
+    copy.clear();
+}
+
+void Feeder::put(const QByteArray &message) {
+    const desk::IncomingItem item = desk::incomingItem(message);
+    m_store.insert(m_store.specialFolder(desk::SpecialFolder::Inbox)->id, item.fields, item.parts);
+}
+
+OtherProcess::OtherProcess(Situation &situation) {
+    situation.desk().listen();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("ORVELLE_PROFILE", situation.path("profile"));
+    environment.insert("ORVELLE_HOME", situation.path("program"));
+    environment.insert("ORVELLE_UNATTENDED", "1");
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+    m_process.start(QCoreApplication::applicationDirPath() + "/orvelle");
+    QElapsedTimer waited;
+    waited.start();
+    while (!situation.watched()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
+        if (waited.elapsed() > 20000)
+            return;
+    }
+    m_isWatching = true;
+    // The program is in its event loop again a moment after the flag item came.
+    waited.restart();
+    while (waited.elapsed() < 300)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+OtherProcess::~OtherProcess() {
+    m_process.terminate();
+    QElapsedTimer waited;
+    waited.start();
+    while (m_process.state() != QProcess::NotRunning && waited.elapsed() < 5000)
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+Result convert(Situation &situation, int count, const std::function<void(int)> &put) {
+    Result result;
+    Seconds total{};
+    static_cast<void>(situation.work());
+    const qint32 before = situation.converted();
+    for (int i = 0; i < count; ++i) {
+        put(i);
+        static_cast<void>(situation.work());
+        QElapsedTimer timer;
+        timer.start();
+        situation.desk().lookAround();
+        total += std::chrono::nanoseconds(timer.nsecsElapsed());
+        result.work.push_back(situation.work());
+    }
+    if (const qint32 done = situation.converted() - before; done != count) {
+        std::fprintf(stderr, "Only %d of %d mails were converted.\n", done, count);
+        std::exit(1);
+    }
+    result.secondsPerMail = total.count() / count;
+    return result;
+}
+
+void report(benchmark::State &state, const Result &result) {
+    std::size_t commits = 0;
+    double pages = 0;
+    for (const MailWork &mail : result.work) {
+        for (const std::vector<int> &file : mail) {
+            commits += file.size();
+            for (const int size : file)
+                pages += size;
+        }
+    }
+    const auto count = static_cast<double>(result.work.size());
+    state.counters["mails/s"] = 1 / result.secondsPerMail;
+    state.counters["commits/mail"] = static_cast<double>(commits) / count;
+    state.counters["kB/mail"] = pages * 4096 / 1000 / count;
+}
+
+namespace {
+/// A file with one table, and nothing but commits of so many pages each.
+class BareFile {
+  public:
+    explicit BareFile(const QString &path) {
+        sqlite3_open(path.toUtf8().constData(), &m_database);
+        sqlite3_exec(
+            m_database,
+            "PRAGMA journal_mode=WAL; PRAGMA synchronous=FULL; CREATE TABLE t(id INTEGER PRIMARY KEY, d BLOB);",
+            nullptr, nullptr, nullptr);
+        sqlite3_prepare_v2(m_database, "INSERT INTO t(d) VALUES(zeroblob(?))", -1, &m_insert, nullptr);
+    }
+    ~BareFile() {
+        sqlite3_finalize(m_insert);
+        sqlite3_close(m_database);
+    }
+    BareFile(const BareFile &) = delete;
+    BareFile &operator=(const BareFile &) = delete;
+
+    void commit(int pages) {
+        // A row goes to one leaf page; what is beyond it to overflow pages of 4092 bytes each.
+        constexpr int overflowPage = 4092;
+        sqlite3_bind_int(m_insert, 1, pages > 1 ? (pages - 1) * overflowPage : 100);
+        if (sqlite3_step(m_insert) != SQLITE_DONE)
+            std::abort();
+        sqlite3_reset(m_insert);
+    }
+
+  private:
+    sqlite3 *m_database = nullptr;
+    sqlite3_stmt *m_insert = nullptr;
+};
+
+} // namespace
+
+double floorOf(const std::vector<MailWork> &work) {
+    const QTemporaryDir folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/floor-XXXXXX"));
+    std::array<BareFile, 3> files{BareFile(folder.filePath("1")), BareFile(folder.filePath("2")),
+                                  BareFile(folder.filePath("3"))};
+    QElapsedTimer timer;
+    timer.start();
+    for (const MailWork &mail : work) {
+        for (std::size_t file = 0; file < files.size(); ++file) {
+            for (const int pages : mail[file])
+                files[file].commit(pages);
+        }
+    }
+    return static_cast<double>(timer.nsecsElapsed()) / 1e9 / static_cast<double>(work.size());
+}
+
+void printBesideFloor(const char *name, const Result &result) {
+    if (result.work.empty())
+        return;
+    const double bare = floorOf(result.work);
+    std::printf("%-14s %6.0f mails/s, floor %6.0f mails/s, ratio %.2f\n", name, 1 / result.secondsPerMail, 1 / bare,
+                result.secondsPerMail / bare);
+}
