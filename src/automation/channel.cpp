@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <list>
 #include <sys/socket.h>
 
 namespace automation {
@@ -104,12 +105,34 @@ Frame Channel::request(Frame frame) {
     frame.call = pending.call;
     wire::encode(m_out, frame, *this);
     send();
+    return outcome(pending);
+}
+
+Frame Channel::outcome(Pending &pending) {
     Hub::ofThisThread().await(*this, pending);
     if (pending.failure)
         throw Failure(*pending.failure);
     if (pending.answer->kind == FrameKind::Refusal)
         throw Failure(pending.answer->number, pending.answer->text);
     return std::move(*pending.answer);
+}
+
+std::vector<std::optional<Frame>> Channel::requestAll(std::vector<Frame> frames) {
+    std::vector<std::optional<Frame>> answers;
+    if (!isOpen())
+        return answers;
+    std::list<Waiting> waiting;
+    for (Frame &frame : frames) {
+        frame.call = waiting.emplace_back(*this).pending.call;
+        wire::encode(m_out, frame, *this);
+    }
+    send();
+    for (Waiting &question : waiting) {
+        std::optional<Frame> answer;
+        Attempt([&] { answer = outcome(question.pending); });
+        answers.push_back(std::move(answer));
+    }
+    return answers;
 }
 
 void Channel::post(const Frame &frame) {

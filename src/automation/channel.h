@@ -49,6 +49,8 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
     /// Sends a request and waits for the answer, serving what comes in meanwhile. Fails as the request did, or with the
     /// connection's failure.
     wire::Frame request(wire::Frame frame);
+    /// The same for several requests that cross together; nothing stands for one that was refused.
+    std::vector<std::optional<wire::Frame>> requestAll(std::vector<wire::Frame> frames);
     /// Sends a frame that needs no answer; nothing happens when the connection has ended.
     void post(const wire::Frame &frame);
     /// Puts a frame that needs no answer before the next one that is sent.
@@ -77,6 +79,8 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
 
   private:
     class Waiting;
+    /// What the answer to a request that was sent brought.
+    wire::Frame outcome(Pending &pending);
     /// What lies at the front of the bytes that came in.
     enum class Front { Incomplete, Whole, Malformed };
 

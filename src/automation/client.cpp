@@ -1,6 +1,10 @@
 #include "automation/channel.h"
 #include "automation/remote.h"
 
+#include <QScopeGuard>
+
+#include <chrono>
+
 namespace automation {
 
 using wire::Frame;
@@ -10,6 +14,30 @@ using wire::Handle;
 namespace {
 
 class ClientConnection;
+
+/// What is known of an object without asking, all of it from one moment. It stands until anything but a property is
+/// asked for or the peer raises an event, since either may change it, and in no case for longer than the same answers
+/// could have been on their way.
+class Knowledge {
+  public:
+    void keep(quint64 moment, std::vector<KnownValue> values);
+    void keep(quint64 moment, Question question, Value answer);
+    [[nodiscard]] std::optional<Value> value(quint64 moment, const QString &member) const;
+    [[nodiscard]] std::optional<Value> answer(quint64 moment, const QString &member, const ValueList &arguments) const;
+    /// Lets go of the answers, and of the objects that are among them.
+    void forgetAnswers() { m_answers.clear(); }
+
+  private:
+    static constexpr std::chrono::milliseconds longest{20};
+
+    void startAt(quint64 moment);
+    [[nodiscard]] bool standsAt(quint64 moment) const;
+
+    quint64 m_moment = 0;
+    std::chrono::steady_clock::time_point m_since;
+    std::vector<KnownValue> m_values;
+    std::vector<std::pair<Question, Value>> m_answers;
+};
 
 /// A handle to one object of the host. The connection knows it while it lives, so that the same object is met as the
 /// same handle.
@@ -24,10 +52,12 @@ class RemoteObject final : public Object, public std::enable_shared_from_this<Re
     void put(const QString &member, const Value &value) override;
     Value call(const QString &member, const ValueList &arguments) override;
     [[nodiscard]] SubscriptionPtr connect(const QString &event, EventHandler handler) override;
+    void ahead(const std::vector<Question> &questions) override;
 
     [[nodiscard]] const std::shared_ptr<ClientConnection> &connection() const { return m_connection; }
     [[nodiscard]] Handle handle() const { return m_handle; }
     void countReceived() { ++m_received; }
+    [[nodiscard]] Knowledge &knowledge() { return m_knowledge; }
 
   private:
     Value ask(FrameKind kind, const QString &member, const ValueList &values);
@@ -36,6 +66,7 @@ class RemoteObject final : public Object, public std::enable_shared_from_this<Re
     Handle m_handle;
     QString m_typeName;
     qint32 m_received = 0;
+    Knowledge m_knowledge;
 };
 
 class ClientConnection final : public Channel {
@@ -46,6 +77,10 @@ class ClientConnection final : public Channel {
     ObjectPtr greet();
     /// A request, with the handles that were released since the last one before it.
     Frame ask(Frame frame);
+    /// Several calls of one object at once.
+    void askAhead(RemoteObject &object, const std::vector<Question> &questions);
+    /// Moves on when something happens that may change what is known.
+    [[nodiscard]] quint64 moment() const { return m_moment; }
     void release(Handle handle, qint32 received);
     SubscriptionPtr subscribe(Handle handle, const QString &event, EventHandler handler);
     void leave();
@@ -63,6 +98,8 @@ class ClientConnection final : public Channel {
     /// Released handles cross with the next request, from the event loop, or when there are so many of them.
     static constexpr qsizetype batch = 256;
 
+    void learn(std::vector<wire::Along> along) const;
+    void moveOn();
     void enqueueReleases();
     void sendReleases();
 
@@ -72,6 +109,9 @@ class ClientConnection final : public Channel {
     bool m_releasesArePosted = false;
     QHash<quint32, std::shared_ptr<EventHandler>> m_handlers;
     quint32 m_lastSubscription = 0;
+    quint64 m_moment = 1;
+    /// The one that has answers.
+    std::weak_ptr<RemoteObject> m_askedAhead;
 };
 
 class ClientConnection::RemoteSubscription : public Subscription {
@@ -99,7 +139,55 @@ ObjectPtr ClientConnection::greet() {
 
 Frame ClientConnection::ask(Frame frame) {
     enqueueReleases();
-    return request(std::move(frame));
+    if (frame.kind != FrameKind::Get)
+        moveOn();
+    const quint64 asked = m_moment;
+    Frame answer = request(std::move(frame));
+    // A handler that ran meanwhile may have changed what the answer tells of.
+    if (asked == m_moment)
+        learn(std::move(answer.along));
+    return answer;
+}
+
+void ClientConnection::askAhead(RemoteObject &object, const std::vector<Question> &questions) {
+    enqueueReleases();
+    std::vector<Frame> frames;
+    frames.reserve(questions.size());
+    for (const Question &question : questions)
+        frames.push_back({.kind = FrameKind::Call,
+                          .target = object.handle(),
+                          .text = question.member,
+                          .values = question.arguments});
+    moveOn();
+    const quint64 asked = m_moment;
+    std::vector<std::optional<Frame>> answers = requestAll(std::move(frames));
+    if (asked != m_moment)
+        return;
+    m_askedAhead = object.weak_from_this();
+    // The answers must not keep objects of the host for a program that does something else now.
+    Hub::ofThisThread().later([self = weak_from_this(), asked] {
+        const std::shared_ptr<Channel> channel = self.lock();
+        if (channel && static_cast<ClientConnection &>(*channel).m_moment == asked)
+            static_cast<ClientConnection &>(*channel).moveOn();
+    });
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+        if (!answers[i])
+            continue;
+        learn(std::move(answers[i]->along));
+        object.knowledge().keep(asked, questions[i], answers[i]->values.value(0));
+    }
+}
+
+void ClientConnection::moveOn() {
+    ++m_moment;
+    if (const std::shared_ptr<RemoteObject> object = m_askedAhead.lock())
+        object->knowledge().forgetAnswers();
+    m_askedAhead.reset();
+}
+
+void ClientConnection::learn(std::vector<wire::Along> along) const {
+    for (wire::Along &told : along)
+        static_cast<RemoteObject &>(*told.object).knowledge().keep(m_moment, std::move(told.values));
 }
 
 void ClientConnection::release(Handle handle, qint32 received) {
@@ -173,6 +261,9 @@ ValueList ClientConnection::carryOut(const Frame &frame) {
     if (!handler)
         return {};
     ValueList arguments = frame.values;
+    moveOn();
+    const auto later = qScopeGuard([this] { moveOn(); });
+    learn(frame.along);
     // As among the host's own subscribers, a failure ends here and what was changed before it counts.
     Attempt([&] { (*handler)(arguments); });
     ValueList changes;
@@ -183,6 +274,7 @@ ValueList ClientConnection::carryOut(const Frame &frame) {
 }
 
 void ClientConnection::ended(bool byPeer) {
+    moveOn();
     m_releases.clear();
     const auto handlers = std::exchange(m_handlers, {});
     if (byPeer) {
@@ -196,6 +288,49 @@ void ClientConnection::ended(bool byPeer) {
     }
 }
 
+void Knowledge::startAt(quint64 moment) {
+    if (!standsAt(moment)) {
+        m_values.clear();
+        m_answers.clear();
+    }
+    m_moment = moment;
+    m_since = std::chrono::steady_clock::now();
+}
+
+void Knowledge::keep(quint64 moment, std::vector<KnownValue> values) {
+    startAt(moment);
+    m_values = std::move(values);
+}
+
+void Knowledge::keep(quint64 moment, Question question, Value answer) {
+    startAt(moment);
+    m_answers.emplace_back(std::move(question), std::move(answer));
+}
+
+bool Knowledge::standsAt(quint64 moment) const {
+    return m_moment == moment && std::chrono::steady_clock::now() - m_since <= longest;
+}
+
+std::optional<Value> Knowledge::value(quint64 moment, const QString &member) const {
+    if (m_values.empty() || !standsAt(moment))
+        return std::nullopt;
+    for (const KnownValue &known : m_values) {
+        if (known.member.compare(member, Qt::CaseInsensitive) == 0)
+            return known.value;
+    }
+    return std::nullopt;
+}
+
+std::optional<Value> Knowledge::answer(quint64 moment, const QString &member, const ValueList &arguments) const {
+    if (m_answers.empty() || !standsAt(moment))
+        return std::nullopt;
+    for (const auto &[question, answer] : m_answers) {
+        if (question.member.compare(member, Qt::CaseInsensitive) == 0 && question.arguments == arguments)
+            return answer;
+    }
+    return std::nullopt;
+}
+
 RemoteObject::~RemoteObject() { m_connection->release(m_handle, m_received); }
 
 Value RemoteObject::ask(FrameKind kind, const QString &member, const ValueList &values) {
@@ -204,12 +339,24 @@ Value RemoteObject::ask(FrameKind kind, const QString &member, const ValueList &
     return answer.values.isEmpty() ? Value() : answer.values.takeFirst();
 }
 
-Value RemoteObject::get(const QString &member) { return ask(FrameKind::Get, member, {}); }
+Value RemoteObject::get(const QString &member) {
+    const quint64 moment = m_connection->moment();
+    std::optional<Value> known = m_knowledge.value(moment, member);
+    if (!known)
+        known = m_knowledge.answer(moment, member, {});
+    return known ? std::move(*known) : ask(FrameKind::Get, member, {});
+}
 
 void RemoteObject::put(const QString &member, const Value &value) { ask(FrameKind::Put, member, {value}); }
 
 Value RemoteObject::call(const QString &member, const ValueList &arguments) {
-    return ask(FrameKind::Call, member, arguments);
+    std::optional<Value> known = m_knowledge.answer(m_connection->moment(), member, arguments);
+    return known ? std::move(*known) : ask(FrameKind::Call, member, arguments);
+}
+
+void RemoteObject::ahead(const std::vector<Question> &questions) {
+    const std::shared_ptr<RemoteObject> alive = shared_from_this();
+    m_connection->askAhead(*this, questions);
 }
 
 SubscriptionPtr RemoteObject::connect(const QString &event, EventHandler handler) {

@@ -88,6 +88,19 @@ Value LocalObject::call(const QString &member, const ValueList &arguments) {
     throw Failure(failures::wrongNumberOfArguments);
 }
 
+std::vector<KnownValue> LocalObject::sentAlong() {
+    std::vector<KnownValue> values;
+    for (const auto &[name, property] : members().sentAlong()) {
+        const std::optional<Failure> failure = Attempt([&] {
+            values.push_back({name, readProperty(m_exposed, property)});
+        });
+        // What can't be told now is asked for, and fails then.
+        if (!failure && values.back().value.isObject())
+            values.pop_back();
+    }
+    return values;
+}
+
 SubscriptionPtr LocalObject::connect(const QString &event, EventHandler handler) {
     const MemberTable::Member *found = members().find(event);
     if (!found || !found->event)

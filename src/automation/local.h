@@ -7,6 +7,7 @@
 /// - each signal as an event, whose `bool *` parameters are by reference; a signal `CloseEvent` is the event `Close`,
 /// for
 ///   events that have the name of another member.
+/// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object.
 /// Names match without regard to case. Types that cross: `Value`, `QString`, `bool`, `qint16`, `int`, `double`,
 /// `Currency`, `DateTime`; objects travel as a `Value`. A property, function or signal with any other type stays
 /// internal to the host, as do slots and everything that `QObject` itself declares.
@@ -37,6 +38,7 @@ class LocalObject final : public Object {
     void put(const QString &member, const Value &value) override;
     Value call(const QString &member, const ValueList &arguments) override;
     [[nodiscard]] SubscriptionPtr connect(const QString &event, EventHandler handler) override;
+    [[nodiscard]] std::vector<KnownValue> sentAlong() override;
 
     [[nodiscard]] Exposed &exposed() const { return m_exposed; }
 

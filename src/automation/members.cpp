@@ -187,6 +187,7 @@ MemberTable::MemberTable(const QMetaObject &metaObject)
     : m_className(QString::fromLatin1(metaObject.className()).section(QStringLiteral("::"), -1)) {
     addProperties(metaObject);
     addMethods(metaObject);
+    addSentAlong(metaObject);
 }
 
 void MemberTable::addProperties(const QMetaObject &metaObject) {
@@ -219,6 +220,17 @@ void MemberTable::addMethods(const QMetaObject &metaObject) {
                           [&](const Function &other) { return other.parameters.size() == parameters->size(); });
             functions.push_back({i, *result, std::move(*parameters)});
         }
+    }
+}
+
+void MemberTable::addSentAlong(const QMetaObject &metaObject) {
+    const int index = metaObject.indexOfClassInfo("SentAlong");
+    if (index < 0)
+        return;
+    for (const QString &name : QString::fromLatin1(metaObject.classInfo(index).value()).split(u' ')) {
+        const Member *member = find(name);
+        Q_ASSERT(member && member->property);
+        m_sentAlong.emplace_back(name, *member->property);
     }
 }
 

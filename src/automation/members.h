@@ -61,11 +61,14 @@ class MemberTable {
     static const MemberTable &of(const QMetaObject &metaObject);
 
     [[nodiscard]] const Member *find(const QString &name) const;
+    /// The properties that are told with a reference, by name.
+    [[nodiscard]] const std::vector<std::pair<QString, Property>> &sentAlong() const { return m_sentAlong; }
     [[nodiscard]] const QString &className() const { return m_className; }
 
   private:
     explicit MemberTable(const QMetaObject &metaObject);
     void addProperties(const QMetaObject &metaObject);
+    void addSentAlong(const QMetaObject &metaObject);
     void addMethods(const QMetaObject &metaObject);
 
     struct Hash {
@@ -77,6 +80,7 @@ class MemberTable {
         }
     };
     std::unordered_map<QString, Member, Hash, Equal> m_members;
+    std::vector<std::pair<QString, Property>> m_sentAlong;
     QString m_className;
 };
 

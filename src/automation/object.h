@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace automation {
 
@@ -25,6 +26,18 @@ class Subscription {
     Subscription &operator=(const Subscription &) = delete;
 };
 using SubscriptionPtr = std::unique_ptr<Subscription>;
+
+/// A member and what it had as its value.
+struct KnownValue {
+    QString member;
+    Value value;
+};
+
+/// A call with its arguments, or a property.
+struct Question {
+    QString member;
+    ValueList arguments;
+};
 
 /// One object of a host, seen through its members.
 class Object {
@@ -46,6 +59,15 @@ class Object {
     /// Calls a member with arguments (trailing ones may be left out, inner ones be Missing) and gives its result, Empty
     /// where it has none. A member that is a property and takes no arguments is read.
     virtual Value call(const QString &member, const ValueList &arguments) = 0;
+
+    /// What is worth telling with a reference to the object, since who takes it asks for it next. Never an object, and
+    /// nothing that takes time to find out.
+    [[nodiscard]] virtual std::vector<KnownValue> sentAlong() { return {}; }
+
+    /// Says which questions come next, none of which may change anything. Where each would have to cross to another
+    /// process, they cross together and the answers wait here; anywhere else it does nothing. It can't fail: what did
+    /// is asked again when its turn comes.
+    virtual void ahead(const std::vector<Question> &) {}
 
     /// Connects a handler to an event. Handlers run synchronously, in the order of their connection, while the raiser
     /// waits; a handler may use any object, the raising one included. A `Failure` that leaves a handler is dropped.

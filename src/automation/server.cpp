@@ -65,7 +65,7 @@ wire::ObjectTable::Reference ServerConnection::give(const ObjectPtr &object) {
         m_held.insert(handle, {object, 0});
     }
     ++m_held[handle].given;
-    return {handle, object->typeName()};
+    return {handle, object->typeName(), object->sentAlong()};
 }
 
 ObjectPtr ServerConnection::take(const Reference &reference) { return m_held.value(reference.handle).object; }

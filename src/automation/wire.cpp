@@ -25,6 +25,9 @@ enum class Tag : quint8 {
 /// Kind, call, target, number, the text's and the values' count.
 constexpr quint32 smallestBody = 1 + 5 * 4;
 
+/// More than any reference tells.
+constexpr quint32 mostAlong = 64;
+
 class Writer {
   public:
     Writer(std::vector<char> &bytes, ObjectTable &objects) : m_bytes(bytes), m_objects(objects) {}
@@ -69,6 +72,11 @@ class Writer {
         const ObjectTable::Reference reference = m_objects.give(held);
         tagged(Tag::Object, reference.handle);
         text(reference.typeName);
+        number(static_cast<quint32>(reference.along.size()));
+        for (const KnownValue &known : reference.along) {
+            text(known.member);
+            value(known.value);
+        }
     }
     template <class Number>
     void tagged(Tag tag, Number held) {
@@ -153,6 +161,7 @@ class Reader {
     [[nodiscard]] bool isWhole() const { return m_whole; }
     [[nodiscard]] bool atEnd() const { return m_rest.empty(); }
     [[nodiscard]] bool metStaleObject() const { return m_staleObject; }
+    [[nodiscard]] std::vector<Along> takeAlong() { return std::exchange(m_along, {}); }
 
   private:
     const char *raw(std::size_t size) {
@@ -166,19 +175,40 @@ class Reader {
     }
 
     Value object() {
-        ObjectTable::Reference reference{number<Handle>(), {}};
-        reference.typeName = text();
+        ObjectTable::Reference reference{number<Handle>(), text()};
+        reference.along = known();
         if (!m_whole)
             return {};
         ObjectPtr object = m_objects.take(reference);
         m_staleObject |= object == nullptr;
+        if (object && !reference.along.empty())
+            m_along.push_back({object, std::move(reference.along)});
         return object;
+    }
+
+    std::vector<KnownValue> known() {
+        const auto count = number<quint32>();
+        if (count > mostAlong || m_isAlong) {
+            m_whole = m_whole && count == 0;
+            return {};
+        }
+        m_isAlong = true;
+        std::vector<KnownValue> values;
+        for (quint32 i = 0; i < count && m_whole; ++i) {
+            QString member = text();
+            values.push_back({std::move(member), value()});
+            m_whole = m_whole && !values.back().value.isObject();
+        }
+        m_isAlong = false;
+        return values;
     }
 
     std::span<const char> m_rest;
     ObjectTable &m_objects;
+    std::vector<Along> m_along;
     bool m_whole = true;
     bool m_staleObject = false;
+    bool m_isAlong = false;
 };
 
 bool isKnown(FrameKind kind) { return kind >= FrameKind::Hello && kind <= FrameKind::Refusal; }
@@ -228,6 +258,7 @@ std::optional<Frame> decode(std::span<const char> body, ObjectTable &objects) {
     frame.number = reader.number<qint32>();
     frame.text = reader.text();
     frame.values = reader.values();
+    frame.along = reader.takeAlong();
     frame.staleObject = reader.metStaleObject();
     if (!reader.isWhole() || !reader.atEnd() || !isKnown(frame.kind))
         return std::nullopt;

@@ -2,18 +2,19 @@
 ///
 /// A frame is its length in bytes (32 bits, without itself) and a body. All bodies have one layout: kind (8 bits),
 /// call, target and number (32 bits each), a text, a count (32 bits) and so many values. A text is a count of UTF-16
-/// units and the units; a value is a tag and what the tag calls for. Both ends run on one machine, so numbers are in
-/// its own order.
+/// units and the units; a value is a tag and what the tag calls for. A reference to an object is its handle, the name
+/// of its type, a count (32 bits) and so many members with their values, none of them an object. Both ends run on one
+/// machine, so numbers are in its own order.
 #pragma once
 
-#include "platform/value/value.h"
+#include "automation/object.h"
 
 #include <span>
 
 namespace automation::wire {
 
 /// Changes whenever the layout or the meaning of a frame does; the two ends must agree.
-constexpr qint32 protocolVersion = 1;
+constexpr qint32 protocolVersion = 2;
 
 /// The largest body. A longer frame ends the connection.
 constexpr quint32 largestBody = 64U << 20U;
@@ -40,6 +41,12 @@ enum class FrameKind : quint8 {
     Refusal = 12,   ///< call: what it answers, number and text: the failure
 };
 
+/// What came along with a reference.
+struct Along {
+    ObjectPtr object;
+    std::vector<KnownValue> values;
+};
+
 struct Frame {
     FrameKind kind{};
     quint32 call = 0;
@@ -47,6 +54,8 @@ struct Frame {
     qint32 number = 0;
     QString text = {};
     ValueList values = {};
+    /// Of a frame that came in: what its references told of their objects.
+    std::vector<Along> along = {};
     /// An argument named a handle that is no longer held; Nothing stands in its place.
     bool staleObject = false;
 };
@@ -58,6 +67,7 @@ class ObjectTable {
     struct Reference {
         Handle handle;
         QString typeName;
+        std::vector<KnownValue> along = {};
     };
     /// The reference that stands for an object, which counts as given out once more. Fails with 13 for an object that
     /// can't cross.

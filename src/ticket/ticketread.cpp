@@ -55,6 +55,12 @@ void readCaller(cTicket &objTicket, const host::UserProperties &oups) {
     objTicket.Caller->Category = textOf(oups, "Caller category");
 }
 
+/// The properties that `readSteps` looks for, and the first piece of the work log.
+const QStringList readNames = {"Responsible",    "WorkDescriptionsCount", "WorkDescriptions0", "Problem Type",
+                               "Date due",       "Custom Status",         "Ticket ID",         "Created at",
+                               "Caller name",    "Caller email",          "Caller comment",    "Caller phone",
+                               "Caller category"};
+
 using ReadSteps = std::vector<std::function<void()>>;
 
 /// Everything that is read once the item is known to be saved.
@@ -63,9 +69,13 @@ using ReadSteps = std::vector<std::function<void()>>;
 /// the item has gone in between, the record is not whole.
 ReadSteps readSteps(cTicket &objTicket, const host::Item &ouiTicket, host::UserProperties &oups) {
     return {
+        [&] {
+            ouiTicket.readAhead({"Body", "HTMLBody"});
+        },
         [&] { readBody(objTicket, ouiTicket); },
         [&] { objTicket.Closed = false; },
         [&] { oups = ouiTicket.UserProperties(); },
+        [&] { oups.findAhead(readNames); },
         [&] { objTicket.Responsible = responsibleOf(textOf(oups, "Responsible")); },
         [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(oups, "WorkDescriptions")); },
         [&] { objTicket.Rate = costOf(*objTicket.Responsible, *objTicket.WorkDescs); },
@@ -109,6 +119,7 @@ void tellReadFailure(const Failure &failure) {
 } // namespace
 
 bool cTicket::ReadFromOutlook(const host::Item &ouiTicket) try {
+    ouiTicket.readAhead({"Subject", "Importance", "Saved"});
     const QString strSubject = ouiTicket.Subject();
     subTrace("Reading Outlook values from ticket with subject line: " + strSubject);
     if (!fncSetupSafeUtils())

@@ -2,6 +2,7 @@
 
 #include "automation/sample.h"
 #include "automation/support.h"
+#include "platform/value/convert.h"
 
 using namespace automation;
 
@@ -298,6 +299,48 @@ TEST_P(Contract, AnObjectIsDroppedByAHandlerOfItsOwnEvent) {
     only.put("Name", "after");
     EXPECT_EQ(noted, QStringList{"after"});
     EXPECT_TRUE(eventually([&] { return root->get("LivingChildren") == Value(0); }));
+}
+
+TEST_P(Contract, WhatIsKnownIsNeverOlderThanWhatWasDone) {
+    const ObjectPtr child = root->get("Child").object();
+    EXPECT_EQ(child->get("Name"), Value("unnamed"));
+    child->put("Name", "put");
+    EXPECT_EQ(child->get("name"), Value("put"));
+    const SubscriptionPtr write = root->connect("Write", [&](ValueList &) {
+        EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
+        child->put("Name", "in a handler");
+        EXPECT_EQ(child->get("Name"), Value("in a handler"));
+    });
+    EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
+    root->call("Save", {});
+    EXPECT_EQ(child->get("Name"), Value("in a handler"));
+}
+
+TEST_P(Contract, WhatCameWithAReferenceIsNotAskedAgain) {
+    // Now and then the machine takes so long that it is too old.
+    EXPECT_TRUE(eventually([&] {
+        const int before = toInt32(root->get("ChildNameReads"));
+        const ObjectPtr child = root->get("Child").object();
+        for (int i = 0; i < 3; ++i)
+            EXPECT_EQ(child->get("Name"), Value("unnamed"));
+        return toInt32(root->get("ChildNameReads")) - before == (isRemote() ? 1 : 3);
+    }));
+}
+
+TEST_P(Contract, QuestionsAskedAheadGetTheirOwnAnswers) {
+    root->put("Number", 7);
+    root->ahead({{"Describe", {}}, {"Add", {1, 2}}, {"Fail", {5, "refused"}}, {"NewChild", {"ahead"}}, {"Number", {}}});
+    EXPECT_EQ(root->call("add", {1, 2}), Value(3));
+    EXPECT_EQ(root->get("Number"), Value(7));
+    EXPECT_EQ(root->call("NewChild", {"ahead"}).object()->get("Name"), Value("ahead"));
+    EXPECT_EQ(failureOf([&] { root->call("Fail", {5, "refused"}); }), 5);
+    EXPECT_EQ(root->call("Add", {2, 2}), Value(4));
+    root->ahead({{"Describe", {}}, {"Number", {}}});
+    root->put("Name", "renamed");
+    root->put("Number", 8);
+    EXPECT_EQ(root->call("Describe", {}), Value("sample renamed"));
+    EXPECT_EQ(root->get("Number"), Value(8));
+    EXPECT_TRUE(eventually([&] { return root->get("LivingChildren") == Value(0); })) << "an answer is kept for ever";
 }
 
 } // namespace

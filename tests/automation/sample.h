@@ -11,11 +11,16 @@ using automation::Exposed;
 /// Types that do not cross, and so stay internal.
 class Inner : public Exposed {
     Q_OBJECT
+    Q_CLASSINFO("SentAlong", "Name")
     Q_PROPERTY(QString Name READ name WRITE setName)
     Q_PROPERTY(QStringList Lines READ lines)
 
   public:
-    [[nodiscard]] QString name() const { return m_name; }
+    [[nodiscard]] QString name() const {
+        ++m_reads;
+        return m_name;
+    }
+    [[nodiscard]] int nameReads() const { return m_reads; }
     virtual void setName(const QString &name);
     [[nodiscard]] QStringList lines() const { return {}; }
 
@@ -29,6 +34,7 @@ class Inner : public Exposed {
 
   private:
     QString m_name = QStringLiteral("unnamed");
+    mutable int m_reads = 0;
 };
 
 class Sample : public Inner {
@@ -43,6 +49,7 @@ class Sample : public Inner {
     Q_PROPERTY(int Saves READ saves)
     Q_PROPERTY(Value Child READ child)
     Q_PROPERTY(int LivingChildren READ livingChildren)
+    Q_PROPERTY(int ChildNameReads READ childNameReads)
 
   public:
     Sample();
@@ -51,6 +58,7 @@ class Sample : public Inner {
     [[nodiscard]] int saves() const { return m_saves; }
     [[nodiscard]] Value child();
     [[nodiscard]] int livingChildren() const { return *m_living; }
+    [[nodiscard]] int childNameReads() const { return m_child->nameReads(); }
     /// Fails with 5 for an empty name.
     void setName(const QString &name) override;
 

@@ -28,7 +28,7 @@ class Objects : public ObjectTable {
     Reference give(const ObjectPtr &object) override {
         for (std::size_t i = 0; i < m_objects.size(); ++i)
             if (m_objects[i] == object)
-                return {static_cast<Handle>(i + 1), object->typeName()};
+                return {static_cast<Handle>(i + 1), object->typeName(), i == 0 ? along : std::vector<KnownValue>()};
         throw Failure(failures::typeMismatch);
     }
     ObjectPtr take(const Reference &reference) override {
@@ -36,6 +36,8 @@ class Objects : public ObjectTable {
                                                                              : nullptr;
     }
     [[nodiscard]] ObjectPtr first() const { return m_objects.front(); }
+
+    std::vector<KnownValue> along{{"Name", "first"}, {"Count", 3}};
 
   private:
     std::vector<ObjectPtr> m_objects{std::make_shared<Plain>(), std::make_shared<Plain>()};
@@ -76,6 +78,18 @@ TEST_F(Wire, AFrameIsReadAsItWasWritten) {
     EXPECT_EQ(read->text, full().text);
     EXPECT_EQ(read->values, full().values);
     EXPECT_FALSE(read->staleObject);
+    ASSERT_EQ(read->along.size(), 1U);
+    EXPECT_EQ(read->along[0].object, objects.first());
+    ASSERT_EQ(read->along[0].values.size(), 2U);
+    EXPECT_EQ(read->along[0].values[1].member, "Count");
+    EXPECT_EQ(read->along[0].values[1].value, Value(3));
+}
+
+TEST_F(Wire, NoObjectComesAlongWithAnother) {
+    const Frame answer{.kind = FrameKind::Answer, .values = {objects.first()}};
+    EXPECT_TRUE(decoded(encoded(answer)));
+    objects.along.push_back({"Parent", Value::nothing()});
+    EXPECT_FALSE(decoded(encoded(answer)));
 }
 
 TEST_F(Wire, AHandleThatIsNotHeldIsTold) {

@@ -10,6 +10,7 @@ namespace desk::objects {
 /// 48 of its last 54 characters; that of a sender is made of its name and address and holds none.
 class AddressEntry : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("SentAlong", "Name Address Type ID")
     Q_PROPERTY(QString Name READ name)
     Q_PROPERTY(QString Address READ address)
     Q_PROPERTY(QString Type READ type)

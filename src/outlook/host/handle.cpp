@@ -19,6 +19,15 @@ Value Handle::get(const QString &member) const { return checked().get(member); }
 
 void Handle::put(const QString &member, const Value &value) const { checked().put(member, value); }
 
+void Handle::ahead(const std::vector<automation::Question> &questions) const { checked().ahead(questions); }
+
+void Handle::readAhead(const QStringList &members) const {
+    std::vector<automation::Question> questions;
+    for (const QString &member : members)
+        questions.push_back({member, {}});
+    ahead(questions);
+}
+
 Value Handle::call(const QString &member, const ValueList &arguments) const {
     return checked().call(member, arguments);
 }

@@ -26,6 +26,8 @@ class Handle {
     [[nodiscard]] QString typeName() const;
     [[nodiscard]] Value get(const QString &member) const;
     void put(const QString &member, const Value &value) const;
+    /// Says which properties are read next, in whatever order: they come in one go where the host is another process.
+    void readAhead(const QStringList &members) const;
     Value call(const QString &member, const ValueList &arguments = {}) const;
     [[nodiscard]] automation::SubscriptionPtr connect(const QString &event, automation::EventHandler handler) const;
 
@@ -36,6 +38,8 @@ class Handle {
     [[nodiscard]] QString text(const QString &member) const { return toText(get(member)); }
     [[nodiscard]] qint32 number(const QString &member) const { return toInt32(get(member)); }
     [[nodiscard]] bool flag(const QString &member) const { return toBool(get(member)); }
+
+    void ahead(const std::vector<automation::Question> &questions) const;
 
   private:
     [[nodiscard]] automation::Object &checked() const;

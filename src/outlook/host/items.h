@@ -22,6 +22,13 @@ class UserProperties : public Handle {
     [[nodiscard]] qint32 Count() const { return number("Count"); }
     /// Nothing for a missing name.
     [[nodiscard]] UserProperty Find(const QString &name) const { return call("Find", {name}); }
+    /// Says which names are looked for next; see `readAhead`.
+    void findAhead(const QStringList &names) const {
+        std::vector<automation::Question> questions;
+        for (const QString &name : names)
+            questions.push_back({"Find", {name}});
+        ahead(questions);
+    }
     /// Types: 1 text, 3 number, 5 date-time, 6 yes or no. An existing property of the name and type is given back.
     [[nodiscard]] UserProperty Add(const QString &name, qint32 type, bool addToFolder = false) const {
         return call("Add", {name, type, addToFolder});
