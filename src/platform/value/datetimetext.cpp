@@ -12,13 +12,29 @@ QString shortDateFormat() {
     return format;
 }
 
+/// Whether the region writes that very word in every date.
+bool isOfDateFormat(const QString &word) { return shortDateFormat().contains(u'\'' + word + u'\''); }
+
 bool twelveHours() { return Region::locale().timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive); }
+
+/// With the digits of every script as 0 to 9, and without the marks that only steer the direction of writing: a region
+/// that writes from right to left has both in its dates.
+QString plainDigits(const QString &text) {
+    QString plain;
+    for (const char32_t sign : text.toUcs4()) {
+        if (QChar::isDigit(sign))
+            plain += QChar(u'0' + QChar::digitValue(sign));
+        else if (QChar::category(sign) != QChar::Other_Format)
+            plain += QStringView(QChar::fromUcs4(sign));
+    }
+    return plain;
+}
 
 /// A text cut into numbers, words and single signs.
 QStringList tokensOf(const QString &text) {
     static const QRegularExpression token(QStringLiteral("\\d+|\\p{L}+|[^\\s\\p{L}\\d]"));
     QStringList tokens;
-    for (auto match = token.globalMatch(text); match.hasNext();)
+    for (auto match = token.globalMatch(plainDigits(text)); match.hasNext();)
         tokens += match.next().captured();
     return tokens;
 }
@@ -92,8 +108,8 @@ std::optional<Parts> partsOf(const QString &text) {
             }
         } else if (token[0].isLetter()) {
             const int month = monthFromName(token);
-            // "T" stands between an ISO date and its time.
-            if (month == 0 && !(token == u"T" && !parts.dates.isEmpty()))
+            // "T" stands between an ISO date and its time, and some regions write a word for the year behind it.
+            if (month == 0 && !(token == u"T" && !parts.dates.isEmpty()) && !isOfDateFormat(token))
                 return std::nullopt;
             if (month != 0) {
                 if (parts.month != 0)
