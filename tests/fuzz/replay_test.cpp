@@ -16,8 +16,11 @@ struct Input {
     QByteArray bytes;
 };
 
+/// None for no folder.
 QList<Input> filesIn(const char *folder) {
     QList<Input> inputs;
+    if (*folder == '\0')
+        return inputs;
     const QDir dir(folder);
     for (const QString &name : dir.entryList(QDir::Files, QDir::Name)) {
         QFile file(dir.filePath(name));
