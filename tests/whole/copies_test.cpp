@@ -40,11 +40,12 @@ TEST_F(CopiesTest, StartedAtOnceTheyShareTheMailsThatLieThere) {
     report("all starting on a full folder", mails(), timer);
     // Who leaves the folder empty takes it; two may, when they look at the same moment.
     ASSERT_TRUE(waitFor([&] { return flagCount() > 0; }));
+    const int watching = flagCount();
     timer.restart();
     const int before = mails();
     deliverMails(all - before);
     waitForAll();
-    report("some watching", mails() - before, timer);
+    report(qPrintable(QStringLiteral("%1 of them watching").arg(watching)), mails() - before, timer);
     EXPECT_EQ(count(intake), flagCount());
 }
 
@@ -64,8 +65,10 @@ TEST_F(CopiesTest, WatchingTheSameFolderEachMailHasOneTaker) {
 
 TEST_F(Helpdesk, OfSeveralProgramsOnOneDeskOneStays) {
     const int mails = numberFrom("ORVELLE_MAILS", 40) / 4;
+    QStringList files;
     for (int mail = 0; mail < mails; ++mail)
-        deliver({write(subjectOf(mail) + ".eml", mailOf(mail))});
+        files += write(subjectOf(mail) + ".eml", mailOf(mail));
+    deliver(files);
     startDesk();
     std::vector<std::unique_ptr<QProcess>> programs;
     for (int copy = 0; copy < numberFrom("ORVELLE_COPIES", 3); ++copy) {
