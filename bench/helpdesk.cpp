@@ -137,20 +137,24 @@ Result convert(Situation &situation, int count, const std::function<void(int)> &
     return result;
 }
 
-void report(benchmark::State &state, const Result &result) {
-    std::size_t commits = 0;
-    double pages = 0;
+Volume volumeOf(const Result &result) {
+    Volume volume;
     for (const MailWork &mail : result.work) {
         for (const std::vector<int> &file : mail) {
-            commits += file.size();
-            for (const int size : file)
-                pages += size;
+            volume.commitsPerMail += static_cast<double>(file.size());
+            for (const int pages : file)
+                volume.kilobytesPerMail += pages * 4.096;
         }
     }
     const auto count = static_cast<double>(result.work.size());
+    return {volume.commitsPerMail / count, volume.kilobytesPerMail / count};
+}
+
+void report(benchmark::State &state, const Result &result) {
+    const Volume volume = volumeOf(result);
     state.counters["mails/s"] = 1 / result.secondsPerMail;
-    state.counters["commits/mail"] = static_cast<double>(commits) / count;
-    state.counters["kB/mail"] = pages * 4096 / 1000 / count;
+    state.counters["commits/mail"] = volume.commitsPerMail;
+    state.counters["kB/mail"] = volume.kilobytesPerMail;
 }
 
 namespace {

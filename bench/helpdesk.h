@@ -83,6 +83,12 @@ Result convert(Situation &situation, int count, const std::function<void(int)> &
 /// The same commits with as many pages each, through the bare database library; seconds a mail.
 double floorOf(const std::vector<MailWork> &work);
 
+/// What the road of a mail wrote, on average.
+struct Volume {
+    double commitsPerMail = 0;
+    double kilobytesPerMail = 0;
+};
+Volume volumeOf(const Result &result);
 void report(benchmark::State &state, const Result &result);
 /// One line with the floor, measured here and now.
 void printBesideFloor(const char *name, const Result &result);

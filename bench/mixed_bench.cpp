@@ -144,6 +144,8 @@ int run() {
         done += more;
         printPeaks(done, orvelle);
     }
+    const Volume volume = volumeOf(all);
+    std::printf("%.1f commits and %.0f kB a mail\n", volume.commitsPerMail, volume.kilobytesPerMail);
     printBesideFloor("mixed mails", all);
     return 0;
 }
