@@ -64,6 +64,8 @@ void Copies::open(int people) {
 }
 
 void Copies::deliverMails(int more) {
+    if (more < 1)
+        return;
     const QString folder = QStringLiteral("mails-%1").arg(m_mails);
     QDir().mkpath(path(folder));
     for (const int end = m_mails + more; m_mails < end; ++m_mails)
@@ -104,7 +106,7 @@ void Copies::expectBooks(Killed killed, int kills) {
     // Reading each ticket's attachments takes a process each.
     constexpr int mostTicketsShown = 60;
     std::map<QString, Found> found;
-    for (const QString &folder : {intake, intake + QStringLiteral("\\Converted")}) {
+    for (const QString &folder : {intake, intake + QStringLiteral("\\Converted"), deletedItems}) {
         for (const QJsonValue item : list(folder))
             found[item["subject"].toString()].mails += item.toObject();
     }

@@ -17,6 +17,7 @@ namespace whole {
 const QString ticketFolder = QStringLiteral("\\\\Public Folders\\Helpdesk");
 const QString inbox = QStringLiteral("\\\\Mailbox - Alma Tester\\Inbox");
 const QString converted = inbox + QStringLiteral("\\Converted");
+const QString deletedItems = QStringLiteral("\\\\Mailbox - Alma Tester\\Deleted Items");
 const QString flagSubject = QStringLiteral("Folder is being monitored by Orvelle for Outlook");
 
 /// A temporary folder. The program folder that all its profiles share is in it.
