@@ -10,8 +10,10 @@ using namespace desk;
 
 namespace {
 
-Attachment file(const QString &name, const QByteArray &data, const QString &type = "application/octet-stream") {
+Attachment file(const QString &name, const QByteArray &data, const QString &type = "application/octet-stream",
+                AttachmentType kind = AttachmentType::ByValue) {
     Attachment attachment;
+    attachment.type = kind;
     attachment.name = name;
     attachment.mimeType = type;
     attachment.data = data;
@@ -26,9 +28,7 @@ Attachment picture() {
 }
 
 Attachment embedded(const QByteArray &data) {
-    Attachment attachment = file("inner", data, "message/rfc822");
-    attachment.type = AttachmentType::EmbeddedMessage;
-    return attachment;
+    return file("inner", data, "message/rfc822", AttachmentType::EmbeddedMessage);
 }
 
 Message simple() {
@@ -57,6 +57,10 @@ TEST_P(RoundTrip, GivesTheSameMessage) {
     EXPECT_TRUE(again == message) << bytes.toStdString();
 }
 
+std::function<void(Message &)> holding(const QString &html, const QList<Attachment> &attachments) {
+    return [=](Message &message) { message.html = html, message.attachments = attachments; };
+}
+
 const Case cases[] = {
     {"Simple", [](Message &) {}},
     {"NoText", [](Message &m) { m.text = {}; }},
@@ -67,25 +71,13 @@ const Case cases[] = {
     {"MostlyAscii", [](Message &m) { m.text = "long line with one ü = umlaut " + QString(200, u'a') + "\r\n"; }},
     {"HtmlOnly", [](Message &m) { m.text = {}, m.html = "<p>ü</p>\r\n"; }},
     {"TextAndHtml", [](Message &m) { m.html = "<p>hello</p>"; }},
-    {"HtmlWithPictures",
-     [](Message &m) {
-         m.html = "<img src=cid:sign@x>", m.attachments = {picture(), picture()};
-     }},
-    {"PictureAndFile",
-     [](Message &m) {
-         m.html = "<p>", m.attachments = {picture(), file("a", "b")};
-     }},
-    {"FileBeforePicture",
-     [](Message &m) {
-         m.html = "<p>", m.attachments = {file("a", "b"), picture()};
-     }},
-    {"PictureWithoutHtml", [](Message &m) { m.attachments = {picture()}; }},
-    {"TwoOfOneName",
-     [](Message &m) {
-         m.attachments = {file("a.txt", "1"), file("a.txt", "2")};
-     }},
-    {"EmptyUnnamedFile", [](Message &m) { m.attachments = {file("", "")}; }},
-    {"TextFile", [](Message &m) { m.attachments = {file("", "a\nb\rc\r\n", "text/plain")}; }},
+    {"HtmlWithPictures", holding("<img src=cid:sign@x>", {picture(), picture()})},
+    {"PictureAndFile", holding("<p>", {picture(), file("a", "b")})},
+    {"FileBeforePicture", holding("<p>", {file("a", "b"), picture()})},
+    {"PictureWithoutHtml", holding("", {picture()})},
+    {"TwoOfOneName", holding("", {file("a.txt", "1"), file("a.txt", "2")})},
+    {"EmptyUnnamedFile", holding("", {file("", "")})},
+    {"TextFile", holding("", {file("", "a\nb\rc\r\n", "text/plain")})},
     {"EveryByte",
      [](Message &m) {
          QByteArray bytes(70'000, '\0');
@@ -93,15 +85,11 @@ const Case cases[] = {
              bytes[i] = static_cast<char>(i);
          m.attachments = {file("bytes", bytes)};
      }},
-    {"Embedded", [](Message &m) { m.attachments = {embedded("Subject: in\r\n\r\nhi\r\n")}; }},
+    {"Embedded", holding("", {embedded("Subject: in\r\n\r\nhi\r\n")})},
     {"EmbeddedWithMultipart", [](Message &m) { m.attachments = {embedded(composeMessage(m))}; }},
-    {"EmbeddedEightBit", [](Message &m) { m.attachments = {embedded("Subject: in\r\n\r\n\xE4\r\n")}; }},
-    {"EmbeddedWithNul", [](Message &m) { m.attachments = {embedded(QByteArray("Subject: in\r\n\r\n\0\n", 18))}; }},
-    {"Ole",
-     [](Message &m) {
-         m.attachments = {file("o", "x", "application/x-oleobject")};
-         m.attachments[0].type = AttachmentType::Ole;
-     }},
+    {"EmbeddedEightBit", holding("", {embedded("Subject: in\r\n\r\n\xE4\r\n")})},
+    {"EmbeddedWithNul", holding("", {embedded(QByteArray("Subject: in\r\n\r\n\0\n", 18))})},
+    {"Ole", holding("", {file("o", "x", "application/x-oleobject", AttachmentType::Ole)})},
     {"NamesOfFiles",
      [](Message &m) {
          for (const char *name :
@@ -130,7 +118,7 @@ const Case cases[] = {
     {"LowAndPrivate", [](Message &m) { m.importance = Importance::Low, m.sensitivity = Sensitivity::Private; }},
     {"References",
      [](Message &m) {
-         m.inReplyTo = {"0@x"}, m.references = {"a@x", "ü@x", QString(300, u'r')};
+         m.references = m.inReplyTo = QStringList{"a@x", "ü@x", QString(300, u'r')};
      }},
     {"WestOfGreenwich", [](Message &m) { m.sentAt = m.sentAt.toOffsetFromUtc(-12600); }},
 };
@@ -185,8 +173,7 @@ TEST(Compose, LinesAreShortSevenBitAndEndInCrLf) {
 TEST(Compose, AnEmbeddedMessageTravelsAsItIs) {
     Message message = simple();
     message.attachments = {embedded("Subject: in\n\nline\n")};
-    const QByteArray bytes = composeMessage(message);
-    EXPECT_TRUE(bytes.contains("Subject: in\r\n\r\nline\r\n"));
+    EXPECT_TRUE(composeMessage(message).contains("Subject: in\r\n\r\nline\r\n"));
 }
 
 } // namespace

@@ -4,10 +4,8 @@
 #include "desk/mail/html.h"
 #include "desk/mail/parser.h"
 #include "print.h"
+#include "support/files.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
 #include <QDirIterator>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -20,12 +18,6 @@ namespace {
 QString corpusFolder() {
     const QString named = qEnvironmentVariable("ORVELLE_MAIL_CORPUS");
     return named.isEmpty() ? QString(ORVELLE_MAIL_CORPUS) : named;
-}
-
-QByteArray contentOf(const QString &path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
-    return file.readAll();
 }
 
 /// Empty lines at the end apart: the files were converted from one kind of line end to another.
@@ -46,13 +38,6 @@ QString knownOf(QString actual, const QString &described) {
 }
 
 void expectText(const QString &actual, const QString &described) { EXPECT_EQ(knownOf(actual, described), described); }
-
-QStringList linesOf(const QStringList &texts) {
-    QStringList result;
-    for (const QString &text : texts)
-        result += lines(text);
-    return result;
-}
 
 /// A part as the description has it.
 class Part {
@@ -112,9 +97,8 @@ void expectBody(const QString &actual, const QList<Part> &parts, const QString &
         const bool wanted = part.is(kind);
         mixed = mixed || (!wanted && (part.is("Text") || part.is("Html")));
         if (wanted)
-            texts += part.text(kind);
+            texts += lines(part.text(kind));
     }
-    texts = linesOf(texts);
     if (texts.size() == 1 && !mixed) {
         expectText(lines(actual), texts.first());
         return;
@@ -163,8 +147,6 @@ void expectDate(const QDateTime &sentAt, const QJsonValue &date) {
     EXPECT_EQ(sentAt, expected) << qPrintable(sentAt.toString()) << " is not " << qPrintable(expected.toString());
 }
 
-bool isMisfiled(const Part &part) { return part.isMisfiledText(); }
-
 void expectMessage(const Message &message, const QJsonObject &oracle) {
     QList<Part> parts;
     for (const QJsonValue &part : oracle["parts"].toArray())
@@ -182,9 +164,9 @@ void expectMessage(const Message &message, const QJsonObject &oracle) {
     expectDate(message.sentAt, root.header("date")["DateTime"]);
     EXPECT_EQ(message.messageId, root.header("message_id")["Text"].toString());
     QList<Part> attachments = listed("attachments");
-    QList<Part> misfiled;
-    std::copy_if(attachments.begin(), attachments.end(), std::back_inserter(misfiled), &isMisfiled);
-    attachments.removeIf(&isMisfiled);
+    QList<Part> misfiled = attachments;
+    misfiled.removeIf(std::not_fn(&Part::isMisfiledText));
+    attachments.removeIf(std::mem_fn(&Part::isMisfiledText));
     expectBody(message.text, listed("text_body") + misfiled, "Text");
     expectBody(message.html, listed("html_body") + misfiled, "Html");
     ASSERT_EQ(message.attachments.size(), attachments.size());
@@ -195,11 +177,7 @@ void expectMessage(const Message &message, const QJsonObject &oracle) {
 }
 
 /// Messages that the description reads wrongly, or in one of several ways that are as good, and why.
-struct Exception {
-    const char *file;
-    const char *reason;
-};
-constexpr Exception exceptions[] = {
+const std::pair<QString, const char *> exceptions[] = {
     {"legacy/017", "leaves two x-uuencode attachments encoded; a person wants the pictures"},
     {"legacy/026", "leaves an x-uuencode attachment encoded"},
     {"legacy/048", "leaves three x-uuencode attachments encoded"},
@@ -214,8 +192,7 @@ constexpr Exception exceptions[] = {
 };
 
 bool isException(const QString &path) {
-    return std::any_of(std::begin(exceptions), std::end(exceptions),
-                       [&](const Exception &entry) { return path.endsWith(QString(entry.file) + ".eml"); });
+    return std::ranges::any_of(exceptions, [&](const auto &entry) { return path.endsWith(entry.first + ".eml"); });
 }
 
 TEST(MailCorpus, ReadsEveryMessageAsDescribed) {

@@ -20,9 +20,20 @@ QByteArray multipart(const QByteArray &subtype, const QList<QByteArray> &parts, 
     return text + "--" + boundary + "--\n";
 }
 
-const QByteArray plain = "Content-Type: text/plain\n\nplain";
-const QByteArray html = "Content-Type: text/html\n\n<p>html</p>";
-const QByteArray image = "Content-Type: image/png\nContent-ID: <pic@x>\nContent-Transfer-Encoding: base64\n\niVBORw==";
+QByteArray part(const QByteArray &type, const QByteArray &content) {
+    return "Content-Type: " + type + "\n\n" + content;
+}
+QByteArray mixed(const QList<QByteArray> &parts) { return multipart("mixed", parts); }
+QByteArray cut(const QByteArray &parameters, const QByteArray &rest) {
+    return part("multipart/mixed" + parameters, rest);
+}
+QByteArray encoded(const QByteArray &encoding, const QByteArray &content) {
+    return "Content-Transfer-Encoding: " + encoding + "\n\n" + content;
+}
+
+const QByteArray plain = part("text/plain", "plain");
+const QByteArray html = part("text/html", "<p>html</p>");
+const QByteArray image = part("image/png\nContent-ID: <pic@x>\nContent-Transfer-Encoding: base64", "iVBORw==");
 
 struct BodyCase {
     const char *name;
@@ -44,102 +55,72 @@ TEST_P(Bodies, AreFound) {
     EXPECT_EQ(types, GetParam().attachments);
 }
 
+const QString htmlAndPlain = "<p>html</p><div>plain</div>";
+const QByteArray attached = "Content-Disposition: attachment";
+const QByteArray markedText = "text/plain\n" + attached;
+const char *const signature = "application/pgp-signature";
+const QByteArray russianPage = "<meta charset=\"windows-1251\">";
+
 const BodyCase bodies[] = {
     {"NoMime", "Subject: x\n\nhello\n", "hello\r\n", "", {}},
     {"HtmlOnly", html, "", "<p>html</p>", {}},
     {"Alternative", multipart("alternative", {plain, html}), "plain", "<p>html</p>", {}},
-    {"AlternativeOfOneForm",
-     multipart("mixed", {multipart("alternative", {html}, "c"), plain}),
-     "html\r\nplain",
-     "<p>html</p><div>plain</div>",
-     {}},
+    {"AlternativeOfOneForm", mixed({multipart("alternative", {html}, "c"), plain}), "html\r\nplain", htmlAndPlain, {}},
     {"BothFormsInOneAlternative",
-     multipart("alternative", {multipart("mixed", {plain, html}, "c"), "Content-Type: text/x-other\n\nx"}),
+     multipart("alternative", {multipart("mixed", {plain, html}, "c"), part("text/x-other", "x")}),
      "plain",
      "",
      {"text/html", "text/x-other"}},
     {"Related", multipart("related", {html, image}), "", "<p>html</p>", {"image/png"}},
     {"TextInRelatedIsNoBody", multipart("related", {html, plain}), "", "<p>html</p>", {"text/plain"}},
-    {"Footer", multipart("mixed", {plain, image, plain}), "plain\r\nplain", "", {"image/png"}},
-    {"FooterOfHtml", multipart("mixed", {html, plain}), "html\r\nplain", "<p>html</p><div>plain</div>", {}},
-    {"NamedTextIsAttachment",
-     multipart("mixed", {plain, "Content-Type: text/plain; name=log.txt\n\nlog"}),
-     "plain",
-     "",
-     {"text/plain"}},
-    {"NamedTextInFrontIsBody", multipart("mixed", {"Content-Type: text/plain; name=a.txt\n\nbody"}), "body", "", {}},
-    {"MarkedTextIsAttachment",
-     multipart("mixed", {"Content-Type: text/plain\nContent-Disposition: attachment\n\nx", plain}),
-     "plain",
-     "",
-     {"text/plain"}},
-    {"CalendarIsAttachment",
-     multipart("alternative", {plain, "Content-Type: text/calendar\n\nBEGIN"}),
-     "plain",
-     "",
-     {"text/calendar"}},
-    {"Signed",
-     multipart("signed", {plain, "Content-Type: application/pgp-signature\n\nsig"}),
-     "plain",
-     "",
-     {"application/pgp-signature"}},
+    {"Footer", mixed({plain, image, plain}), "plain\r\nplain", "", {"image/png"}},
+    {"FooterOfHtml", mixed({html, plain}), "html\r\nplain", htmlAndPlain, {}},
+    {"NamedTextIsAttachment", mixed({plain, part("text/plain; name=a", "x")}), "plain", "", {"text/plain"}},
+    {"NamedTextInFrontIsBody", mixed({part("text/plain; name=a.txt", "body")}), "body", "", {}},
+    {"MarkedTextIsAttachment", mixed({part(markedText, "x"), plain}), "plain", "", {"text/plain"}},
+    {"CalendarIsAttachment", mixed({plain, part("text/calendar", "BEGIN")}), "plain", "", {"text/calendar"}},
+    {"Signed", multipart("signed", {plain, part(signature, "sig")}), "plain", "", {signature}},
     {"QuotedPrintable",
-     "Content-Type: text/plain; charset=iso-8859-1\nContent-Transfer-Encoding: "
-     "quoted-printable\n\nStra=DFe =\nlang=20\n=ZZ\n",
+     "Content-Type: text/plain; charset=iso-8859-1\n" + encoded("quoted-printable", "Stra=DFe =\nlang=20\n=ZZ\n"),
      "Straße lang \r\n=ZZ\r\n",
      "",
      {}},
-    {"Base64", "Content-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: base64\n\nw6QK\n", "ä\r\n", "", {}},
-    {"Uuencode", "Content-Transfer-Encoding: x-uuencode\n\nbegin 644 x\n#86)C\n`\nend\n", "abc", "", {}},
-    {"UnknownEncoding", "Content-Transfer-Encoding: x-none\n\nas it is\n", "as it is\r\n", "", {}},
-    {"MarkedAsBase64AndIsNot",
-     "Content-Transfer-Encoding: base64\n\nDear all, hello!\n",
-     "Dear all, hello!\r\n",
-     "",
-     {}},
-    {"TypeThatIsNone", "Content-Type: text\n\nhello\n", "hello\r\n", "", {}},
-    {"CharsetOfThePage",
-     "Content-Type: text/html\n\n<meta charset=\"windows-1251\">\xCF",
-     "",
-     "<meta charset=\"windows-1251\">П",
-     {}},
-    {"FlowedStaysAsSent", "Content-Type: text/plain; format=flowed\n\none \ntwo\n", "one \r\ntwo\r\n", "", {}},
+    {"Base64", "Content-Type: text/plain; charset=utf-8\n" + encoded("base64", "w6QK\n"), "ä\r\n", "", {}},
+    {"Uuencode", encoded("x-uuencode", "begin 644 x\n#86)C\n`\nend\n"), "abc", "", {}},
+    {"UnknownEncoding", encoded("x-none", "as it is\n"), "as it is\r\n", "", {}},
+    {"MarkedAsBase64AndIsNot", encoded("base64", "Dear all, hello!\n"), "Dear all, hello!\r\n", "", {}},
+    {"TypeThatIsNone", part("text", "hello\n"), "hello\r\n", "", {}},
+    {"CharsetOfThePage", part("text/html", russianPage + "\xCF"), "", russianPage + "П", {}},
+    {"FlowedStaysAsSent", part("text/plain; format=flowed", "one \ntwo\n"), "one \r\ntwo\r\n", "", {}},
     // What is broken.
     {"Nothing", "", "", "", {}},
     {"NoHeader", "Dear all,\nhello\n", "Dear all,\r\nhello\r\n", "", {}},
     {"HeaderBehindEmptyLines", "\n\nSubject: x\n\nhello\n", "hello\r\n", "", {}},
     {"HeaderBehindPostmark", "From a@b Mon Nov 16 09:00:00 2026\nSubject: x\n\nhello\n", "hello\r\n", "", {}},
     {"NoEmptyLine", "Subject: x\nhello there\nyou\n", "hello there\r\nyou\r\n", "", {}},
-    {"CutOff", "Content-Type: multipart/mixed; boundary=b\n\n--b\nContent-Type: text/plain\n\nhello", "hello", "", {}},
+    {"CutOff", cut("; boundary=b", "--b\nContent-Type: text/plain\n\nhello"), "hello", "", {}},
     {"InnerMultipartWithoutEnd",
-     "Content-Type: multipart/mixed; boundary=o\n\n--o\nContent-Type: multipart/alternative; boundary=i\n\n--i\n"
-     "Content-Type: text/plain\n\none\n--o\nContent-Type: image/png\n\nx\n--o--\n",
+     mixed({"Content-Type: multipart/alternative; boundary=i\n\n--i\n" + part("text/plain", "one"),
+            part("image/png", "x")}),
      "one",
      "",
      {"image/png"}},
-    {"NoParts", "Content-Type: multipart/mixed; boundary=b\n\nhello\n", "hello\r\n", "", {}},
-    {"NoBoundary",
-     "Content-Type: multipart/mixed\n\n--b\n\none\n--b\nContent-Type: image/png\n\nx\n--b--\n",
-     "one",
-     "",
-     {"image/png"}},
-    {"BoundaryOfAnother", "Content-Type: multipart/mixed; boundary=q\n\n--b\n\none\n--b--\n", "one", "", {}},
+    {"NoParts", cut("; boundary=b", "hello\n"), "hello\r\n", "", {}},
+    {"NoBoundary", cut("", "--b\n\none\n--b\n" + part("image/png", "x") + "\n--b--\n"), "one", "", {"image/png"}},
+    {"BoundaryOfAnother", cut("; boundary=q", "--b\n\none\n--b--\n"), "one", "", {}},
 };
 INSTANTIATE_TEST_SUITE_P(All, Bodies, testing::ValuesIn(bodies), nameOfCase);
 
+// A line end too many or too few before a boundary would cost or add a character.
 TEST(Bodies, LineEndsOfEveryKindBecomeOne) {
     EXPECT_EQ(parseMessage("Subject: x\n\na\nb\n").text, "a\r\nb\r\n");
     EXPECT_EQ(parseMessage("Subject: x\r\n\r\na\r\nb\rc\n").text, "a\r\nb\r\nc\r\n");
     const Message old = parseMessage("Subject: x\r\ra\rb\r");
     EXPECT_EQ(old.subject, "x");
     EXPECT_EQ(old.text, "a\r\nb\r\n");
-}
-
-// A line end too many or too few before a boundary would cost or add a character.
-TEST(Bodies, MixedLineEndsCostNoCharacter) {
-    const Message message = parseMessage("Content-Type: multipart/mixed; boundary=b\r\n\r\n"
-                                         "--b\r\n\r\none\n--b\r\n\r\ntwo\r\n--b\n\nthree\n--b--\r\n");
-    EXPECT_EQ(message.text, "one\r\ntwo\r\nthree");
+    const Message mixedEnds = parseMessage("Content-Type: multipart/mixed; boundary=b\r\n\r\n"
+                                           "--b\r\n\r\none\n--b\r\n\r\ntwo\r\n--b\n\nthree\n--b--\r\n");
+    EXPECT_EQ(mixedEnds.text, "one\r\ntwo\r\nthree");
 }
 
 struct NameCase {
@@ -157,28 +138,26 @@ TEST_P(AttachmentNames, AreDecoded) {
 }
 
 const NameCase names[] = {
-    {"Plain", "Content-Disposition: attachment; filename=a.txt", "a.txt"},
-    {"Quoted", "Content-Disposition: attachment; filename=\"a b;c.txt\"", "a b;c.txt"},
-    {"FilenameBeforeName", "Content-Type: image/gif; name=b.gif\nContent-Disposition: attachment; filename=a.gif",
-     "a.gif"},
+    {"Plain", attached + "; filename=a.txt", "a.txt"},
+    {"Quoted", attached + "; filename=\"a b;c.txt\"", "a b;c.txt"},
+    {"FilenameBeforeName", "Content-Type: image/gif; name=b.gif\n" + attached + "; filename=a.gif", "a.gif"},
     {"NameAlone", "Content-Type: image/gif; name=b.gif", "b.gif"},
-    {"Percent", "Content-Disposition: attachment; filename*=utf-8'de'%C3%A4.txt", "ä.txt"},
-    {"PercentInAnotherSet", "Content-Disposition: attachment; filename*=koi8-r''%F0.txt", "П.txt"},
-    {"Pieces", "Content-Disposition: attachment;\n filename*0*=utf-8''%E2%82;\n filename*1*=%AC;\n filename*2=\".txt\"",
-     "€.txt"},
-    {"PiecesOutOfOrder", "Content-Disposition: attachment; filename*1=b.txt; filename*0=a", "ab.txt"},
-    {"EncodedWord", "Content-Disposition: attachment; filename=\"=?iso-8859-1?Q?=E4.txt?=\"", "ä.txt"},
-    {"RawUtf8", "Content-Disposition: attachment; filename=\"\xC3\xA4.txt\"", "ä.txt"},
-    {"RawLatin1", "Content-Disposition: attachment; filename=\"\xE4.txt\"", "ä.txt"},
-    {"Path", "Content-Disposition: attachment; filename=\"../../etc/passwd\"", "../../etc/passwd"},
-    {"None", "Content-Disposition: attachment", ""},
+    {"Percent", attached + "; filename*=utf-8'de'%C3%A4.txt", "ä.txt"},
+    {"PercentInAnotherSet", attached + "; filename*=koi8-r''%F0.txt", "П.txt"},
+    {"Pieces", attached + ";\n filename*0*=utf-8''%E2%82;\n filename*1*=%AC;\n filename*2=\".txt\"", "€.txt"},
+    {"PiecesOutOfOrder", attached + "; filename*1=b.txt; filename*0=a", "ab.txt"},
+    {"EncodedWord", attached + "; filename=\"=?iso-8859-1?Q?=E4.txt?=\"", "ä.txt"},
+    {"RawUtf8", attached + "; filename=\"\xC3\xA4.txt\"", "ä.txt"},
+    {"RawLatin1", attached + "; filename=\"\xE4.txt\"", "ä.txt"},
+    {"Path", attached + "; filename=\"../../etc/passwd\"", "../../etc/passwd"},
+    {"None", attached, ""},
 };
 INSTANTIATE_TEST_SUITE_P(All, AttachmentNames, testing::ValuesIn(names), nameOfCase);
 
 TEST(Attachments, KeepTheirBytesTypesAndOrder) {
-    const Message message = parseLines(multipart("mixed", {plain, image, "Content-Type: APPLICATION/X-OLEobject\n\nole",
-                                                           "Content-Type: application/pdf; name=a.pdf\n\none",
-                                                           "Content-Type: application/pdf; name=a.pdf\n\ntwo"}));
+    const Message message =
+        parseLines(mixed({plain, image, part("APPLICATION/X-OLEobject", "ole"),
+                          part("application/pdf; name=a.pdf", "one"), part("application/pdf; name=a.pdf", "two")}));
     ASSERT_EQ(message.attachments.size(), 4);
     EXPECT_EQ(message.attachments[0].data, "\x89PNG");
     EXPECT_EQ(message.attachments[0].contentId, "pic@x");
@@ -192,13 +171,11 @@ TEST(Attachments, KeepTheirBytesTypesAndOrder) {
 }
 
 TEST(Attachments, EmbeddedMessagesKeepTheirOwnBytes) {
-    const QByteArray inner = "Subject: inner\n\n" + multipart("mixed", {plain}, "inner");
-    for (const QByteArray &part :
-         {QByteArray("Content-Type: message/rfc822\n\nSubject: inner\n\nhi"),
-          QByteArray("Content-Type: message/rfc822\nContent-Transfer-Encoding: base64\n\nU3ViamVjdDogaW5uZXINCg0KaGk="),
-          QByteArray(
-              "Content-Type: message/rfc822\nContent-Transfer-Encoding: quoted-printable\n\nSubject:=20inner\n\nhi")}) {
-        const Message message = parseLines(multipart("mixed", {plain, part}));
+    for (const QByteArray &inner :
+         {part("message/rfc822", "Subject: inner\n\nhi"),
+          "Content-Type: message/rfc822\n" + encoded("base64", "U3ViamVjdDogaW5uZXINCg0KaGk="),
+          "Content-Type: message/rfc822\n" + encoded("quoted-printable", "Subject:=20inner\n\nhi")}) {
+        const Message message = parseLines(mixed({plain, inner}));
         ASSERT_EQ(message.attachments.size(), 1);
         EXPECT_EQ(message.attachments[0].type, AttachmentType::EmbeddedMessage);
         EXPECT_EQ(message.attachments[0].data, "Subject: inner\r\n\r\nhi");
@@ -206,8 +183,7 @@ TEST(Attachments, EmbeddedMessagesKeepTheirOwnBytes) {
 }
 
 TEST(Attachments, AnEmbeddedMessageThatIsNoneIsAFile) {
-    const Message message = parseLines(
-        multipart("mixed", {plain, "Content-Type: message/rfc822; name=broken.eml\n\nnot a message, sorry!"}));
+    const Message message = parseLines(mixed({plain, part("message/rfc822; name=a.eml", "not a message, sorry!")}));
     ASSERT_EQ(message.attachments.size(), 1);
     EXPECT_EQ(message.attachments[0].type, AttachmentType::ByValue);
     EXPECT_EQ(message.attachments[0].data, "not a message, sorry!");

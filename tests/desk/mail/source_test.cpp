@@ -1,13 +1,10 @@
 // Messages in files, folders, mailboxes and Maildirs.
 #include "desk/mail/source.h"
-#include "platform/value/failure.h"
 #include "print.h"
-
-#include <gtest/gtest.h>
+#include "support/files.h"
+#include "support/steps.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 using namespace desk;
@@ -16,15 +13,7 @@ namespace {
 
 class Sources : public testing::Test {
   protected:
-    QString write(const QString &name, const QByteArray &bytes) {
-        const QString path = m_folder.filePath(name);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return path;
-    }
-
+    QString write(const QString &name, const QByteArray &bytes) { return writtenFile(path(name), bytes); }
     QString path(const QString &name = {}) { return m_folder.filePath(name); }
 
     static QList<SourceMessage> readAll(const QString &path, qint64 limit = MessageSource::MaximumSize) {
@@ -81,9 +70,7 @@ TEST_F(Sources, AMaildirWhateverItsFlags) {
 }
 
 TEST_F(Sources, NothingThere) {
-    const auto failure = Attempt([&] { MessageSource::open(path("none")); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), failures::fileNotFound);
+    EXPECT_EQ(failureOf([&] { MessageSource::open(path("none")); }), failures::fileNotFound);
 }
 
 struct MboxCase {
@@ -100,32 +87,26 @@ TEST_P(Mboxes, AreDivided) { EXPECT_EQ(bytesOf(write("mbox", GetParam().file)), 
 const QByteArray counted = "\n" + postmark + ">From x\n";
 const QByteArray countedHeader = "Content-Length: " + QByteArray::number(counted.size()) + "\n\n";
 
+const QByteArray second = postmark + "A: 2\n\n2\n";
+const QByteArray sentence = "A: 1\n\none\n\nFrom here on we walk.\n";
+const QByteArray hugeLength = "Content-Length: 9223372036854775807\n\n1\n";
+
 const MboxCase mboxes[] = {
-    {"Two",
-     postmark + "Subject: 1\n\none\n\n" + postmark + "Subject: 2\n\ntwo\n\n",
-     {"Subject: 1\n\none\n", "Subject: 2\n\ntwo\n"}},
+    {"Two", postmark + "A: 1\n\none\n\n" + second + "\n", {"A: 1\n\none\n", "A: 2\n\n2\n"}},
     {"CrLf",
-     QByteArray(postmark + "A: 1\n\none\n\n" + postmark + "A: 2\n\ntwo\n").replace("\n", "\r\n"),
-     {"A: 1\r\n\r\none\r\n", "A: 2\r\n\r\ntwo\r\n"}},
+     QByteArray(postmark + "A: 1\n\none\n\n" + second).replace("\n", "\r\n"),
+     {"A: 1\r\n\r\none\r\n", "A: 2\r\n\r\n2\r\n"}},
     {"NoLastLineEnd", postmark + "A: 1\n\none", {"A: 1\n\none"}},
     {"QuotedOnce", postmark + "A: 1\n\n>From me\n>>From him\n> From\n", {"A: 1\n\nFrom me\n>From him\n> From\n"}},
-    {"SentenceIsNoEnd",
-     postmark + "A: 1\n\none\n\nFrom here on we walk.\n",
-     {"A: 1\n\none\n\nFrom here on we walk.\n"}},
+    {"SentenceIsNoEnd", postmark + sentence, {sentence}},
     {"NoEmptyLineBeforeIsNoEnd", postmark + "A: 1\n\none\n" + postmark, {"A: 1\n\none\n" + postmark}},
     {"NoBody", postmark + "A: 1\n\n" + postmark + "A: 2\n\n", {"A: 1\n", "A: 2\n"}},
-    {"ContentLength",
-     postmark + countedHeader + counted + "\n" + postmark + "A: 2\n\n2\n",
-     {countedHeader + counted, "A: 2\n\n2\n"}},
-    {"ContentLengthWithoutEmptyLine",
-     postmark + countedHeader + counted + postmark + "A: 2\n\n2\n",
-     {countedHeader + counted, "A: 2\n\n2\n"}},
+    {"ContentLength", postmark + countedHeader + counted + "\n" + second, {countedHeader + counted, "A: 2\n\n2\n"}},
+    {"NoEmptyLineBehindIt", postmark + countedHeader + counted + second, {countedHeader + counted, "A: 2\n\n2\n"}},
     {"WrongContentLength",
-     postmark + "Content-Length: 3\n\n12345\n\n" + postmark + "A: 2\n\n2\n",
+     postmark + "Content-Length: 3\n\n12345\n\n" + second,
      {"Content-Length: 3\n\n12345\n", "A: 2\n\n2\n"}},
-    {"HugeContentLength",
-     postmark + "Content-Length: 9223372036854775807\n\n1\n",
-     {"Content-Length: 9223372036854775807\n\n1\n"}},
+    {"HugeContentLength", postmark + hugeLength, {hugeLength}},
 };
 INSTANTIATE_TEST_SUITE_P(All, Mboxes, testing::ValuesIn(mboxes), nameOfCase);
 
@@ -156,15 +137,15 @@ class BadDevice : public QBuffer {
 // What was read stays read, half a message is none, and nobody takes the bad place for the end of the mailbox.
 TEST_F(Sources, AnMboxThatCantBeReadToItsEndSaysWhere) {
     const QByteArray first = postmark + "A: 1\n\n1\n\n";
-    const QByteArray second = postmark + countedHeader + counted + "\n";
-    const QByteArray whole = first + second + postmark + "A: 3\n\n3\n";
+    const QByteArray middle = postmark + countedHeader + counted + "\n";
+    const QByteArray whole = first + middle + postmark + "A: 3\n\n3\n";
     const struct {
         qint64 bad;
         qsizetype read;
     } cases[] = {{0, 0},
                  {first.size() - 3, 0},
                  {first.size() + postmark.size() + 9, 1},
-                 {first.size() + second.size() - 5, 1},
+                 {first.size() + middle.size() - 5, 1},
                  {whole.size() - 1, 2}};
     for (const auto &[bad, read] : cases) {
         const auto source = MessageSource::ofMbox("box", std::make_unique<BadDevice>(whole, bad));

@@ -5,8 +5,6 @@
 
 #include "desk/store/connection.h"
 
-#include <QFile>
-
 #include <random>
 
 #include <sys/resource.h>
@@ -22,16 +20,6 @@ class DamageTest : public StoreTest {
         const FolderId inbox = folderNamed(*store, QStringLiteral("Inbox"));
         for (int i = 0; i < items; ++i)
             store->insert(inbox, withSubject(QString::number(i)), everyPart(QString::number(i)));
-    }
-    static QByteArray contentOf(const QString &file) {
-        QFile read(file);
-        EXPECT_TRUE(read.open(QIODevice::ReadOnly));
-        return read.readAll();
-    }
-    static void write(const QString &file, const QByteArray &content) {
-        QFile written(file);
-        EXPECT_TRUE(written.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        EXPECT_EQ(written.write(content), content.size());
     }
     /// Gives up the rights of the superuser, who may write everything.
     static void becomeNobody() {
@@ -61,7 +49,7 @@ TEST_F(DamageTest, WhatIsNoStoreIsRefusedByNameAndLeftAlone) {
     for (const Case &each : cases) {
         SCOPED_TRACE(each.name);
         const QString file = path(QString::fromLatin1(each.name));
-        write(file, each.content);
+        writtenFile(file, each.content);
         const auto failure = Attempt([&] { const Store store(file); });
         ASSERT_TRUE(failure.has_value());
         EXPECT_EQ(failure->number(), failures::unspecified);
@@ -75,7 +63,7 @@ TEST_F(DamageTest, AMissingFileIsMadeOnlyWhenAsked) {
     EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), failures::notFound);
     EXPECT_FALSE(QFile::exists(path()));
     EXPECT_EQ(failureOf([&] { const Store store(path(QStringLiteral("none/x.store"))); }), failures::accessDenied);
-    write(path(), {});
+    writtenFile(path(), {});
     EXPECT_EQ(open()->root().parent, 0);
     EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), 0);
 }
@@ -92,7 +80,7 @@ TEST_F(DamageTest, DamageAnywhereEndsInAFailureAtWorst) {
             bad[static_cast<qsizetype>(random() % static_cast<unsigned>(bad.size()))] = static_cast<char>(random());
         bad.replace(0, 100, good.left(100));
         const QString file = path(QStringLiteral("bad%1").arg(round));
-        write(file, bad);
+        writtenFile(file, bad);
         failed += failureOf([&] {
                       Store store(file);
                       for (const FolderRecord &folder : store.childFolders(store.root().id)) {

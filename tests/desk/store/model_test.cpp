@@ -114,6 +114,7 @@ class ModelTest : public StoreTest, public ::testing::WithParamInterface<unsigne
     void copy(int store, int folder, int at) {
         ModelItem copied = m_model[store][folder][at];
         copied.record = any(store).copy(copied.record.id);
+        ASSERT_NE(copied.record.entryId, m_model[store][folder][at].record.entryId);
         m_model[store][folder].append(copied);
     }
     void move(int store, int folder, int at) {

@@ -2,23 +2,15 @@
 #pragma once
 
 #include "desk/store/store.h"
-#include "platform/value/failure.h"
+#include "support/files.h"
+#include "support/steps.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <ostream>
 
 namespace desk {
-
-/// The number of the failure that a step ends with; 0 when it ends well.
-template <class Step>
-qint32 failureOf(Step &&step) {
-    const std::optional<Failure> failure = Attempt(std::forward<Step>(step));
-    return failure ? failure->number() : 0;
-}
 
 /// The texts that break naive storage: quotes of SQL, surrogates without their other half, marks and nulls.
 inline QStringList oddTexts() {
