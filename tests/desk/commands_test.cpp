@@ -14,22 +14,11 @@ namespace {
 using CommandsTest = DeskProgramTest;
 
 TEST_F(CommandsTest, WrongUsageIsTwo) {
-    const QList<QStringList> cases{{"nonsense"},
-                                   {"folder"},
-                                   {"folder", "remove", "x"},
-                                   {"folder", "add"},
-                                   {"folder", "add", "a", "b"},
-                                   {"list"},
-                                   {"list", "a", "b"},
-                                   {"show"},
-                                   {"deliver"},
-                                   {"folders", "extra"},
-                                   {"list", "a", "--open", "b"},
-                                   {"--unknown"},
-                                   {"list", "a", "--columns"}};
-    for (const QStringList &arguments : cases) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.status, 2) << arguments.join(u' ').toStdString();
+    for (const QString line :
+         {"nonsense", "folder", "folder remove x", "folder add", "folder add a b", "list", "list a b", "show",
+          "deliver", "folders extra", "list a --open b", "--unknown", "list a --columns"}) {
+        const Outcome outcome = run(line.split(u' '));
+        EXPECT_EQ(outcome.status, 2) << line.toStdString();
         EXPECT_TRUE(outcome.out.isEmpty());
         EXPECT_TRUE(outcome.error.contains("--help")) << outcome.error.toStdString();
     }

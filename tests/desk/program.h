@@ -3,12 +3,11 @@
 
 #include "automation/remote.h"
 #include "platform/value/convert.h"
+#include "support/files.h"
+#include "support/steps.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -32,17 +31,7 @@ class DeskProgramTest : public ::testing::Test {
   protected:
     [[nodiscard]] QString profile() const { return m_folder.filePath(QStringLiteral("profile")); }
     [[nodiscard]] QString file(const QString &name) const { return m_folder.filePath(name); }
-    QString written(const QString &name, const QByteArray &bytes) const {
-        EXPECT_TRUE(QDir().mkpath(QFileInfo(file(name)).path()));
-        QFile out(file(name));
-        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-        return out.fileName();
-    }
-    [[nodiscard]] static QByteArray contentOf(const QString &path) {
-        QFile in(path);
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-    }
+    QString written(const QString &name, const QByteArray &bytes) const { return writtenFile(file(name), bytes); }
 
     [[nodiscard]] QStringList withProfile(const QStringList &arguments) const {
         return QStringList{"--profile", profile(), "--user", "Alma Tester"} + arguments;
@@ -85,15 +74,6 @@ class DeskProgramTest : public ::testing::Test {
     }
     [[nodiscard]] std::unique_ptr<automation::Client> connect(std::function<void()> gone = {}) const {
         return automation::Client::connect(profile() + QStringLiteral("/desk.socket"), std::move(gone));
-    }
-
-    /// Runs the event loop until the condition holds.
-    template <class Condition>
-    static bool comes(Condition condition) {
-        const QDeadlineTimer deadline(10'000);
-        while (!condition() && !deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
-        return condition();
     }
 
     QTemporaryDir m_folder;

@@ -3,6 +3,8 @@
 
 #include "desk/objects/desk.h"
 #include "platform/value/convert.h"
+#include "support/files.h"
+#include "support/steps.h"
 
 #include <gtest/gtest.h>
 
@@ -43,13 +45,6 @@ class Handle {
 
     automation::ObjectPtr m_object;
 };
-
-/// The number of the failure that a step ends with; 0 where it ends well.
-template <class Step>
-qint32 failureOf(Step &&step) {
-    const std::optional<Failure> failure = Attempt(std::forward<Step>(step));
-    return failure ? failure->number() : 0;
-}
 
 /// An event's calls, each as the texts of its arguments that are no objects.
 class Recorder {
@@ -107,16 +102,7 @@ class DeskTest : public ::testing::Test {
             all.append(items.of("Item", {i}).text("Subject"));
         return all;
     }
-    QString written(const QString &name, const QByteArray &bytes) const {
-        QFile out(file(name));
-        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
-        out.write(bytes);
-        return out.fileName();
-    }
-    [[nodiscard]] static QByteArray contentOf(const QString &path) {
-        QFile in(path);
-        return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-    }
+    QString written(const QString &name, const QByteArray &bytes) const { return writtenFile(file(name), bytes); }
     void reopen() {
         m_desk.reset();
         m_desk = std::make_unique<desk::Desk>(options());

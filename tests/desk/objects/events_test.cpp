@@ -6,21 +6,10 @@
 #include "desk/objects/folderpath.h"
 #include "desk/objects/session.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-
 namespace {
 
 class EventsTest : public DeskTest {
   protected:
-    /// Runs the event loop until the condition holds.
-    template <class Condition>
-    static bool comes(Condition condition) {
-        const QDeadlineTimer deadline(5000);
-        while (!condition() && !deadline.hasExpired())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 20);
-        return condition();
-    }
     /// Another process on the same profile puts mail into the Inbox.
     void deliverFromElsewhere(const QString &subject) const {
         const auto other = desk::Session::open(desk::Profile(options()));
@@ -116,7 +105,7 @@ TEST_F(EventsTest, WhatAnotherProcessBringsIsToldOnce) {
     const Recorder added(items, "ItemAdd");
     deliverFromElsewhere("One");
     deliverFromElsewhere("Two");
-    ASSERT_TRUE(comes([&] { return added.count() == 2; }));
+    ASSERT_TRUE(eventually([&] { return added.count() == 2; }));
     EXPECT_EQ(added.objects().first().text("Subject"), "One");
     EXPECT_EQ(added.objects().last().text("Subject"), "Two");
     static_cast<void>(savedItem(folder(6), "IPM.Post", "Own"));
@@ -264,15 +253,8 @@ TEST_F(EventsTest, BarsAndButtons) {
     const Handle bar = bars.of("Add", {"Helpdesk", 2, false, true});
     bar.put("Visible", true);
     const Handle button = bar.of("Controls").of("Add", {1, 1, Value::Missing{}, Value::Missing{}, true});
-    for (const auto &[member, value] : {std::pair<const char *, Value>{"Caption", "Copy"},
-                                        {"TooltipText", "Copies"},
-                                        {"FaceId", 19},
-                                        {"Width", 25},
-                                        {"Style", 1},
-                                        {"BeginGroup", true}}) {
-        button.put(member, value);
-        EXPECT_EQ(button.text(member), toText(value)) << member;
-    }
+    button.put("Caption", "Copy");
+    EXPECT_EQ(button.text("Caption"), "Copy");
     const Recorder clicks(button, "Click");
     bars.of("Item", {"helpdesk"}).of("Controls").of("Item", {1}).call("Execute");
     ASSERT_EQ(clicks.count(), 1);
