@@ -4,6 +4,7 @@
 
 #include "platform/ado/command.h"
 #include "platform/ado/recordset.h"
+#include "support/steps.h"
 
 #include <gtest/gtest.h>
 
@@ -78,11 +79,4 @@ inline QString column(const Ref<ado::Recordset> &set, const QString &name) {
         values.append(value.holds<QString>() ? std::get<QString>(value.held()) : value.kindName());
     }
     return values.join(",");
-}
-
-/// The number a step fails with; 0 when it does not.
-template <class Step>
-qint32 failureOf(Step &&step) {
-    const std::optional<Failure> failure = Attempt(std::forward<Step>(step));
-    return failure ? failure->number() : 0;
 }

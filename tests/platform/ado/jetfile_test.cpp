@@ -2,9 +2,7 @@
 
 #include "platform/ado/engine.h"
 #include "platform/ado/jetfile.h"
-
-#include <QFile>
-#include <QFileInfo>
+#include "support/files.h"
 
 #include <thread>
 
@@ -13,14 +11,7 @@ namespace {
 class JetFileTest : public ::testing::Test {
   protected:
     QString put(const QString &name, const QByteArray &content) {
-        QFile file(m_directory.filePath(name));
-        EXPECT_TRUE(file.open(QFile::WriteOnly) && file.write(content) == content.size());
-        return file.fileName();
-    }
-    static QByteArray bytes(const QString &path) {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QFile::ReadOnly));
-        return file.readAll();
+        return writtenFile(m_directory.filePath(name), content);
     }
     void addRow(const Ref<ado::Connection> &connection, const QString &text) {
         const Ref<ado::Recordset> set = openRecordset(connection, "tblAll");
@@ -40,7 +31,7 @@ TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
         for (int at = 0; at < 20; ++at)
             addRow(connection, QString(2000, u'x'));
     }
-    const QByteArray whole = bytes(m_engine.file());
+    const QByteArray whole = contentOf(m_engine.file());
     ASSERT_GT(whole.size(), 30000);
     const std::pair<QString, const char *> cases[] = {
         {m_directory.filePath("none.mdb"), "Could not find"},
@@ -57,18 +48,18 @@ TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
         {put("older.mdb", QByteArray(whole).replace("tblAll", "tblOld")), "older version"},
     };
     for (const auto &[path, word] : cases) {
-        const QByteArray before = QFileInfo(path).isFile() ? bytes(path) : QByteArray();
+        const QByteArray before = contentOf(path);
         const auto failure = Attempt([&, file = path] { openRecordset(FileEngine::connectTo(file), "tblAll"); });
         ASSERT_TRUE(failure) << qPrintable(path);
         EXPECT_EQ(failure->number(), path.contains("older") ? ado::statementFailed : failures::unspecified);
-        EXPECT_EQ(QFileInfo(path).isFile() ? bytes(path) : QByteArray(), before) << qPrintable(path);
+        EXPECT_EQ(contentOf(path), before) << qPrintable(path);
         EXPECT_TRUE(failure->description().contains(word)) << qPrintable(failure->description());
     }
     EXPECT_FALSE(QFile::exists(m_directory.filePath("none.mdb"))) << "opening never makes a file";
 }
 
 TEST_F(JetFileTest, TakesPathsWithBothSeparatorsAndOddSigns) {
-    const QString path = put(QString::fromUtf8("odd %20 #?&\u00E9.mdb"), bytes(m_engine.file()));
+    const QString path = put(QString::fromUtf8("odd %20 #?&\u00E9.mdb"), contentOf(m_engine.file()));
     QString text = path;
     EXPECT_EQ(failureOf([&] { FileEngine::connectTo(text.replace('/', '\\')); }), 0);
 }
@@ -174,7 +165,7 @@ TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
     const QString other = put("other.mdb", "no database");
     EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, moved); }), failures::fileExists);
     EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, other + "2"); }), 0);
-    EXPECT_EQ(bytes(other + "2"), "no database");
+    EXPECT_EQ(contentOf(other + "2"), "no database");
 }
 
 } // namespace

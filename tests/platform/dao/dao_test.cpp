@@ -4,6 +4,7 @@
 
 #include "platform/ado/command.h"
 #include "platform/ado/recordset.h"
+#include "support/steps.h"
 
 #include <gtest/gtest.h>
 
@@ -29,11 +30,6 @@ class Definition : public ::testing::Test {
         table->AppendField(id);
         database->AppendTableDef(table);
         return table;
-    }
-
-    static qint32 failureOf(const std::function<void()> &step) {
-        const std::optional<Failure> failure = Attempt(step);
-        return failure ? failure->number() : 0;
     }
 
     QTemporaryDir m_directory;

@@ -1,10 +1,7 @@
 #include "platform/registry/registry.h"
-#include "platform/value/failure.h"
+#include "support/files.h"
+#include "support/steps.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <sys/wait.h>
@@ -16,15 +13,6 @@ class Registry : public testing::Test {
   protected:
     void SetUp() override { registry::fileOverride = path; }
     void TearDown() override { registry::fileOverride = QString(); }
-    QByteArray bytes() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    void put(const QByteArray &content) const {
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
     QStringList damaged() const { return QDir(folder.path()).entryList({"registry.ini.damaged-*"}); }
 
     QTemporaryDir folder;
@@ -32,6 +20,9 @@ class Registry : public testing::Test {
 };
 
 TEST_F(Registry, KeepsAnyText) {
+    registry::remove("HKCU\\X");
+    EXPECT_EQ(registry::read("HKCU\\X"), std::nullopt);
+    EXPECT_FALSE(QFile::exists(path)) << "reading makes no file";
     const QStringList texts = {"",
                                "1",
                                "a=b",
@@ -49,12 +40,6 @@ TEST_F(Registry, KeepsAnyText) {
     registry::remove("HKCU\\Software\\A=B\\value 1");
     EXPECT_EQ(registry::read("HKCU\\Software\\A=B\\Value 1"), std::nullopt);
     EXPECT_EQ(registry::read("HKCU\\Software\\A=B\\Value 2"), "a=b");
-}
-
-TEST_F(Registry, ReadingMakesNoFile) {
-    EXPECT_EQ(registry::read("HKCU\\X"), std::nullopt);
-    registry::remove("HKCU\\X");
-    EXPECT_FALSE(QFile::exists(path));
 }
 
 TEST_F(Registry, TakesTurnsAmongProcesses) {
@@ -86,7 +71,7 @@ TEST_F(Registry, TakesTurnsAmongProcesses) {
 TEST_F(Registry, KeepsADamagedFileAsideAndSaysSo) {
     registry::write("HKCU\\A", "1");
     registry::write("HKCU\\B", "2");
-    const QByteArray whole = bytes();
+    const QByteArray whole = contentOf(path);
     const std::vector<std::pair<const char *, QByteArray>> cases = {
         {"empty", ""},
         {"cut", whole.left(whole.size() - 3)},
@@ -98,15 +83,13 @@ TEST_F(Registry, KeepsADamagedFileAsideAndSaysSo) {
     };
     qsizetype kept = 0;
     for (const auto &[name, content] : cases) {
-        put(content);
+        writtenFile(path, content);
         testing::internal::CaptureStderr();
         EXPECT_EQ(registry::read("HKCU\\B"), std::nullopt) << name;
         EXPECT_NE(testing::internal::GetCapturedStderr().find("is damaged"), std::string::npos) << name;
         ++kept;
         ASSERT_EQ(damaged().size(), kept) << name;
-        QFile aside(folder.filePath(QString("registry.ini.damaged-%1").arg(kept)));
-        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
-        EXPECT_EQ(aside.readAll(), content) << name;
+        EXPECT_EQ(contentOf(folder.filePath(QString("registry.ini.damaged-%1").arg(kept))), content) << name;
         registry::write("HKCU\\B", "3");
         EXPECT_EQ(registry::read("HKCU\\B"), "3") << name;
     }
@@ -114,7 +97,7 @@ TEST_F(Registry, KeepsADamagedFileAsideAndSaysSo) {
 
 TEST_F(Registry, FailsByNumberWhereItCannotWrite) {
     registry::fileOverride = QString("/proc/orvelle/registry.ini");
-    EXPECT_EQ(Attempt([] { registry::write("HKCU\\A", "1"); })->number(), failures::pathNotFound);
+    EXPECT_EQ(failureOf([] { registry::write("HKCU\\A", "1"); }), failures::pathNotFound);
 }
 
 } // namespace

@@ -1,11 +1,8 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
+#include "support/files.h"
+#include "support/steps.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
@@ -15,26 +12,17 @@
 
 namespace {
 
-qint32 failureOf(const std::function<void()> &step) {
-    const std::optional<Failure> failure = Attempt(step);
-    return failure ? failure->number() : 0;
-}
-
 /// A folder of its own, named by path texts with backslashes.
 class Files : public testing::Test {
   protected:
     QString at(const QString &name) const { return scripting::pathText(folder.path()) + "\\" + name; }
-    QByteArray bytes(const QString &name) const {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-    }
-    void put(const QString &name, const QByteArray &content) const {
-        QFile file(folder.filePath(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
+    QByteArray bytes(const QString &name) const { return contentOf(folder.filePath(name)); }
+    void put(const QString &name, const QByteArray &content) const { writtenFile(folder.filePath(name), content); }
     void write(const QString &name, const QString &text, bool unicode = false) const {
-        const auto stream = fso.CreateTextFile(at(name), true, unicode);
+        writeText(at(name), text, unicode);
+    }
+    void writeText(const QString &path, const QString &text, bool unicode = false) const {
+        const auto stream = fso.CreateTextFile(path, true, unicode);
         stream->Write(text);
         stream->Close();
     }
@@ -98,12 +86,7 @@ TEST_F(Files, FailByNumber) {
         {"make a folder twice", 58, [&] { fso.CreateFolder(at("sub")); }},
         {"read what is open for writing", 54, [&] { (void)fso.CreateTextFile(at("new.txt"))->ReadAll(); }},
         {"read an empty file", 62, [&] { (void)fso.OpenTextFile(at("empty.txt"), 1, true)->ReadAll(); }},
-        {"write to a full disk", 61,
-         [&] {
-             const auto stream = fso.CreateTextFile("\\dev\\full");
-             stream->Write("x");
-             stream->Close();
-         }},
+        {"write to a full disk", 61, [&] { writeText("\\dev\\full", "x"); }},
     };
     for (const Case &c : cases)
         EXPECT_EQ(failureOf(c.step), c.number) << c.name;
