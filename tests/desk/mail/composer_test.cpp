@@ -118,7 +118,7 @@ const Case cases[] = {
     {"LowAndPrivate", [](Message &m) { m.importance = Importance::Low, m.sensitivity = Sensitivity::Private; }},
     {"References",
      [](Message &m) {
-         m.references = m.inReplyTo = QStringList{"a@x", "ü@x", QString(300, u'r')};
+         m.inReplyTo = {"0@x"}, m.references = {"a@x", "ü@x", QString(300, u'r')};
      }},
     {"WestOfGreenwich", [](Message &m) { m.sentAt = m.sentAt.toOffsetFromUtc(-12600); }},
 };
