@@ -45,21 +45,22 @@ class Kills : public Copies, public testing::WithParamInterface<int> {
     /// Everybody starts on what lies there, and more comes while they scan and watch; some are killed while they
     /// convert and begin anew beside the others.
     void round(int mailsOfRound) {
-        // A start and about as long as they have to do.
-        const auto longest = static_cast<quint32>(200 + 25 * mailsOfRound);
+        const int part = std::max(1, mailsOfRound / 4);
         tidyUp();
-        deliverMails(mailsOfRound - mailsOfRound / 2);
+        deliverMails(part);
         for (const auto &person : people())
             person->startOrvelle();
-        QThread::msleep(m_random.bounded(longest));
-        deliverMails(mailsOfRound / 2);
+        // Into the start and the scan, and later into the watch.
+        QThread::msleep(m_random.bounded(static_cast<quint32>(250 + 10 * part)));
         do {
-            QThread::msleep(m_random.bounded(longest));
+            deliverMails(part);
+            // The desks look every tenth of a second; then about as long as they have to do.
+            QThread::msleep(m_random.bounded(static_cast<quint32>(120 + 10 * part)));
             const auto chosen = m_random.bounded(static_cast<quint32>(people().size()));
             killOne(*people()[chosen]);
             people()[chosen]->startOrvelle();
         } while (m_done < kills && m_random.bounded(2) == 0 && !HasFatalFailure());
-        QThread::msleep(m_random.bounded(longest / 2));
+        QThread::msleep(m_random.bounded(200U));
         for (const auto &person : people()) {
             person->endOrvelle();
             expectSilence(*person);
