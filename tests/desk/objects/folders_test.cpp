@@ -60,16 +60,6 @@ TEST_F(FoldersTest, IdentifiersLeadBackToTheFolder) {
         EXPECT_EQ(failureOf([&] { session().call("GetFolderFromID", wrong); }), failures::notFound);
 }
 
-TEST_F(FoldersTest, TheHomePageIsKept) {
-    const Handle made = publicFolder("Helpdesk");
-    EXPECT_FALSE(toBool(made.get("WebViewOn")));
-    made.put("WebViewURL", "file:/shared/Page.htm");
-    made.put("WebViewOn", true);
-    reopen();
-    EXPECT_EQ(publicFolder("Helpdesk").text("WebViewURL"), "file:/shared/Page.htm");
-    EXPECT_TRUE(toBool(publicFolder("Helpdesk").get("WebViewOn")));
-}
-
 TEST_F(FoldersTest, ADeletedFolderGoesToTheDeletedItemsAndThenForEver) {
     const Handle made = folder(6).of("Folders").of("Add", {"Old"});
     made.call("Delete");

@@ -226,6 +226,7 @@ TEST_F(MailTest, ADraftGoesByWayOfTheOutbox) {
     mail.put("SentOnBehalfOfName", "Service Desk <service@example.org>");
     mail.put("ReplyRecipientNames", "service@example.org");
     mail.call("Close", {0});
+    EXPECT_EQ(subjects(folder(4)), QStringList());
     const Handle moved = folder(16).of("Items").of("Item", {"Helpdesk Ticket {7}"}).of("Move", {folder(4)});
     EXPECT_EQ(toInt32(application().call("DeliverNow")), 0) << "what merely lies in the Outbox is not sent";
     moved.call("Send");

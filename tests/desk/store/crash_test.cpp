@@ -28,7 +28,7 @@ class CrashTest : public StoreTest {
     static ItemParts generation(int number) {
         const QString text = QString::number(number);
         return {.bodies = Bodies{.plain = text.repeated(3000), .html = text},
-                .properties = QList<Property>{{.name = QStringLiteral("A"), .value = text},
+                .properties = QList<Property>{{.name = "A", .value = text},
                                               {.name = QStringLiteral("B%1").arg(number % 3), .value = text}},
                 .attachments = QList<AttachmentRecord>{{.displayName = text, .data = text.toUtf8().repeated(4000)}},
                 .original = text.toUtf8()};
@@ -40,8 +40,8 @@ TEST_F(CrashTest, ASaveIsWholeOrNotThereAndAReportedOneIsThere) {
     ItemId id = 0;
     {
         const auto store = open();
-        folder = folderNamed(*store, QStringLiteral("Inbox"));
-        id = store->insert(folder, withSubject(QStringLiteral("0")), generation(0)).id;
+        folder = folderNamed(*store, "Inbox");
+        id = store->insert(folder, withSubject("0"), generation(0)).id;
     }
     int least = 0;
     for (int round = 0; round < 40; ++round) {
@@ -69,7 +69,7 @@ TEST_F(CrashTest, ASaveIsWholeOrNotThereAndAReportedOneIsThere) {
         const int promised = least + static_cast<int>(reported);
         ASSERT_TRUE(found == promised || found == promised + 1) << found << " after " << promised;
         ASSERT_TRUE(partsOf(*store, id) == generation(found));
-        ASSERT_EQ(store->find(folder, {{QStringLiteral("A"), QString::number(found)}}).value().id, id);
+        ASSERT_EQ(store->find(folder, {{"A", QString::number(found)}}).value().id, id);
         least = found;
     }
 }
@@ -80,8 +80,8 @@ TEST_F(CrashTest, AnItemIsAlwaysInOneFolder) {
     FolderId folders[2];
     {
         const auto store = open();
-        folders[0] = folderNamed(*store, QStringLiteral("0"));
-        folders[1] = folderNamed(*store, QStringLiteral("1"));
+        folders[0] = folderNamed(*store, "0");
+        folders[1] = folderNamed(*store, "1");
         for (int i = 0; i < items; ++i)
             store->insert(folders[0], withSubject(QString::number(i)), generation(i));
     }
@@ -124,19 +124,18 @@ TEST_F(CrashTest, AnItemIsAlwaysInOneFolder) {
 /// nothing of the other's that is under way.
 TEST_F(CrashTest, MovesBetweenStoresLoseAndDoubleNothing) {
     constexpr int items = 10;
-    const QString names[2] = {QStringLiteral("mailbox"), QStringLiteral("public")};
+    const QString names[2] = {"mailbox", "public"};
     {
         const auto store = open(names[0]);
-        const FolderId folder = folderNamed(*store, QStringLiteral("F"));
-        folderNamed(*open(names[1]), QStringLiteral("F"));
+        const FolderId folder = folderNamed(*store, "F");
+        folderNamed(*open(names[1]), "F");
         for (int i = 0; i < items; ++i)
             store->insert(folder, withSubject(QString::number(i)), generation(i));
     }
     const auto carry = [&](unsigned seed, int output) {
         std::minstd_rand random(seed);
         const std::unique_ptr<Store> stores[2] = {open(names[0]), open(names[1])};
-        const FolderId folders[2] = {folderNamed(*stores[0], QStringLiteral("F")),
-                                     folderNamed(*stores[1], QStringLiteral("F"))};
+        const FolderId folders[2] = {folderNamed(*stores[0], "F"), folderNamed(*stores[1], "F")};
         while (true) {
             const unsigned from = random() % 2;
             const qint64 count = stores[from]->count(folders[from]);
@@ -166,7 +165,7 @@ TEST_F(CrashTest, MovesBetweenStoresLoseAndDoubleNothing) {
         settled += settleTransfers(*mailbox, *shared);
         QStringList found;
         for (Store *store : {mailbox.get(), shared.get()})
-            for (const ItemRecord &item : store->itemsArrivedAfter(folderNamed(*store, QStringLiteral("F")), 0)) {
+            for (const ItemRecord &item : store->itemsArrivedAfter(folderNamed(*store, "F"), 0)) {
                 found << item.subject;
                 ASSERT_TRUE(partsOf(*store, item.id) == generation(item.subject.toInt()));
             }

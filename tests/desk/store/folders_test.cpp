@@ -8,8 +8,7 @@ namespace desk {
 
 class FoldersTest : public StoreTest {
   protected:
-    std::unique_ptr<Store> m_store =
-        std::make_unique<Store>(path(), StoreOptions{.rootName = QStringLiteral("Mailbox - Ann")});
+    std::unique_ptr<Store> m_store = std::make_unique<Store>(path(), StoreOptions{.rootName = "Mailbox - Ann"});
     FolderId m_root = m_store->root().id;
 
     FolderRecord add(FolderId parent, const QString &name) {
@@ -18,23 +17,23 @@ class FoldersTest : public StoreTest {
 };
 
 TEST_F(FoldersTest, ATreeIsMadeAndFoundAgain) {
-    EXPECT_EQ(m_store->root().name, QStringLiteral("Mailbox - Ann"));
+    EXPECT_EQ(m_store->root().name, "Mailbox - Ann");
     EXPECT_EQ(m_store->root().parent, 0);
     const FolderRecord inbox = m_store->addFolder({.parent = m_root,
-                                                   .name = QStringLiteral("Inbox"),
+                                                   .name = "Inbox",
                                                    .defaultItemType = 6,
-                                                   .homePageUrl = QStringLiteral("file:///x.htm"),
+                                                   .homePageUrl = "file:///x.htm",
                                                    .homePageOn = true,
                                                    .special = SpecialFolder::Inbox});
-    const FolderRecord below = add(inbox.id, QStringLiteral("12"));
+    const FolderRecord below = add(inbox.id, "12");
     m_store.reset();
     m_store = open();
-    EXPECT_EQ(m_store->root().name, QStringLiteral("Mailbox - Ann"));
+    EXPECT_EQ(m_store->root().name, "Mailbox - Ann");
     EXPECT_EQ(m_store->specialFolder(SpecialFolder::Inbox), inbox);
     EXPECT_FALSE(m_store->specialFolder(SpecialFolder::Drafts).has_value());
     EXPECT_EQ(m_store->childFolders(m_root), QList{inbox});
-    EXPECT_EQ(m_store->findFolder(inbox.id, QStringLiteral("12")), below);
-    EXPECT_FALSE(m_store->findFolder(m_root, QStringLiteral("INBOX")).has_value());
+    EXPECT_EQ(m_store->findFolder(inbox.id, "12"), below);
+    EXPECT_FALSE(m_store->findFolder(m_root, "INBOX").has_value());
     for (const QString &name : oddTexts())
         EXPECT_EQ(m_store->findFolder(m_root, name), std::nullopt) << name.left(20).toStdString();
     for (const QString &name : oddTexts()) {
@@ -45,28 +44,28 @@ TEST_F(FoldersTest, ATreeIsMadeAndFoundAgain) {
 }
 
 TEST_F(FoldersTest, ANameIsTakenOnce) {
-    FolderRecord one = add(m_root, QStringLiteral("One"));
-    add(m_root, QStringLiteral("Two"));
-    EXPECT_EQ(failureOf([&] { add(m_root, QStringLiteral("One")); }), failures::keyExists);
-    EXPECT_EQ(failureOf([&] { add(4711, QStringLiteral("One")); }), failures::notFound);
-    one.name = QStringLiteral("Two");
+    FolderRecord one = add(m_root, "One");
+    add(m_root, "Two");
+    EXPECT_EQ(failureOf([&] { add(m_root, "One"); }), failures::keyExists);
+    EXPECT_EQ(failureOf([&] { add(4711, "One"); }), failures::notFound);
+    one.name = "Two";
     EXPECT_EQ(failureOf([&] { m_store->saveFolder(one); }), failures::keyExists);
-    one.name = QStringLiteral("one");
+    one.name = "one";
     one.homePageOn = true;
     EXPECT_EQ(m_store->saveFolder(one), one);
     EXPECT_EQ(m_store->folder(one.id), one);
 }
 
 TEST_F(FoldersTest, AMovedFolderKeepsItsItemsAndFindsAFreeName) {
-    const FolderRecord deleted = add(m_root, QStringLiteral("Deleted Items"));
+    const FolderRecord deleted = add(m_root, "Deleted Items");
     for (int i = 1; i <= 3; ++i) {
-        const FolderRecord gone = add(m_root, QStringLiteral("12"));
-        const FolderRecord below = add(gone.id, QStringLiteral("Received"));
-        m_store->insert(below.id, withSubject(QStringLiteral("kept")));
+        const FolderRecord gone = add(m_root, "12");
+        const FolderRecord below = add(gone.id, "Received");
+        m_store->insert(below.id, withSubject("kept"));
         const FolderRecord moved = m_store->moveFolder(gone.id, deleted.id);
-        EXPECT_EQ(moved.name, i == 1 ? QStringLiteral("12") : QStringLiteral("12 (%1)").arg(i));
+        EXPECT_EQ(moved.name, i == 1 ? "12" : QStringLiteral("12 (%1)").arg(i));
         EXPECT_EQ(moved.parent, deleted.id);
-        EXPECT_EQ(subjects(*m_store, below.id), QStringList(QStringLiteral("kept")));
+        EXPECT_EQ(subjects(*m_store, below.id), QStringList("kept"));
         EXPECT_EQ(failureOf([&] { m_store->moveFolder(deleted.id, below.id); }), failures::invalidCall);
     }
     EXPECT_EQ(failureOf([&] { m_store->moveFolder(m_root, deleted.id); }), failures::invalidCall);
@@ -74,9 +73,9 @@ TEST_F(FoldersTest, AMovedFolderKeepsItsItemsAndFindsAFreeName) {
 }
 
 TEST_F(FoldersTest, ARemovedFolderTakesAllBelowItAlong) {
-    const FolderRecord one = add(m_root, QStringLiteral("One"));
-    const FolderRecord two = add(one.id, QStringLiteral("Two"));
-    const ItemRecord item = m_store->insert(two.id, {}, everyPart(QStringLiteral("x")));
+    const FolderRecord one = add(m_root, "One");
+    const FolderRecord two = add(one.id, "Two");
+    const ItemRecord item = m_store->insert(two.id, {}, everyPart("x"));
     const qint64 attachment = m_store->attachments(item.id).value(0).id;
     EXPECT_EQ(m_store->count(two.id), 1);
     const auto other = open();
@@ -93,8 +92,8 @@ TEST_F(FoldersTest, ARemovedFolderTakesAllBelowItAlong) {
 
 /// Positions asked for in every order, while two connections add and take away at both ends and in the middle.
 TEST_F(FoldersTest, PositionsFollowWhatBothConnectionsDo) {
-    const FolderId folder = add(m_root, QStringLiteral("Shared")).id;
-    const FolderId aside = add(m_root, QStringLiteral("Aside")).id;
+    const FolderId folder = add(m_root, "Shared").id;
+    const FolderId aside = add(m_root, "Aside").id;
     const auto other = open();
     std::mt19937 random(7);
     QList<ItemId> expected;

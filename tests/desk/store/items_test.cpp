@@ -10,8 +10,8 @@ namespace desk {
 class ItemsTest : public StoreTest {
   protected:
     std::unique_ptr<Store> m_store = open();
-    FolderId m_inbox = folderNamed(*m_store, QStringLiteral("Inbox"));
-    FolderId m_done = folderNamed(*m_store, QStringLiteral("Done"));
+    FolderId m_inbox = folderNamed(*m_store, "Inbox");
+    FolderId m_done = folderNamed(*m_store, "Done");
 
     void reopen() {
         m_store.reset();
@@ -75,25 +75,25 @@ TEST_F(ItemsTest, AnyTextComesBackFromAnyPlace) {
 }
 
 TEST_F(ItemsTest, PropertiesKeepKindsAndOrderOfAddingAndIgnoreCase) {
-    ItemRecord item = m_store->insert(m_inbox, {}, everyPart(QStringLiteral("a")));
+    ItemRecord item = m_store->insert(m_inbox, {}, everyPart("a"));
     QList<Property> properties = m_store->properties(item.id);
     const QList<Property> before = properties;
     properties.removeAt(1);
-    properties[0].name = QStringLiteral("TEXT");
-    properties[0].value = QStringLiteral("b");
-    properties.prepend({.name = QStringLiteral("New"), .type = PropertyType::Number, .value = qint32{7}});
+    properties[0].name = "TEXT";
+    properties[0].value = "b";
+    properties.prepend({.name = "New", .type = PropertyType::Number, .value = qint32{7}});
     item = m_store->save(item, {.properties = properties});
     const QList<Property> after = m_store->properties(item.id);
     ASSERT_EQ(after.size(), 5);
-    EXPECT_EQ(after[0], (Property{.name = QStringLiteral("TEXT"), .value = QStringLiteral("b")}));
+    EXPECT_EQ(after[0], (Property{.name = "TEXT", .value = "b"}));
     EXPECT_EQ(after[1], before[2]);
     EXPECT_EQ(after[3], before[4]);
     EXPECT_TRUE(after[3].value.isEmpty());
     EXPECT_EQ(after[4].value, Value(7.0));
 
-    const QList<Property> twice{{.name = QStringLiteral("Σίσυφος")}, {.name = QStringLiteral("ΣΊΣΥΦΟΣ")}};
+    const QList<Property> twice{{.name = "Σίσυφος"}, {.name = "ΣΊΣΥΦΟΣ"}};
     EXPECT_EQ(failureOf([&] { m_store->save(item, {.properties = twice}); }), failures::invalidCall);
-    const QList<Property> wrong{{.name = QStringLiteral("N"), .type = PropertyType::Number, .value = "x"}};
+    const QList<Property> wrong{{.name = "N", .type = PropertyType::Number, .value = "x"}};
     EXPECT_EQ(failureOf([&] { m_store->save(item, {.properties = wrong}); }), failures::typeMismatch);
     EXPECT_EQ(m_store->properties(item.id), after);
 }
@@ -102,22 +102,20 @@ TEST_F(ItemsTest, AttachmentsAreAddedRemovedRenamedAndReordered) {
     const auto named = [](const QString &name) {
         return AttachmentRecord{.fileName = name, .displayName = name, .data = name.toUtf8()};
     };
-    ItemRecord item = m_store->insert(
-        m_inbox, {},
-        {.attachments = QList{named(QStringLiteral("a")), named(QStringLiteral("b")), named(QStringLiteral("c"))}});
+    ItemRecord item = m_store->insert(m_inbox, {}, {.attachments = QList{named("a"), named("b"), named("c")}});
     EXPECT_EQ(item.attachmentCount, 3);
     EXPECT_EQ(item.size, 3);
     QList<AttachmentRecord> list = m_store->attachments(item.id);
     const qint64 idOfA = list[0].id;
-    list = {list[2], named(QStringLiteral("dddd")), list[1]};
-    list[2].displayName = QStringLiteral("B");
+    list = {list[2], named("dddd"), list[1]};
+    list[2].displayName = "B";
     item = m_store->save(item, {.attachments = list});
     EXPECT_EQ(item.attachmentCount, 3);
     EXPECT_EQ(item.size, 6);
     QStringList names;
     for (const AttachmentRecord &attachment : m_store->attachments(item.id))
         names << attachment.displayName + u'=' + QString::fromUtf8(m_store->attachmentData(attachment.id));
-    EXPECT_EQ(names.join(u' '), QStringLiteral("c=c dddd=dddd B=b"));
+    EXPECT_EQ(names.join(u' '), "c=c dddd=dddd B=b");
     EXPECT_EQ(failureOf([&] { static_cast<void>(m_store->attachmentData(idOfA)); }), failures::notFound);
 
     AttachmentRecord foreign;
@@ -145,7 +143,7 @@ TEST_F(ItemsTest, AnItemThatWentIsGoneForEveryOperation) {
     for (const Case &each : cases) {
         SCOPED_TRACE(each.name);
         const auto other = open();
-        const ItemRecord mine = m_store->insert(m_inbox, withSubject(QStringLiteral("x")));
+        const ItemRecord mine = m_store->insert(m_inbox, withSubject("x"));
         each.take(*other, mine);
         EXPECT_EQ(failureOf([&] { m_store->save(mine); }), failures::itemGone);
         EXPECT_EQ(failureOf([&] { m_store->move(mine, m_done); }), failures::itemGone);
@@ -160,21 +158,20 @@ TEST_F(ItemsTest, AnItemThatWentIsGoneForEveryOperation) {
 }
 
 TEST_F(ItemsTest, AMoveTakesAlongWhatOthersSavedAndArrivesLast) {
-    const ItemRecord first =
-        m_store->insert(m_inbox, withSubject(QStringLiteral("first")), everyPart(QStringLiteral("p")));
-    m_store->insert(m_done, withSubject(QStringLiteral("there before")));
+    const ItemRecord first = m_store->insert(m_inbox, withSubject("first"), everyPart("p"));
+    m_store->insert(m_done, withSubject("there before"));
     const auto other = open();
     ItemRecord theirs = other->item(first.id).value();
-    theirs.subject = QStringLiteral("renamed");
+    theirs.subject = "renamed";
     other->save(theirs);
     const ItemRecord moved = m_store->move(first, m_done);
     EXPECT_EQ(moved.entryId, first.entryId);
     EXPECT_GT(moved.arrival, first.arrival);
-    EXPECT_EQ(subjects(*m_store, m_done), QStringList({QStringLiteral("there before"), QStringLiteral("renamed")}));
+    EXPECT_EQ(subjects(*m_store, m_done), QStringList({"there before", "renamed"}));
     EXPECT_EQ(m_store->count(m_inbox), 0);
-    EXPECT_TRUE(partsOf(*m_store, first.id) == everyPart(QStringLiteral("p")));
-    EXPECT_EQ(m_store->find(m_done, {{QStringLiteral("text"), QStringLiteral("P")}}).value().id, first.id);
-    EXPECT_FALSE(m_store->find(m_inbox, {{QStringLiteral("text"), QStringLiteral("P")}}).has_value());
+    EXPECT_TRUE(partsOf(*m_store, first.id) == everyPart("p"));
+    EXPECT_EQ(m_store->find(m_done, {{"text", "P"}}).value().id, first.id);
+    EXPECT_FALSE(m_store->find(m_inbox, {{"text", "P"}}).has_value());
     EXPECT_EQ(m_store->save(moved).version, moved.version + 1);
     EXPECT_EQ(failureOf([&] { m_store->move(moved, 4711); }), failures::notFound);
     EXPECT_EQ(failureOf([&] { m_store->insert(4711, {}); }), failures::notFound);
@@ -190,7 +187,7 @@ TEST_F(ItemsTest, NumbersAreNeverUsedAgain) {
 }
 
 TEST_F(ItemsTest, EntryIdentifiersAreFoundInTheirOwnStoreOnly) {
-    const auto other = open(QStringLiteral("public.store"));
+    const auto other = open("public.store");
     const ItemRecord item = m_store->insert(m_inbox, {});
     EXPECT_EQ(item.entryId.size(), 48);
     EXPECT_EQ(m_store->storeId().size(), 40);
@@ -201,7 +198,7 @@ TEST_F(ItemsTest, EntryIdentifiersAreFoundInTheirOwnStoreOnly) {
     EXPECT_EQ(inbox.entryId.size(), 48);
     EXPECT_EQ(m_store->folderByEntryId(inbox.entryId), inbox);
     EXPECT_FALSE(m_store->itemByEntryId(inbox.entryId).has_value());
-    other->insert(folderNamed(*other, QStringLiteral("Inbox")), {});
+    other->insert(folderNamed(*other, "Inbox"), {});
     EXPECT_FALSE(other->itemByEntryId(item.entryId).has_value());
     const QStringList noIdentifiers = oddTexts() + QStringList{QString(48, u'0'), QString(48, u'F'),
                                                                item.entryId + u'0', item.entryId.chopped(1) + u'é'};
@@ -214,17 +211,17 @@ TEST_F(ItemsTest, AnotherConnectionsCommitsAreNoticed) {
     const qint64 before = m_store->lastArrival();
     static_cast<void>(m_store->changed());
     EXPECT_FALSE(m_store->changed());
-    m_store->insert(m_inbox, withSubject(QStringLiteral("mine")));
+    m_store->insert(m_inbox, withSubject("mine"));
     EXPECT_FALSE(m_store->changed());
     EXPECT_TRUE(other->changed());
-    other->insert(m_inbox, withSubject(QStringLiteral("theirs")));
-    other->insert(m_done, withSubject(QStringLiteral("elsewhere")));
+    other->insert(m_inbox, withSubject("theirs"));
+    other->insert(m_done, withSubject("elsewhere"));
     EXPECT_TRUE(m_store->changed());
     EXPECT_FALSE(m_store->changed());
     QStringList arrived;
     for (const ItemRecord &item : m_store->itemsArrivedAfter(m_inbox, before))
         arrived << item.subject;
-    EXPECT_EQ(arrived, QStringList({QStringLiteral("mine"), QStringLiteral("theirs")}));
+    EXPECT_EQ(arrived, QStringList({"mine", "theirs"}));
     EXPECT_EQ(m_store->itemsArrivedAfter(m_inbox, before, 1).size(), 1);
 }
 

@@ -3,6 +3,7 @@
 #include "storefixture.h"
 
 #include "desk/store/transfer.h"
+#include "platform/value/convert.h"
 
 #include <random>
 
@@ -47,8 +48,7 @@ class ModelTest : public StoreTest, public ::testing::WithParamInterface<unsigne
     int below(qsizetype limit) { return static_cast<int>(m_random() % static_cast<unsigned>(limit)); }
     Store &any(int store) { return *m_stores[store][below(2)]; }
     QString anyText() {
-        const QStringList texts =
-            oddTexts() + QStringList{QStringLiteral("a"), QStringLiteral("A"), QStringLiteral("b")};
+        const QStringList texts = oddTexts() + QStringList{"a", "A", "b"};
         return texts[below(texts.size())];
     }
     ItemParts anyParts() {
@@ -162,9 +162,15 @@ class ModelTest : public StoreTest, public ::testing::WithParamInterface<unsigne
         const int store = below(storeCount);
         const int folder = below(folderCount);
         const QString text = anyText();
-        const QList<Condition> conditions{{Field::Subject, text}};
-        const auto expected = std::ranges::find_if(m_model[store][folder], [&text](const ModelItem &item) {
-            return item.record.subject.compare(text, Qt::CaseInsensitive) == 0;
+        const QString property = QStringLiteral("P%1").arg(below(6));
+        const bool isBySubject = below(2) == 0;
+        const QList<Condition> conditions{isBySubject ? Condition{Field::Subject, text} : Condition{property, text}};
+        const auto expected = std::ranges::find_if(m_model[store][folder], [&](const ModelItem &item) {
+            const auto held = std::ranges::find(*item.parts.properties, property, &Property::name);
+            const QString said = isBySubject                            ? item.record.subject
+                                 : held != item.parts.properties->end() ? toText(held->value)
+                                                                        : QString();
+            return said.compare(text, Qt::CaseInsensitive) == 0;
         });
         const auto found = any(store).find(m_folders[store][folder], conditions);
         ASSERT_EQ(found.has_value(), expected != m_model[store][folder].end());

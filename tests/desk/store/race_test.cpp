@@ -16,8 +16,8 @@ class RaceTest : public StoreTest {
     static constexpr int racers = 3;
 
     std::unique_ptr<Store> m_store = open();
-    FolderId m_inbox = folderNamed(*m_store, QStringLiteral("Inbox"));
-    FolderId m_done = folderNamed(*m_store, QStringLiteral("Done"));
+    FolderId m_inbox = folderNamed(*m_store, "Inbox");
+    FolderId m_done = folderNamed(*m_store, "Done");
 
     /// What each racer's failure was, 0 for success, sorted; every racer has a connection of its own and the same
     /// record.
@@ -42,7 +42,7 @@ class RaceTest : public StoreTest {
 TEST_F(RaceTest, OneOfSeveralSavesWins) {
     const QList<qint32> oneWins{failures::itemChanged, failures::itemChanged, 0};
     for (int round = 0; round < rounds; ++round) {
-        const ItemRecord item = m_store->insert(m_inbox, withSubject(QStringLiteral("x")));
+        const ItemRecord item = m_store->insert(m_inbox, withSubject("x"));
         EXPECT_EQ(race(item,
                        [](Store &store, ItemRecord mine, int racer) {
                            mine.billingInformation = QString::number(racer);
@@ -57,8 +57,8 @@ TEST_F(RaceTest, OneOfSeveralSavesWins) {
 }
 
 TEST_F(RaceTest, OneOfSeveralTakersWins) {
-    const auto target = open(QStringLiteral("public.store"));
-    const FolderId tickets = folderNamed(*target, QStringLiteral("Tickets"));
+    const auto target = open("public.store");
+    const FolderId tickets = folderNamed(*target, "Tickets");
     const QList<qint32> oneWins{failures::itemGone, failures::itemGone, 0};
     for (int round = 0; round < rounds; ++round) {
         const ItemRecord item = m_store->insert(m_inbox, withSubject(QString::number(round)));
@@ -69,7 +69,7 @@ TEST_F(RaceTest, OneOfSeveralTakersWins) {
                            else if (racer == 1)
                                store.remove(mine);
                            else
-                               moveBetween(store, mine, *open(QStringLiteral("public.store")), tickets);
+                               moveBetween(store, mine, *open("public.store"), tickets);
                        }),
                   oneWins);
         EXPECT_EQ(m_store->count(m_inbox), 0);

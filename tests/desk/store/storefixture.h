@@ -15,9 +15,9 @@ namespace desk {
 /// The texts that break naive storage: quotes of SQL, surrogates without their other half, marks and nulls.
 inline QStringList oddTexts() {
     return {QString(),
-            QStringLiteral("'; DROP TABLE items; --"),
-            QStringLiteral("O'Neill \"quoted\" \\ % _ ? :id"),
-            QStringLiteral("Grüße, 中文, עברית, 😀"),
+            "'; DROP TABLE items; --",
+            "O'Neill \"quoted\" \\ % _ ? :id",
+            "Grüße, 中文, עברית, 😀",
             QString(QChar(0xD83D)),
             QStringLiteral("cut ") + QChar(0xD83D),
             QString(QChar(0xDE00)) + QStringLiteral(" rest"),
@@ -25,17 +25,15 @@ inline QStringList oddTexts() {
             QString(QChar(0xFFFE)) + QStringLiteral("swapped"),
             QStringLiteral("end") + QChar(0xFFFF),
             QStringLiteral("null") + QChar(u'\0') + QStringLiteral("inside"),
-            QStringLiteral("line\r\nend\t\x1f"),
+            "line\r\nend\t\x1f",
             QString(5000, QChar(u'x')),
             QString(700, QChar(0xDC00))};
 }
 
 class StoreTest : public ::testing::Test {
   protected:
-    [[nodiscard]] QString path(const QString &name = QStringLiteral("mailbox.store")) const {
-        return m_directory.filePath(name);
-    }
-    [[nodiscard]] std::unique_ptr<Store> open(const QString &name = QStringLiteral("mailbox.store")) const {
+    [[nodiscard]] QString path(const QString &name = "mailbox.store") const { return m_directory.filePath(name); }
+    [[nodiscard]] std::unique_ptr<Store> open(const QString &name = "mailbox.store") const {
         return std::make_unique<Store>(path(name));
     }
     /// A folder of the store's root, made when it is missing.
@@ -47,7 +45,7 @@ class StoreTest : public ::testing::Test {
     }
     static ItemRecord withSubject(const QString &subject) {
         ItemRecord record;
-        record.messageClass = QStringLiteral("IPM.Note");
+        record.messageClass = "IPM.Note";
         record.subject = subject;
         return record;
     }
@@ -61,13 +59,12 @@ class StoreTest : public ::testing::Test {
     static ItemParts everyPart(const QString &text) {
         return {.bodies = Bodies{.plain = text, .html = QStringLiteral("<p>") + text},
                 .properties =
-                    QList<Property>{{.name = QStringLiteral("Text"), .value = text},
-                                    {.name = QStringLiteral("Number"), .type = PropertyType::Number, .value = 1.5},
-                                    {.name = QStringLiteral("Moment"),
-                                     .type = PropertyType::Date,
-                                     .value = DateTime::fromDate(2004, 2, 29)},
-                                    {.name = QStringLiteral("Yes"), .type = PropertyType::YesNo, .value = true},
-                                    {.name = QStringLiteral("Unset")}},
+                    QList<Property>{
+                        {.name = "Text", .value = text},
+                        {.name = "Number", .type = PropertyType::Number, .value = 1.5},
+                        {.name = "Moment", .type = PropertyType::Date, .value = DateTime::fromDate(2004, 2, 29)},
+                        {.name = "Yes", .type = PropertyType::YesNo, .value = true},
+                        {.name = "Unset"}},
                 .attachments =
                     QList<AttachmentRecord>{
                         {.fileName = text + QStringLiteral(".txt"), .displayName = text, .data = text.toUtf8()},
@@ -90,7 +87,7 @@ class StoreTest : public ::testing::Test {
 
     /// A directory in memory, where the machine has one: a test makes thousands of durable commits.
     static QString directoryTemplate() {
-        const QString memory = QStringLiteral("/dev/shm");
+        const QString memory = "/dev/shm";
         return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + QStringLiteral("/store-XXXXXX");
     }
 

@@ -49,11 +49,10 @@ TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
     };
     for (const auto &[path, word] : cases) {
         const QByteArray before = contentOf(path);
-        const auto failure = Attempt([&, file = path] { openRecordset(FileEngine::connectTo(file), "tblAll"); });
-        ASSERT_TRUE(failure) << qPrintable(path);
-        EXPECT_EQ(failure->number(), path.contains("older") ? ado::statementFailed : failures::unspecified);
-        EXPECT_EQ(contentOf(path), before) << qPrintable(path);
-        EXPECT_TRUE(failure->description().contains(word)) << qPrintable(failure->description());
+        SCOPED_TRACE(qPrintable(path));
+        expectFailure([&, file = path] { openRecordset(FileEngine::connectTo(file), "tblAll"); },
+                      path.contains("older") ? ado::statementFailed : failures::unspecified, {word});
+        EXPECT_EQ(contentOf(path), before);
     }
     EXPECT_FALSE(QFile::exists(m_directory.filePath("none.mdb"))) << "opening never makes a file";
 }
@@ -69,10 +68,7 @@ TEST_F(JetFileTest, AReadOnlyFileIsReadAndNotWritten) {
     ASSERT_TRUE(QFile::setPermissions(m_engine.file(), QFile::ReadOwner | QFile::ReadUser));
     const Ref<ado::Connection> connection = m_engine.connect();
     EXPECT_EQ(openRecordset(connection, "Select * from tblAll where strText = '1'")->RecordCount(), 0);
-    const auto failure = Attempt([&] { addRow(connection, "b"); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), failures::unspecified);
-    EXPECT_TRUE(failure->description().contains("read-only")) << qPrintable(failure->description());
+    expectFailure([&] { addRow(connection, "b"); }, failures::unspecified, {"read-only"});
     EXPECT_EQ(rows(), 1);
 }
 
@@ -83,10 +79,7 @@ TEST_F(JetFileTest, AFullDiskLeavesTheRowAsItWas) {
     limit.SetActiveConnection(connection);
     limit.SetCommandText("PRAGMA max_page_count = 4");
     limit.Execute();
-    const auto failure = Attempt([&] { addRow(connection, QString(100000, u'x')); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), failures::unspecified);
-    EXPECT_TRUE(failure->description().contains("full")) << qPrintable(failure->description());
+    expectFailure([&] { addRow(connection, QString(100000, u'x')); }, failures::unspecified, {"full"});
     addRow(connection, "b");
     EXPECT_EQ(rows(), 2);
 }
@@ -98,10 +91,7 @@ TEST_F(JetFileTest, AWriterWaitsForAnotherAndGivesUpInTime) {
     lock.SetActiveConnection(theirs);
     lock.SetCommandText("BEGIN IMMEDIATE");
     lock.Execute();
-    const auto failure = Attempt([&] { addRow(mine, "a"); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), failures::unspecified);
-    EXPECT_TRUE(failure->description().contains("another program")) << qPrintable(failure->description());
+    expectFailure([&] { addRow(mine, "a"); }, failures::unspecified, {"another program"});
     EXPECT_EQ(openRecordset(mine, "tblAll")->RecordCount(), 0) << "readers are not held up";
     lock.SetCommandText("COMMIT");
     lock.Execute();
@@ -122,8 +112,8 @@ TEST_F(JetFileTest, WritersSideBySideLoseNothingAndReadersSeeNoHalfRow) {
             set->Update();
         }
     };
-    std::thread one([&] { write(1); });
-    std::thread two([&] { write(2); });
+    std::jthread one([&] { write(1); });
+    std::jthread two([&] { write(2); });
     const Ref<ado::Connection> reader = m_engine.connect();
     for (qint32 seen = 0; seen < 2 * each;) {
         const Ref<ado::Recordset> set = openRecordset(reader, "tblAll");
