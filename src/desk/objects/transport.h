@@ -10,7 +10,8 @@ class Session;
 /// Mail goes out through a folder that the mail system picks up from: one message file each, complete when it appears.
 ///
 /// No crash loses a message or sends it twice. Each goes through
-///   1. ".sending/<entry id>.part" is written and durable; the item is in the Outbox: the file is dropped after a crash;
+///   1. ".sending/<entry id>.part" is written and durable; the item is in the Outbox: the file is dropped after a
+///   crash;
 ///   2. the item is moved from the Outbox, which is the moment it counts as sent;
 ///   3. the file is renamed to "<message id>.eml": done after a crash, too.
 class Transport {
