@@ -1,21 +1,21 @@
 #include "core/dialogs.h"
 
 #include "core/runtime.h"
-#include "corefixture.h"
-#include "fakehost.h"
+#include "support/fakeobject.h"
+#include "support/program.h"
 
 namespace {
 
 /// A host, with or without an assistant.
-class Dialogs : public Core {
+class Dialogs : public support::Program {
   protected:
     void giveAssistant() { host->properties["Assistant"] = automation::ObjectPtr(assistant); }
     void answerWith(qint32 number) {
         assistant->calls["DoAlert"] = [number](const ValueList &) { return Value(number); };
     }
 
-    std::shared_ptr<FakeObject> host = std::make_shared<FakeObject>("Application");
-    std::shared_ptr<FakeObject> assistant = std::make_shared<FakeObject>("Assistant");
+    std::shared_ptr<support::FakeObject> host = std::make_shared<support::FakeObject>("Application");
+    std::shared_ptr<support::FakeObject> assistant = std::make_shared<support::FakeObject>("Assistant");
     host::Application oua{automation::ObjectPtr(host)};
 };
 
@@ -59,9 +59,7 @@ TEST_F(Dialogs, AMessageBoxAlsoTakesThePlaceOfAnAssistantThatFails) {
     answers.expect("Open?", window::No);
     EXPECT_EQ(fncAssistantYesNo(oua, "Open?", 4), 7);
     EXPECT_EQ(fncLastStep(), "Creating Assistant to display message Open?");
-}
-
-TEST_F(Dialogs, AMessageWithoutAHostIsNotShownAndAQuestionIs) {
+    // Without a host a question is asked, and a message is not shown.
     subAssistantMessage(nullptr, "told");
     answers.expect("Open?", window::Yes);
     EXPECT_EQ(fncAssistantYesNo(nullptr, "Open?", 4), 6);
@@ -120,25 +118,6 @@ TEST_F(Dialogs, AControlTakesTheColourAtItsCentreAndKeepsItsOwnOtherwise) {
         subApplyBackColorToControl(surface, box);
         EXPECT_EQ(box.color, c.color);
     }
-}
-
-TEST_F(Dialogs, AFormIsShownInTheTaskbarAndOnlyAVisibleOneTakesTheFocus) {
-    struct Window : window::Form {
-        QString Caption() const override { return "Caption"; }
-        bool Visible() const override { return visible; }
-        void setTopMost(bool value) override { log << QString("top %1").arg(value); }
-        void setInTaskBar(bool value) override { log << QString("taskbar %1").arg(value); }
-        void SetFocus() override { log << "focus"; }
-        bool visible = false;
-        QStringList log;
-    };
-    Window frm;
-    subEnsureVisibleTaskBar(frm, "");
-    frm.visible = true;
-    subEnsureVisibleTaskBar(frm, "Title");
-    clsAlwaysOnTop::MakeTopMost(frm);
-    clsAlwaysOnTop::MakeNormal(frm);
-    EXPECT_EQ(frm.log, (QStringList{"taskbar 1", "taskbar 1", "focus", "top 1", "top 0"}));
 }
 
 } // namespace

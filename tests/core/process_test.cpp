@@ -1,19 +1,23 @@
 // Entering and ending the program, and its log.
 
-#include "corefixture.h"
+#include "core/entry.h"
+#include "core/trace.h"
+#include "support/program.h"
+
+#include <QCoreApplication>
 
 namespace {
 
-using Process = Core;
+using Process = support::Program;
 
 TEST_F(Process, EndsPastEveryTolerantStep) {
     processHooks->subReleaseAll = [this] {
         ++releases;
         throw Failure(failures::peerGone);
     };
-    EXPECT_TRUE(endsProcess([] { (void)Attempt([] { subQuit(); }); }));
+    EXPECT_TRUE(support::endsProcess([] { (void)Attempt([] { subQuit(); }); }));
     EXPECT_TRUE(fncIsEnding());
-    EXPECT_TRUE(endsProcess([] { subReleaseAll(); }));
+    EXPECT_TRUE(support::endsProcess([] { subReleaseAll(); }));
     EXPECT_EQ(releases, 1);
 }
 
@@ -63,7 +67,7 @@ TEST_F(Process, TheProgramFolderIsTheOneSetOrTheExecutables) {
 TEST_F(Process, StepsGoToTheLogOnlyWhenTracing) {
     subTrace("quiet");
     EXPECT_EQ(fncLastStep(), "quiet");
-    EXPECT_FALSE(QFile::exists(folder.filePath("TessmarkLog.txt")));
+    EXPECT_FALSE(QFile::exists(path("TessmarkLog.txt")));
     blnTrace = true;
     subTrace("first\r\nand more");
     subLogLine("");
@@ -71,9 +75,7 @@ TEST_F(Process, StepsGoToTheLogOnlyWhenTracing) {
     EXPECT_EQ(QString::fromUtf8(bytes("TessmarkLog.txt")),
               QString("%1\t3/5/2024 12:00:00 PM\tfirst\r\nand more\r\n%1\t3/5/2024 12:00:00 PM\tÜberschrift\r\n")
                   .arg(strProgramTitle));
-}
-
-TEST_F(Process, ALogThatCannotBeWrittenIsIgnored) {
+    // A log that can't be written is ignored.
     strProgramFolderOverride = "\\proc\\nowhere";
     subLogLine("a line");
 }

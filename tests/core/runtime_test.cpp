@@ -1,12 +1,13 @@
 #include "core/runtime.h"
 
-#include "corefixture.h"
-#include "fakehost.h"
+#include "core/trace.h"
 #include "platform/scripting/components.h"
+#include "support/fakeobject.h"
+#include "support/program.h"
 
 namespace {
 
-using Runtime = Core;
+using Runtime = support::Program;
 
 TEST_F(Runtime, ADictionarySortsByKeysOrItems) {
     const auto dic = fncCreateDic<QString>();
@@ -18,18 +19,6 @@ TEST_F(Runtime, ADictionarySortsByKeysOrItems) {
     EXPECT_EQ(sorted->Keys(), (QStringList{"3", "4", "1", "2"}));
     EXPECT_EQ(dic->Keys().first(), "1");
     EXPECT_EQ(fncSortDictionary(fncCreateDic<QString>(), 1, false)->Count(), 0);
-}
-
-TEST_F(Runtime, ADictionaryOfObjectsSortsByItsKeysAndKeepsTheObjects) {
-    struct Row {
-        int number;
-    };
-    const auto dic = fncCreateDic<Ref<Row>>();
-    dic->Add("printer", Ref<Row>::make(1));
-    dic->Add("Monitor", Ref<Row>::make(2));
-    const auto sorted = fncSortDictionary(dic, 1, false);
-    EXPECT_EQ(sorted->Keys(), (QStringList{"Monitor", "printer"}));
-    EXPECT_TRUE(sorted->Item("printer") == dic->Item("printer"));
 }
 
 TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
@@ -45,14 +34,14 @@ TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
     for (const Case &c : cases) {
         ProgramCopy other;
         const ProgramCopy::Scope inside(other);
-        registry::fileOverride = folder.filePath("registry.ini");
+        registry::fileOverride = path("registry.ini");
         LoadLanguages(1);
         support::Answers answered;
         const support::Launches launched;
         scripting::Components::setInstalled(c.component, false);
         answered.expect(QString("Sub routine : %1 ").arg(c.report), window::No);
-        EXPECT_TRUE(endsProcess(c.need)) << c.component;
-        EXPECT_TRUE(endsProcess(c.need)) << c.component;
+        EXPECT_TRUE(support::endsProcess(c.need)) << c.component;
+        EXPECT_TRUE(support::endsProcess(c.need)) << c.component;
         EXPECT_EQ(launched.started(), QStringList{"regsvr32|scrrun.dll|/s"}) << c.component;
         EXPECT_TRUE(answered.asked().first().text.contains(c.component));
     }
@@ -61,17 +50,17 @@ TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
 TEST_F(Runtime, AMachineWithoutTheShellIsToldAndTheProcessEnds) {
     scripting::Components::setInstalled("Wscript.Shell", false);
     answers.expect("ERROR\r\nThis component is usually installed");
-    EXPECT_TRUE(endsProcess([] { fncGetShell(); }));
+    EXPECT_TRUE(support::endsProcess([] { fncGetShell(); }));
     EXPECT_EQ(launches.started(), QStringList{"regsvr32|wshom.ocx|/s"});
     EXPECT_EQ(answers.asked().first().icon, window::Icon::Critical);
 }
 
 TEST_F(Runtime, CompanionsAndLinksAreStarted) {
-    QDir(folder.path()).mkdir("other");
+    QDir(m_folder.path()).mkdir("other");
     put("X.exe");
     put("Y.exe");
     put("other/Y.exe");
-    const QString here = folder.path();
+    const QString here = m_folder.path();
     struct Case {
         QString file;
         QString arguments;
@@ -110,12 +99,11 @@ TEST_F(Runtime, FilesAreOpenedAndPrintedWhereTheyAre) {
     subInvokeShellVerb(at(""), "none.txt");
     subInvokeShellVerb(at(""), "page.txt");
     subPrintFile(at("page.txt"));
-    EXPECT_EQ(launches.started(),
-              (QStringList{"xdg-open|" + folder.filePath("page.txt"), "lp|--|" + folder.filePath("page.txt")}));
+    EXPECT_EQ(launches.started(), (QStringList{"xdg-open|" + path("page.txt"), "lp|--|" + path("page.txt")}));
 }
 
 TEST_F(Runtime, ALinkThatCannotBeOpenedIsTold) {
-    const auto host = std::make_shared<FakeObject>("Application");
+    const auto host = std::make_shared<support::FakeObject>("Application");
     ouaOutlook = host::Application(automation::ObjectPtr(host));
     subOpenLink("http://orvelle.example");
     subOpenURL("http://orvelle.example/2");
@@ -142,7 +130,7 @@ TEST_F(Runtime, BodiesAreCutOutOfTheirPages) {
         EXPECT_EQ(fncGetBody(page), body) << page.toStdString();
     EXPECT_EQ(fncLastStep(), "Attempting to analyze a 17 long body of html text");
     answers.expect("Sub routine : fncGetBody ", window::No);
-    EXPECT_TRUE(endsProcess([] { fncGetBody("<html><body"); }));
+    EXPECT_TRUE(support::endsProcess([] { fncGetBody("<html><body"); }));
 }
 
 TEST_F(Runtime, TheFirstLinkIsThatOfTheFirstPrefix) {
@@ -194,27 +182,6 @@ TEST_F(Runtime, AFieldChangesByItsValue) {
     for (const Case &c : cases)
         EXPECT_EQ(fncValueChanged(c.stored, c.value), c.changed)
             << c.stored.kindName().toStdString() << " " << c.value.kindName().toStdString();
-}
-
-TEST_F(Runtime, AComboKeepsItsValue) {
-    struct Combo {
-        QString value;
-        QStringList items{"old"};
-        QString Value() const { return value; }
-        void SetValue(const QString &text) { value = text; }
-        void Clear() {
-            items.clear();
-            value.clear();
-        }
-        void AddItem(const QString &text) { items << text; }
-    };
-    const auto dic = fncCreateDic<QString>();
-    dic->Add("b", "1");
-    dic->Add("a", "2");
-    Combo combo{.value = "not in the list"};
-    subFillCombo(combo, dic);
-    EXPECT_EQ(combo.items, (QStringList{"b", "a"}));
-    EXPECT_EQ(combo.value, "not in the list");
 }
 
 TEST_F(Runtime, TheDefaultTicketBodyHasItsTwoParts) {

@@ -1,21 +1,17 @@
 #include "core/runtime.h"
 
-#include "corefixture.h"
+#include "support/program.h"
 
 namespace {
 
 /// The temp folder is a folder of the test.
-class TextFiles : public Core {
+class TextFiles : public support::Program {
   protected:
-    void SetUp() override {
-        Core::SetUp();
-        QDir(folder.path()).mkdir("temp");
-        qputenv("TMPDIR", folder.filePath("temp").toLocal8Bit());
+    TextFiles() {
+        QDir(m_folder.path()).mkdir("temp");
+        qputenv("TMPDIR", path("temp").toLocal8Bit());
     }
-    void TearDown() override {
-        qunsetenv("TMPDIR");
-        Core::TearDown();
-    }
+    ~TextFiles() override { qunsetenv("TMPDIR"); }
 };
 
 TEST_F(TextFiles, AreWrittenWithoutTheirDoubleQuotes) {
@@ -33,7 +29,7 @@ TEST_F(TextFiles, GoToTheTempFolderOnRetryOrWithoutAName) {
     QString none;
     const QString name = fncSaveTextFile(none, "y", false);
     EXPECT_TRUE(name.startsWith(at("temp\\rad")) && name.endsWith(".ndf")) << name.toStdString();
-    EXPECT_EQ(bytes(scripting::nativePath(name).mid(folder.path().size() + 1)), "y");
+    EXPECT_EQ(bytes(scripting::nativePath(name).mid(m_folder.path().size() + 1)), "y");
 }
 
 /// A file system on which some files can't be deleted.
@@ -71,7 +67,7 @@ TEST_F(TextFiles, TakeTheNextNameWhereTheOldFileStays) {
         for (const QString &name : c.kept)
             EXPECT_EQ(bytes("temp/" + name), "old");
         for (const QString &name : c.there + QStringList{c.name})
-            QFile::remove(folder.filePath("temp/" + name));
+            QFile::remove(path("temp/" + name));
     }
 }
 
@@ -82,7 +78,7 @@ TEST_F(TextFiles, ThatCannotBeReplacedAreReportedWithoutRetry) {
     put("a.htm", "old");
     answers.expect("Sub routine : fncSaveTextFile ", window::No);
     QString file = at("a.htm");
-    EXPECT_TRUE(endsProcess([&] { fncSaveTextFile(file, "new", false); }));
+    EXPECT_TRUE(support::endsProcess([&] { fncSaveTextFile(file, "new", false); }));
     EXPECT_EQ(bytes("a.htm"), "old");
 }
 

@@ -2,8 +2,8 @@
 
 #include "mail/output.h"
 
-#include "core/fakehost.h"
 #include "core/process.h"
+#include "support/fakeobject.h"
 #include "support/helpdesk.h"
 #include "ticket/ticket.h"
 
@@ -49,7 +49,7 @@ TEST_F(TicketOutput, WithAnAddressIsShownWithTheTicketsFiles) {
 
 TEST_F(TicketOutput, IgnoresWhatFails) {
     m_copy.in([] {
-        const auto hostWithoutMail = std::make_shared<FakeObject>("Application");
+        const auto hostWithoutMail = std::make_shared<support::FakeObject>("Application");
         ouaOutlook = host::Application(automation::ObjectPtr(hostWithoutMail));
     });
     output("");

@@ -2,13 +2,13 @@
 
 #include "outlook/folderpath.h"
 #include "outlook/homepage.h"
-#include "outlook/outlookfixture.h"
 #include "outlook/outlookfolder.h"
 #include "platform/scripting/shell.h"
+#include "support/session.h"
 
 namespace {
 
-class FolderTest : public OutlookTest {};
+using FolderTest = support::Session;
 
 TEST_F(FolderTest, APathNamesTheFolderAndFindsIt) {
     const host::MAPIFolder deep = tickets().Folders().Add("A; B", 6).Folders().Add("C", 6);
@@ -19,26 +19,21 @@ TEST_F(FolderTest, APathNamesTheFolderAndFindsIt) {
     EXPECT_TRUE(fncGetFolderFromPath("\\\\Public Folders\\Helpdesk\\A; B\\C") == deep);
 }
 
-struct PathCase {
-    const char *path;
-    /// The name of the folder found; empty for Nothing.
-    const char *found;
-};
-
-class FolderFromPath : public OutlookTest, public testing::WithParamInterface<PathCase> {};
-
-TEST_P(FolderFromPath, GivesTheFolderOrNothing) {
-    const host::MAPIFolder found = fncGetFolderFromPath(GetParam().path);
-    EXPECT_EQ(found ? found.Name() : QString(), GetParam().found);
+TEST_F(FolderTest, APathGivesItsFolderOrNothing) {
+    const std::pair<const char *, const char *> cases[] = {{"\\\\Public Folders\\Helpdesk", "Helpdesk"},
+                                                           {"\\\\Public Folders", "Public Folders"},
+                                                           {"\\\\Public Folders\\Missing\\Helpdesk", ""},
+                                                           {"\\\\Missing\\Helpdesk", ""},
+                                                           {"A\\B", ""},
+                                                           {"", ""},
+                                                           {"   ", ""},
+                                                           {"Alma Tester", "Inbox"},
+                                                           {"Nobody Known", ""}};
+    for (const auto &[path, name] : cases) {
+        const host::MAPIFolder found = fncGetFolderFromPath(path);
+        EXPECT_EQ(found ? found.Name() : QString(), name) << path;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Paths, FolderFromPath,
-                         testing::Values(PathCase{"\\\\Public Folders\\Helpdesk", "Helpdesk"},
-                                         PathCase{"\\\\Public Folders", "Public Folders"},
-                                         PathCase{"\\\\Public Folders\\Missing\\Helpdesk", ""},
-                                         PathCase{"\\\\Missing\\Helpdesk", ""}, PathCase{"A\\B", ""}, PathCase{"", ""},
-                                         PathCase{"   ", ""}, PathCase{"Alma Tester", "Inbox"},
-                                         PathCase{"Nobody Known", ""}));
 
 TEST_F(FolderTest, ASavedReferenceFindsByIdentifierThenByPathAndChecksTheName) {
     const QString id = tickets().EntryID();
@@ -92,23 +87,19 @@ TEST_F(FolderTest, ASavedReferenceCrossesAnItem) {
     EXPECT_EQ(read.Name, written.Name);
 }
 
-TEST_F(FolderTest, APickThatIsCancelledLeavesTheReference) {
-    cOutlookFolder folder;
-    folder.Name = "as it was";
-    answers().expectSheet("frmPickFolder", "");
-    folder.GetOutlookPathInfo(nullptr, 6);
-    EXPECT_EQ(folder.Name, "as it was");
-}
-
-TEST_F(FolderTest, APickOfTheRightKindIsReferredTo) {
+TEST_F(FolderTest, APickOfTheRightKindIsReferredToAndAnotherLeavesTheReference) {
     const qint32 kind = tickets().DefaultItemType();
-    for (const qint32 wanted : {kind + 1, kind}) {
+    const QString path = "\\\\Public Folders\\Helpdesk";
+    const std::pair<qint32, const char *> picks[] = {{kind, ""}, {kind + 1, "cmdOK"}, {kind, "cmdOK"}};
+    for (const auto &[wanted, button] : picks) {
+        const bool isTaken = wanted == kind && *button != '\0';
         cOutlookFolder folder;
-        answers().expectSheet("frmPickFolder", "cmdOK", {{"treFolders", "\\\\Public Folders\\Helpdesk"}});
+        folder.Path = "as it was";
+        answers.expectSheet("frmPickFolder", button, {{"treFolders", path}});
         folder.GetOutlookPathInfo(nullptr, wanted);
-        EXPECT_EQ(folder.Path, wanted == kind ? "\\\\Public Folders\\Helpdesk" : "");
-        EXPECT_EQ(folder.EntryID, wanted == kind ? tickets().EntryID() : QString());
-        EXPECT_EQ(!folder.GetFolder().isNothing(), wanted == kind);
+        EXPECT_EQ(folder.Path, isTaken ? path : "as it was");
+        EXPECT_EQ(folder.EntryID, isTaken ? tickets().EntryID() : QString());
+        EXPECT_EQ(!folder.GetFolder().isNothing(), isTaken);
     }
 }
 
@@ -121,10 +112,10 @@ TEST_F(FolderTest, WithoutAHomePageThePersonPicksOrGivesUp) {
     for (const char *url : {"", "file:C:\\Share\\Orvelle.htm?x=1", "file:C:\\Share\\Orvelle.html"}) {
         tickets().WebViewURL(url);
         for (const window::Answer answer : {window::No, window::Yes}) {
-            answers().expectSheet("frmPickFolder", "");
-            answers().expect("Are you sure you want to exit?", answer);
+            answers.expectSheet("frmPickFolder", "");
+            answers.expect("Are you sure you want to exit?", answer);
         }
-        EXPECT_TRUE(endsProcess([] { static_cast<void>(fncValidTicketFolder()); })) << url;
+        EXPECT_TRUE(support::endsProcess([] { static_cast<void>(fncValidTicketFolder()); })) << url;
     }
 }
 
@@ -138,9 +129,9 @@ TEST_F(FolderTest, AFolderThatCantBeTheHelpdesksIsRefusedByItsKind) {
                                                       {path(16), "has its homepage path set to"},
                                                       {"\\\\Public Folders\\Helpdesk", nullptr}};
     for (const auto &[picked, refusal] : picks) {
-        answers().expectSheet("frmPickFolder", "cmdOK", {{"treFolders", picked}});
+        answers.expectSheet("frmPickFolder", "cmdOK", {{"treFolders", picked}});
         if (refusal)
-            answers().expect(refusal);
+            answers.expect(refusal);
     }
     EXPECT_TRUE(fncValidTicketFolder() == tickets());
     EXPECT_TRUE(ouaOutlook->ActiveExplorer().CurrentFolder() == shown);
@@ -155,19 +146,16 @@ TEST_F(FolderTest, TheHomePagesFolderIsItsPathWithoutTheScheme) {
 
 TEST_F(FolderTest, TheReferenceIsLeftInTheRegistry) {
     subWriteReg();
-    const scripting::Shell shell;
-    const QString key = "HKCU\\Software\\Tessmark\\Orvelle\\";
-    EXPECT_EQ(shell.RegRead(key + "Folder EntryID"), tickets().EntryID());
-    EXPECT_EQ(shell.RegRead(key + "Folder StoreID"), tickets().StoreID());
-    EXPECT_EQ(shell.RegRead(key + "Folder Path"), "\\\\Public Folders\\Helpdesk");
-    EXPECT_EQ(shell.RegRead(key + "Folder Name"), "Helpdesk");
-    EXPECT_EQ(shell.RegRead(key + "Minutes"), LNGMINUTES.text());
-}
-
-TEST_F(FolderTest, WithoutATicketFolderTheReferenceIsAReport) {
+    const std::pair<const char *, QString> values[] = {{"Folder EntryID", tickets().EntryID()},
+                                                       {"Folder StoreID", tickets().StoreID()},
+                                                       {"Folder Path", "\\\\Public Folders\\Helpdesk"},
+                                                       {"Folder Name", "Helpdesk"},
+                                                       {"Minutes", LNGMINUTES}};
+    for (const auto &[name, value] : values)
+        EXPECT_EQ(scripting::Shell().RegRead(QString("HKCU\\Software\\Tessmark\\Orvelle\\") + name), value) << name;
     oufTickets = host::MAPIFolder();
-    answers().expect("subWriteReg", window::No);
-    EXPECT_TRUE(endsProcess([] { subWriteReg(); }));
+    expectReport("subWriteReg");
+    EXPECT_TRUE(support::endsProcess([] { subWriteReg(); }));
 }
 
 TEST_F(FolderTest, RefreshingTheHomePageShowsTheParentAndComesBack) {

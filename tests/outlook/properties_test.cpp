@@ -2,19 +2,19 @@
 
 #include "outlook/properties.h"
 
-#include "outlook/outlookfixture.h"
+#include "support/session.h"
 
 namespace {
 
-class Properties : public OutlookTest {
+class Properties : public support::Session {
   protected:
     void SetUp() override {
-        OutlookTest::SetUp();
+        Session::SetUp();
         m_item = put(tickets(), "IPM.Post", "an item");
     }
     void TearDown() override {
         m_item = {};
-        OutlookTest::TearDown();
+        Session::TearDown();
     }
     [[nodiscard]] const host::Item &item() const { return m_item; }
     [[nodiscard]] bool has(const QString &name) const { return !m_item.UserProperties().Find(name).isNothing(); }
@@ -95,34 +95,29 @@ TEST_F(Properties, UnknownTypesAndNothingDoNothing) {
 }
 
 TEST_F(Properties, AWriteThatFailsIsReported) {
-    answers().expect("subSetOutlookValue", window::No);
-    EXPECT_TRUE(endsProcess([&] { subSetOutlookValue(item(), "Number", 40000, 2); }));
+    answers.expect("subSetOutlookValue", window::No);
+    EXPECT_TRUE(support::endsProcess([&] { subSetOutlookValue(item(), "Number", 40000, 2); }));
 }
 
-struct LongCase {
-    qsizetype length;
-    int highest;
-};
-
-class LongProperty : public Properties, public testing::WithParamInterface<LongCase> {};
-
-TEST_P(LongProperty, IsStoredInPiecesAndReadBackWhole) {
-    QString text;
-    for (qsizetype i = 0; i < GetParam().length; ++i)
-        text += QChar(static_cast<char16_t>(u'a' + i % 26));
-    subFixLongProperty(item(), text, "Log", false);
-    EXPECT_EQ(property(item(), "LogCount"), QString::number(GetParam().highest));
-    for (int i = 0; i <= GetParam().highest; ++i)
-        EXPECT_EQ(property(item(), "Log" + QString::number(i)), text.mid(i * 1000, 1000));
-    EXPECT_FALSE(has("Log" + QString::number(GetParam().highest + 1)));
-    EXPECT_FALSE(has("Log"));
-    EXPECT_EQ(fncGetLongProperty(item(), "Log"), text);
+TEST_F(Properties, ALongTextIsStoredInPiecesAndReadBackWhole) {
+    // Its length, and the highest number of a piece.
+    const std::pair<qsizetype, int> cases[] = {{0, 0},    {499, 0},  {500, 0},  {501, 1},  {999, 1}, {1000, 1},
+                                               {1400, 1}, {1500, 2}, {1600, 2}, {2500, 2}, {2501, 3}};
+    for (const auto &[length, highest] : cases) {
+        SCOPED_TRACE(length);
+        const QString name = "Log" + QString::number(length) + "_";
+        QString text;
+        for (qsizetype i = 0; i < length; ++i)
+            text += QChar(static_cast<char16_t>(u'a' + i % 26));
+        subFixLongProperty(item(), text, name, false);
+        EXPECT_EQ(property(item(), name + "Count"), QString::number(highest));
+        for (int i = 0; i <= highest; ++i)
+            EXPECT_EQ(property(item(), name + QString::number(i)), text.mid(i * 1000, 1000));
+        EXPECT_FALSE(has(name + QString::number(highest + 1)));
+        EXPECT_FALSE(has(name));
+        EXPECT_EQ(fncGetLongProperty(item(), name), text);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Lengths, LongProperty,
-                         testing::Values(LongCase{0, 0}, LongCase{499, 0}, LongCase{500, 0}, LongCase{501, 1},
-                                         LongCase{999, 1}, LongCase{1000, 1}, LongCase{1400, 1}, LongCase{1500, 2},
-                                         LongCase{1600, 2}, LongCase{2500, 2}, LongCase{2501, 3}));
 
 TEST_F(Properties, AShorterTextIsReadBackAlone) {
     subFixLongProperty(item(), QString(3000, 'x'), "Log", false);
@@ -145,7 +140,7 @@ TEST_F(Properties, ALongWriteThatFailsHalfWayKeepsTheOldCount) {
         if (question == "UserProperty.Value=" && ++pieces == 3)
             throw Failure(failures::noDiskSpace);
     };
-    answers().expect("Failed to save Log " + LNGCHECKPERM);
+    answers.expect("Failed to save Log " + LNGCHECKPERM);
     subFixLongProperty(support::Counting::of(item().object(), questions), QString(4000, 'x'), "Log", false);
     EXPECT_EQ(property(item(), "Log1").size(), 1000);
     EXPECT_EQ(property(item(), "LogCount"), "0");
@@ -153,7 +148,7 @@ TEST_F(Properties, ALongWriteThatFailsHalfWayKeepsTheOldCount) {
 
 TEST_F(Properties, ALongWriteThatFailsIsToldUnlessSilent) {
     subFixLongProperty(host::Item(), "text", "Log", true);
-    answers().expect("Failed to save Log " + LNGCHECKPERM);
+    answers.expect("Failed to save Log " + LNGCHECKPERM);
     subFixLongProperty(host::Item(), "text", "Log", false);
 }
 

@@ -2,17 +2,17 @@
 
 #include "outlook/session.h"
 
-#include "core/fakehost.h"
 #include "outlook/clienttools.h"
 #include "outlook/folderpath.h"
 #include "outlook/forms.h"
-#include "outlook/outlookfixture.h"
 #include "outlook/safeutils.h"
 #include "platform/scripting/components.h"
+#include "support/fakeobject.h"
+#include "support/session.h"
 
 namespace {
 
-class SessionTest : public OutlookTest {};
+using SessionTest = support::Session;
 
 TEST_F(SessionTest, AHostWithoutAWindowGetsOneOnTheFolder) {
     explorer().Close();
@@ -36,22 +36,19 @@ TEST_F(SessionTest, WhatNeedsTheHostStartsIt) {
         {"picking", [] { static_cast<void>(fncPickFolder(nullptr)); }},
     };
     for (const auto &[name, operation] : operations) {
-        ProgramCopy copy;
-        {
-            const ProgramCopy::Scope scope(copy);
+        support::inAnotherCopy([&] {
             runningHost = [this] { return desk().application(); };
             operation();
             EXPECT_FALSE(ouaOutlook->isNothing()) << name;
-        }
-        copy.clear();
+        });
     }
 }
 
 TEST_F(SessionTest, WithoutAHostTheProcessEndsWithAMessage) {
     subReleaseOutlook();
     runningHost = nullptr;
-    answers().expect("Please start Outlook manually before you execute this application!");
-    EXPECT_TRUE(endsProcess([] { subStartOutlook(6); }));
+    answers.expect("Please start Outlook manually before you execute this application!");
+    EXPECT_TRUE(support::endsProcess([] { subStartOutlook(6); }));
 }
 
 TEST_F(SessionTest, AComponentOfTheHostsNameIsTheSecondChoice) {
@@ -87,9 +84,7 @@ TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
              Case{"NameSpace.PickFolder()", "", false, [] { EXPECT_TRUE(fncPickFolder(nullptr).isNothing()); }},
          }) {
         SCOPED_TRACE(each.question);
-        ProgramCopy copy;
-        {
-            const ProgramCopy::Scope scope(copy);
+        support::inAnotherCopy([&] {
             support::Answers answered;
             const auto questions = std::make_shared<support::Counting::Questions>();
             runningHost = [&] { return support::Counting::of(desk().application(), questions); };
@@ -97,26 +92,21 @@ TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
             questions->failing[each.question] = failures::accessDenied;
             if (!each.told.isEmpty())
                 answered.expect(each.told, window::No);
-            EXPECT_EQ(endsProcess(each.step), each.ends);
-        }
-        copy.clear();
+            EXPECT_EQ(support::endsProcess(each.step), each.ends);
+        });
     }
 }
 
 TEST_F(SessionTest, AHostThatIsTooOldEndsTheProcess) {
     subReleaseOutlook();
-    ProgramCopy copy;
-    {
-        const ProgramCopy::Scope scope(copy);
-        LoadLanguages(1);
+    support::inAnotherCopy([] {
         support::Answers answered;
-        const auto old = std::make_shared<FakeObject>("Application");
+        const auto old = std::make_shared<support::FakeObject>("Application");
         old->properties["Version"] = "8.5.1";
         runningHost = [old] { return automation::ObjectPtr(old); };
         answered.expect(LNGO2KNEEDED + strLineEnd + "8.5.1");
-        EXPECT_TRUE(endsProcess([] { subStartOutlook(6); }));
-    }
-    copy.clear();
+        EXPECT_TRUE(support::endsProcess([] { subStartOutlook(6); }));
+    });
 }
 
 TEST_F(SessionTest, TheUserIsReadFromTheMailboxRoot) {
@@ -131,12 +121,8 @@ TEST_F(SessionTest, TheUserIsReadFromTheMailboxRoot) {
         strCurrentUserName = QString(each.before);
         EXPECT_EQ(fncGetUserName(), each.name) << each.root;
     }
-}
-
-TEST_F(SessionTest, AMailboxWithoutANameLeavesItToTheMachine) {
-    mapi().GetDefaultFolder(9).Parent().put("Name", "Plain");
     strCurrentUserName = QString();
-    EXPECT_FALSE(fncGetUserName().isEmpty());
+    EXPECT_FALSE(fncGetUserName().isEmpty()) << "a mailbox without a name leaves it to the machine";
 }
 
 TEST_F(SessionTest, TheFormsMessageEndsInWhatTheHostSaid) {
@@ -178,38 +164,18 @@ TEST_F(SessionTest, FormsAreUnloadedFromTheLastUntilOneStays) {
 
 // ---- the client tools and the library that they bring
 
-TEST_F(SessionTest, TheClientToolsAreThereByDefault) {
-    subCheckClientTools();
-    EXPECT_TRUE(fncSetupSafeUtils());
-}
-
 TEST_F(SessionTest, MissingClientToolsAreOfferedAndTheLibraryOnlyOnce) {
     setClientTools(false);
-    answers().expect("Client Tools", window::No);
+    answers.expect("Client Tools", window::No);
     subCheckClientTools();
     // Events come in while the question is open; they don't ask it again.
-    answers().expectDuring(
+    answers.expectDuring(
         "Client Tools", [] { EXPECT_FALSE(fncSetupSafeUtils()); }, window::No);
     EXPECT_FALSE(fncSetupSafeUtils());
     EXPECT_FALSE(fncSetupSafeUtils());
     setClientTools(true);
     EXPECT_FALSE(fncSetupSafeUtils()) << "not asked for again in this run";
 }
-
-class OldAddIn : public automation::Object {
-  public:
-    QString typeName() override { return "cButtonHolder"; }
-    Value get(const QString &member) override {
-        if (member != "FileVersion" || !version)
-            throw Failure(failures::memberMissing);
-        return *version;
-    }
-    void put(const QString &, const Value &) override { throw Failure(failures::memberMissing); }
-    Value call(const QString &, const ValueList &) override { throw Failure(failures::memberMissing); }
-    automation::SubscriptionPtr connect(const QString &, automation::EventHandler) override { return nullptr; }
-
-    std::optional<Value> version;
-};
 
 TEST_F(SessionTest, ClientToolsThatAreTooOldAreOffered) {
     struct Case {
@@ -219,25 +185,23 @@ TEST_F(SessionTest, ClientToolsThatAreTooOldAreOffered) {
     for (const Case &each :
          {Case{std::nullopt, true}, Case{92199, true}, Case{92200, false}, Case{"92200", false}, Case{"new", true}}) {
         scripting::components->add("OrvelleClientTools.cButtonHolder", [&] {
-            auto addIn = std::make_shared<OldAddIn>();
-            addIn->version = each.version;
+            auto addIn = std::make_shared<support::FakeObject>("cButtonHolder");
+            if (each.version)
+                addIn->properties["FileVersion"] = *each.version;
             return addIn;
         });
         if (each.isOffered)
-            answers().expect("Client Tools", window::No);
+            answers.expect("Client Tools", window::No);
         subCheckClientTools();
     }
 }
 
 TEST_F(SessionTest, AcceptingTheOfferStartsTheSetUpBesideTheHomePageAndEnds) {
-    QFile setUp(path("OrvelleClientTools.exe"));
-    ASSERT_TRUE(setUp.open(QIODevice::WriteOnly));
-    setUp.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    setUp.close();
+    QFile::setPermissions(writtenFile(path("OrvelleClientTools.exe"), {}), QFile::ReadOwner | QFile::ExeOwner);
     const support::Launches launches;
-    answers().expect("Client Tools", window::Yes);
-    answers().expect(LNGRESTARTOUTLOOK);
-    EXPECT_TRUE(endsProcess([] { subOfferClientTools(); }));
+    answers.expect("Client Tools", window::Yes);
+    answers.expect(LNGRESTARTOUTLOOK);
+    EXPECT_TRUE(support::endsProcess([] { subOfferClientTools(); }));
     EXPECT_EQ(launches.started(), QStringList{path("OrvelleClientTools.exe")});
 }
 

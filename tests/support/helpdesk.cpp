@@ -11,6 +11,7 @@
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
 #include "reference/settings.h"
+#include "support/tables.h"
 
 #include <QDir>
 #include <QFile>
@@ -120,16 +121,7 @@ void Helpdesk::setSetting(const QString &name, const QString &value) {
 
 QStringList Helpdesk::rows(const QString &query, const QStringList &columns) {
     QStringList texts;
-    withDatabase([&] {
-        for (const auto found = fncReturnRecordset(query, true, true, false); !found->IsEOF(); found->MoveNext()) {
-            QStringList values;
-            for (const QString &column : columns) {
-                const Value value = found->Fields(column).Value();
-                values << (value.isNull() ? QString("Null") : toText(value));
-            }
-            texts << values.join(u'|');
-        }
-    });
+    withDatabase([&] { texts = support::rows(query, columns, "|"); });
     return texts;
 }
 

@@ -4,17 +4,14 @@
 #include "core/main/programrun.h"
 #include "desk/objects/desk.h"
 #include "outlook/host/host.h"
-#include "support/answers.h"
 #include "support/counting.h"
-#include "support/launches.h"
+#include "support/program.h"
 
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
 
 #include <list>
-
-inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
 
 namespace support {
 

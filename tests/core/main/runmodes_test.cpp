@@ -1,6 +1,5 @@
 // The kinds of run, from their first step to their end.
 
-#include "core/fakehost.h"
 #include "core/main/dummy.h"
 #include "core/main/main.h"
 #include "core/phrases.h"
@@ -12,6 +11,7 @@
 #include "platform/scripting/shell.h"
 #include "platform/value/filelock.h"
 #include "reference/settings.h"
+#include "support/fakeobject.h"
 #include "support/helpdesk.h"
 
 #include <QDir>
@@ -32,11 +32,6 @@ class RunModes : public support::Helpdesk {
         for (qint32 i = 1; i <= all.Count(); ++i)
             names << all.Item(i).Name();
         return names;
-    }
-    void writeLanguage(const QByteArray &number) const {
-        QFile file(path("OrvelleSettings"));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(number);
     }
 };
 
@@ -68,7 +63,7 @@ struct LanguageCase {
 class Languages : public RunModes, public testing::WithParamInterface<LanguageCase> {};
 
 TEST_P(Languages, ComeFromTheCommandLineAndThenFromTheSettings) {
-    writeLanguage(GetParam().setting);
+    writtenFile(path("OrvelleSettings"), GetParam().setting);
     QStringList phrases;
     withDatabase([&] {
         for (const int language : {GetParam().start, GetParam().after}) {
@@ -189,7 +184,7 @@ TEST_F(RunModes, TheMailAboutAHostThatDiedIsWrittenByAnother) {
     for (const bool isThereAgain : {true, false}) {
         auto &copy = start();
         copy.in([&] {
-            const auto dead = std::make_shared<FakeObject>("Application");
+            const auto dead = std::make_shared<support::FakeObject>("Application");
             dead->failing = {"Version", "CreateItem", "ActiveExplorer", "GetNamespace"};
             ouaOutlook = host::Application(automation::ObjectPtr(dead));
             if (!isThereAgain)
@@ -209,8 +204,7 @@ TEST_F(RunModes, WhatAKilledRunLeftInTheTemporaryFolderIsSweptAway) {
         qScopeGuard([was = qgetenv("TMPDIR")] { was.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", was); });
     const auto make = [&](const QString &name, bool isOld) {
         const QString folder = path("temp/" + name);
-        EXPECT_TRUE(QDir().mkpath(folder));
-        EXPECT_TRUE(QFile(folder + "/log.txt").open(QIODevice::WriteOnly));
+        writtenFile(folder + "/log.txt", {});
         const timespec past[2] = {{1000, 0}, {1000, 0}};
         EXPECT_EQ(isOld ? ::utimensat(AT_FDCWD, folder.toUtf8().constData(), past, 0) : 0, 0);
         return folder;
@@ -240,10 +234,7 @@ TEST_F(RunModes, AHostThatIsNotThereEndsTheRunWithItsMessage) {
 // ---- buttons
 
 TEST_F(RunModes, TheSettingsButtonStartsItsProgramAndEndsTheRun) {
-    QFile program(path("program/ORVELLESETTINGS.exe"));
-    ASSERT_TRUE(program.open(QIODevice::WriteOnly));
-    program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    program.close();
+    QFile::setPermissions(writtenFile(path("program/ORVELLESETTINGS.exe"), {}), QFile::ReadOwner | QFile::ExeOwner);
     auto &copy = start();
     explorer().CommandBars().Item(1).Controls().Item(1).call("Execute");
     EXPECT_FALSE(copy.run.alive());
@@ -351,11 +342,10 @@ TEST_P(Repair, WalksASmallFolderWholeAndOfALargeOneTheLastItemAlone) {
 INSTANTIATE_TEST_SUITE_P(Sizes, Repair, testing::Values(RepairCase{0, 1}, RepairCase{49, 25}, RepairCase{50, 1}));
 
 TEST_F(RunModes, OldReportFilesAreRemoved) {
-    QDir(path("program")).mkpath("ReportsXP/Corvane");
     const QString old = path("program/ReportsXP/Corvane/Datum AVG Timmar ”ppen.txt");
     const QString kept = path("program/ReportsXP/Corvane/mine.txt");
-    for (const QString &name : {old, kept})
-        ASSERT_TRUE(QFile(name).open(QIODevice::WriteOnly));
+    writtenFile(old, {});
+    writtenFile(kept, {});
     start();
     EXPECT_FALSE(QFile::exists(old));
     EXPECT_TRUE(QFile::exists(kept));

@@ -1,29 +1,9 @@
 #include "outlook/host/host.h"
+#include "support/fakeobject.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-/// Notes what is asked of it, as "get Name", and answers from a table.
-class NotingObject : public automation::Object {
-  public:
-    QString typeName() override { return "Noting"; }
-    Value get(const QString &member) override { return note("get " + member, {}); }
-    void put(const QString &member, const Value &value) override { note("put " + member, {value}); }
-    Value call(const QString &member, const ValueList &arguments) override { return note("call " + member, arguments); }
-    automation::SubscriptionPtr connect(const QString &, automation::EventHandler) override { return nullptr; }
-
-    QStringList asked;
-    ValueList lastArguments;
-    Value answer;
-
-  private:
-    Value note(const QString &what, const ValueList &arguments) {
-        asked << what;
-        lastArguments = arguments;
-        return answer;
-    }
-};
 
 TEST(Handle, NothingFailsWithItsNumber) {
     const host::Item item;
@@ -41,8 +21,8 @@ TEST(Handle, ResultsThatHoldNoObjectAreNothing) {
 }
 
 TEST(Handle, IdentityIsTheHostsObject) {
-    const auto one = std::make_shared<NotingObject>();
-    const auto other = std::make_shared<NotingObject>();
+    const auto one = std::make_shared<support::FakeObject>("Folder");
+    const auto other = std::make_shared<support::FakeObject>("Folder");
     EXPECT_TRUE(host::Item(one) == host::Item(one));
     EXPECT_FALSE(host::Item(one) == host::Item(other));
     EXPECT_FALSE(host::Item(one) == host::Item());
@@ -50,20 +30,15 @@ TEST(Handle, IdentityIsTheHostsObject) {
 }
 
 TEST(Handle, ArgumentsStandAtTheirPositions) {
-    const auto object = std::make_shared<NotingObject>();
-    const auto folder = std::make_shared<NotingObject>();
+    const auto object = std::make_shared<support::FakeObject>("Item");
+    const auto folder = std::make_shared<support::FakeObject>("Folder");
 
     static_cast<void>(host::Attachments(object).Add("C:\\a.txt", 1, "a"));
-    EXPECT_EQ(object->lastArguments, ValueList({"C:\\a.txt", 1, Value::Missing{}, "a"}));
-
     host::Item(object).Move(host::MAPIFolder(folder));
-    EXPECT_EQ(object->lastArguments, ValueList({Value(automation::ObjectPtr(folder))}));
-
     static_cast<void>(host::CommandBarControls(object).Add(1, 1, true));
-    EXPECT_EQ(object->lastArguments, ValueList({1, 1, Value::Missing{}, Value::Missing{}, true}));
-
     host::Explorer(object).CurrentFolder(host::MAPIFolder(folder));
-    EXPECT_EQ(object->asked.last(), "put CurrentFolder");
+    EXPECT_EQ(object->log, (QStringList{"Add(C:\\a.txt, 1, (missing), a)", "Move((Folder))",
+                                        "Add(1, 1, (missing), (missing), True)", "CurrentFolder=(Folder)"}));
 }
 
 } // namespace

@@ -6,35 +6,36 @@
 #include "outlook/session.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
+#include "reference/settings.h"
 #include "support/helpdesk.h"
 
-class OutlookTest : public support::Helpdesk {
+namespace support {
+
+class Session : public Helpdesk {
   protected:
     void SetUp() override {
         registry::fileOverride = path("registry.ini");
         strProgramFolderOverride = programFolder();
+        strDBPath = programFolder() + "\\";
+        strDBFileName = "Orvelle.mdb";
         runningHost = [this] { return desk().application(); };
         safeobjects::registerComponents([] { return onsMAPI->object(); });
         LoadLanguages(1);
+        subCreateSettings();
         subStartOutlook(6);
         oufTickets = tickets();
     }
     void TearDown() override { m_copy.clear(); }
 
-    template <class Step>
-    static bool endsProcess(Step &&step) {
-        try {
-            step();
-            return false;
-        } catch (const ProcessEnd &) {
-            return true;
-        }
-    }
-
-    support::Answers &answers() { return m_answers; }
+    /// The next question is the failure report of that procedure.
+    void expectReport(const QString &strProcedure) { answers.expect(" : " + strProcedure + " ", window::No); }
 
   private:
     ProgramCopy m_copy;
     ProgramCopy::Scope m_scope{m_copy};
-    support::Answers m_answers;
+
+  protected:
+    Answers answers;
 };
+
+} // namespace support

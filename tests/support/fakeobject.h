@@ -1,10 +1,12 @@
-// A host that notes what is asked of it and fails where it is told to.
+// An object of the host that notes what is asked of it and fails where it is told to.
 #pragma once
 
 #include "automation/object.h"
 #include "platform/value/convert.h"
 
 #include <map>
+
+namespace support {
 
 /// An object with properties and calls by name.
 class FakeObject : public automation::Object {
@@ -45,7 +47,11 @@ class FakeObject : public automation::Object {
     automation::SubscriptionPtr connect(const QString &, automation::EventHandler) override { return nullptr; }
 
   private:
-    static QString told(const Value &value) { return value.isObject() ? "(object)" : toText(value); }
+    static QString told(const Value &value) {
+        if (value.isMissing())
+            return QStringLiteral("(missing)");
+        return value.isObject() ? "(" + value.object()->typeName() + ")" : toText(value);
+    }
     void check(const QString &member) const {
         if (failing.contains(member))
             throw Failure(failures::peerGone);
@@ -53,3 +59,5 @@ class FakeObject : public automation::Object {
 
     QString m_type;
 };
+
+} // namespace support
