@@ -1,38 +1,20 @@
 // Programs side by side on one database: what each of them and a plain tool see while the others write, and what a
 // killed one leaves.
 
+#include "companions/program.h"
 #include "companions/settings/settingsfile.h"
-
-#include <gtest/gtest.h>
+#include "support/files.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStandardPaths>
-#include <QTemporaryDir>
-
-#include <memory>
 
 namespace {
 
-class SideBySide : public ::testing::Test {
+class SideBySide : public SettingsProgram {
   protected:
-    using Process = std::unique_ptr<QProcess>;
-
-    Process start(const QStringList &arguments) {
-        auto process = std::make_unique<QProcess>();
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("ORVELLE_HOME", m_home.path());
-        process->setProcessEnvironment(environment);
-        process->start(SETTINGS_PROGRAM, arguments);
-        return process;
-    }
-    int finish(QProcess &process) {
-        EXPECT_TRUE(process.state() == QProcess::NotRunning || process.waitForFinished(120000));
-        return process.exitCode();
-    }
-    [[nodiscard]] QString database() const { return m_home.filePath("Orvelle.mdb"); }
+    [[nodiscard]] QString database() const { return path("Orvelle.mdb"); }
 
     /// A file whose callers and responsibles, 300 of each, all carry the mark. Every other name is the mark's own, so
     /// that an import adds, changes and deletes.
@@ -44,11 +26,7 @@ class SideBySide : public ::testing::Test {
             callers.rows.append({{name, mark, "", "", mark}, 0});
             persons.rows.append({{name, mark, "1"}, 0});
         }
-        const QString path = m_home.filePath(mark + ".txt");
-        QFile file(path);
-        EXPECT_TRUE(file.open(QFile::WriteOnly));
-        file.write(settings::writeSections({callers, persons}, {"", ""}));
-        return path;
+        return writtenFile(path(mark + ".txt"), settings::writeSections({callers, persons}, {"", ""}));
     }
 
     static constexpr char whole[] = "SELECT (SELECT count(*) FROM tblCallers) || ' ' || "
@@ -78,8 +56,6 @@ class SideBySide : public ::testing::Test {
         }
         return answer;
     }
-
-    QTemporaryDir m_home;
 };
 
 TEST_F(SideBySide, NobodySeesHalfOfAnImportAndAKilledOneLeavesNone) {

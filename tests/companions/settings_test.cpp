@@ -1,16 +1,13 @@
 // The settings program as a process, as a script calls it, on an installation folder of its own.
 
+#include "companions/program.h"
 #include "companions/settings/settingsfile.h"
 #include "platform/ado/recordset.h"
 #include "platform/value/convert.h"
+#include "support/files.h"
 
-#include <gtest/gtest.h>
-
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <random>
 
@@ -22,27 +19,18 @@ struct Outcome {
     QString errors;
 };
 
-class SettingsProgram : public ::testing::Test {
+class Settings : public SettingsProgram {
   protected:
     Outcome run(const QStringList &arguments, const QByteArray &input = {}) {
-        QProcess process;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("ORVELLE_HOME", m_home.path());
-        process.setProcessEnvironment(environment);
-        process.start(SETTINGS_PROGRAM, arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(60000));
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+        const Process process = start(arguments);
+        process->write(input);
+        const int status = finish(*process);
+        EXPECT_EQ(process->exitStatus(), QProcess::NormalExit);
+        return {status, QString::fromUtf8(process->readAllStandardOutput()),
+                QString::fromUtf8(process->readAllStandardError())};
     }
     QString get(const QString &name) { return run({"get", name}).output; }
-    [[nodiscard]] QString path(const QString &name) const { return m_home.filePath(name); }
-    void put(const QString &name, const QByteArray &content) const {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QFile::WriteOnly) && file.write(content) == content.size());
-    }
+    void put(const QString &name, const QByteArray &content) const { writtenFile(path(name), content); }
 
     Ref<ado::Recordset> open(const QString &table) {
         const auto connection = Ref<ado::Connection>::make();
@@ -55,11 +43,9 @@ class SettingsProgram : public ::testing::Test {
         set->Open();
         return set;
     }
-
-    QTemporaryDir m_home;
 };
 
-TEST_F(SettingsProgram, TellsWrongUsageFromFailure) {
+TEST_F(Settings, TellsWrongUsageFromFailure) {
     const std::pair<QStringList, int> cases[] = {
         {{}, 2},
         {{"nonsense"}, 2},
@@ -90,7 +76,7 @@ TEST_F(SettingsProgram, TellsWrongUsageFromFailure) {
     }
 }
 
-TEST_F(SettingsProgram, TheFirstSettingCreatesTheDatabaseAsAFirstStartDoes) {
+TEST_F(Settings, TheFirstSettingCreatesTheDatabaseAsAFirstStartDoes) {
     EXPECT_EQ(run({"set", "emailsubfolders", "1"}).status, 0);
     EXPECT_EQ(get("EmailSubFolders"), "1\n");
     EXPECT_EQ(get("ServiceStart"), "8:00:00 AM\n");
@@ -100,7 +86,7 @@ TEST_F(SettingsProgram, TheFirstSettingCreatesTheDatabaseAsAFirstStartDoes) {
     EXPECT_TRUE(run({"list"}).output.contains("DayServiceEnd=4\n"));
 }
 
-TEST_F(SettingsProgram, StoresValuesAsTheSystemReadsThem) {
+TEST_F(Settings, StoresValuesAsTheSystemReadsThem) {
     const QString odd = QString::fromUtf8("it's \"quoted\" = %x \\ \u00FC\u4E2D");
     const std::pair<QString, QString> cases[] = {
         {"", " "}, {odd, odd}, {"one\ntwo", "one\r\ntwo"}, {"one\r\ntwo", "one\r\ntwo"}, {"last", "last"},
@@ -117,7 +103,7 @@ TEST_F(SettingsProgram, StoresValuesAsTheSystemReadsThem) {
     EXPECT_EQ(get("IT'S MINE"), "x\n");
 }
 
-TEST_F(SettingsProgram, RefusesAValueThatTheSystemCouldNotRead) {
+TEST_F(Settings, RefusesAValueThatTheSystemCouldNotRead) {
     run({"set", "ServiceStart", "9:00"});
     const std::pair<const char *, const char *> cases[] = {
         {"ServiceStart", "soon"},         {"ServiceStart", ""},         {"DayServiceEnd", "Friday"},
@@ -127,7 +113,7 @@ TEST_F(SettingsProgram, RefusesAValueThatTheSystemCouldNotRead) {
     EXPECT_EQ(get("ServiceStart"), "9:00\n");
 }
 
-TEST_F(SettingsProgram, SaysWhatToDoAboutADatabaseThatCannotBeUsed) {
+TEST_F(Settings, SaysWhatToDoAboutADatabaseThatCannotBeUsed) {
     put("Orvelle.mdb", "not a database");
     const Outcome damaged = run({"set", "KBPath", "x"});
     EXPECT_EQ(damaged.status, 1);
@@ -149,7 +135,7 @@ constexpr char lists[] = "# Orvelle settings 1\n\n"
                          "[callers]\nCy\tcy@x.example\t+46 1\tStaff\ttab\\there\n"
                          "[end]\n";
 
-TEST_F(SettingsProgram, ExportsWhatItImported) {
+TEST_F(Settings, ExportsWhatItImported) {
     put("in.txt", lists);
     ASSERT_EQ(run({"import", path("in.txt")}).status, 0);
     EXPECT_EQ(open("tblPersons")->Fields("curRate").Value(), Value(Currency::fromScaled(995000)));
@@ -166,7 +152,7 @@ TEST_F(SettingsProgram, ExportsWhatItImported) {
     EXPECT_EQ(run({"export", "-"}).output, exported);
 }
 
-TEST_F(SettingsProgram, AnImportKeepsTheNumbersOfRowsThatStay) {
+TEST_F(Settings, AnImportKeepsTheNumbersOfRowsThatStay) {
     ASSERT_EQ(run({"import", "-"}, lists).status, 0);
     ASSERT_EQ(run({"import", "-"}, "# Orvelle settings 1\n[responsibles]\nDi\t\t1\nBO\tbo@x.example\t\n[end]\n").status,
               0);
@@ -179,7 +165,7 @@ TEST_F(SettingsProgram, AnImportKeepsTheNumbersOfRowsThatStay) {
     EXPECT_EQ(open("tblStatuses")->RecordCount(), 2) << "a list that the file does not have stays";
 }
 
-TEST_F(SettingsProgram, AnImportIsDoneAsAWholeOrNotAtAll) {
+TEST_F(Settings, AnImportIsDoneAsAWholeOrNotAtAll) {
     ASSERT_EQ(run({"import", "-"}, lists).status, 0);
     const QString before = run({"export", "-"}).output;
     const QByteArray head = "# Orvelle settings 1\n[statuses]\nNew\n";
@@ -214,7 +200,7 @@ TEST_F(SettingsProgram, AnImportIsDoneAsAWholeOrNotAtAll) {
     EXPECT_FALSE(QFile::exists(path("Orvelle.mdb"))) << "a file with a mistake does not make a database either";
 }
 
-TEST_F(SettingsProgram, AnImportSaysWhatItChanged) {
+TEST_F(Settings, AnImportSaysWhatItChanged) {
     EXPECT_TRUE(run({"import", "-"}, lists)
                     .output.endsWith("settings: 2 added: KBPath, PrintOut\n"
                                      "responsibles: 2 added: Ann, Bo\n"
@@ -233,7 +219,7 @@ TEST_F(SettingsProgram, AnImportSaysWhatItChanged) {
 }
 
 /// What people, mails and other tools leave in the tables comes back character by character.
-TEST_F(SettingsProgram, TakesAwkwardValuesThereAndBack) {
+TEST_F(Settings, TakesAwkwardValuesThereAndBack) {
     ASSERT_EQ(run({"import", "-"}, lists).status, 0);
     const QStringList awkward{"it's \"quoted\"; semi;colon, comma\ttab",
                               QString::fromUtf8("\u0395\u03BB\u03BB\u03B7\u03BD\u03B9\u03BA\u03AC \xF0\x9F\x98\x80"),
