@@ -14,7 +14,7 @@ TEST_F(FindDatabase, TheFileWinsOverTheServer) {
     EXPECT_EQ(fncGetConnection(), fileConnection());
     EXPECT_EQ(reportTarget->ReportTo, 2);
     EXPECT_EQ(reportTarget->ReportToValue, fncProgramFolder() + "\\Orvelle.mdb");
-    EXPECT_EQ(content("DBConnection.txt"), "Provider=SQLOLEDB.1;Data Source=s");
+    EXPECT_EQ(bytes("DBConnection.txt"), "Provider=SQLOLEDB.1;Data Source=s");
 }
 
 TEST_F(FindDatabase, TheServersTextIsTakenAsItStands) {
@@ -42,7 +42,7 @@ TEST_F(FindDatabase, AnEmptyServersTextIsDeletedAndTheSearchGoesOn) {
 
     put("DBConnection.txt", "");
     blnAllowDBCreation = true;
-    m_answers.expectSheet("frmChooseConnection", "cmdOK");
+    answers.expectSheet("frmChooseConnection", "cmdOK");
     EXPECT_EQ(fncGetConnection(), fileConnection());
     EXPECT_TRUE(exists("Orvelle.mdb"));
     EXPECT_EQ(frmChooseConnection.get().strSQLScriptFileName, "ORVLDB.sql");
@@ -65,32 +65,26 @@ TEST_F(FindDatabase, AServersTextThatCannotBeReadIsReportedAndStays) {
     // A file that opens and then gives nothing but errors.
     ASSERT_TRUE(QFile::link("/proc/self/mem", path("DBConnection.txt")));
     start(true);
-    m_answers.expect(" : fncGetConnection ", window::No);
+    answers.expect(" : fncGetConnection ", window::No);
     EXPECT_THROW(fncGetConnection(), ProcessEnd);
     EXPECT_TRUE(exists("DBConnection.txt"));
 }
 
-TEST_F(FindDatabase, ClosingTheChoiceLeavesNoDatabase) {
+TEST_F(FindDatabase, ClosingTheChoiceLeavesNoDatabaseAndExampleDataIsOfferedOnce) {
     start(true);
-    m_answers.expectSheet("frmChooseConnection", "");
+    answers.expectSheet("frmChooseConnection", "", {{"chkExampleData", "1"}});
     EXPECT_EQ(fncGetConnection(), "");
     EXPECT_FALSE(exists("Orvelle.mdb"));
     EXPECT_EQ(frmChooseConnection.get().intConnectionOption, 0);
-}
-
-TEST_F(FindDatabase, ExampleDataIsOfferedOnce) {
-    start(true);
-    m_answers.expectSheet("frmChooseConnection", "", {{"chkExampleData", "1"}});
-    fncGetConnection();
     EXPECT_FALSE(frmChooseConnection.get().blnLoadExampleData) << "the dialog was not confirmed";
-    m_answers.expectSheet("frmChooseConnection", "cmdOK");
+    answers.expectSheet("frmChooseConnection", "cmdOK");
     fncGetConnection();
-    EXPECT_EQ(m_answers.shown()[1].field("chkExampleData"), nullptr);
+    EXPECT_EQ(answers.shown()[1].field("chkExampleData"), nullptr);
 }
 
 TEST_F(FindDatabase, ExampleDataIsLoadedWhenTicked) {
     start(true);
-    m_answers.expectSheet("frmChooseConnection", "cmdOK", {{"chkExampleData", "1"}});
+    answers.expectSheet("frmChooseConnection", "cmdOK", {{"chkExampleData", "1"}});
     fncGetConnection();
     EXPECT_TRUE(frmChooseConnection.get().blnLoadExampleData);
 }
@@ -115,50 +109,37 @@ TEST_F(SharedConnection, IsOneAndOpensAgainAfterItWasClosed) {
     EXPECT_EQ(fncReturnRecordset("tblStatuses", true, true, false)->RecordCount(), 1);
 }
 
-TEST_F(SharedConnection, ReadOnlyRecordsetsTakeNoChanges) {
-    startOnNewDatabase();
-    const Ref<ado::Recordset> set = fncReturnRecordset("tblStatuses", true, true, false);
-    const auto failure = Attempt([&] { set->AddNew(); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), ado::notUpdatable);
-}
-
-TEST_F(SharedConnection, RunsCommands) {
-    startOnNewDatabase();
-    const Ref<ado::Command> command = fncCreateCommand();
-    command->SetCommandText("INSERT INTO tblStatuses (strStatus) VALUES ('Open')");
-    EXPECT_EQ(command->Execute(), 1);
-}
-
 TEST_F(SharedConnection, AFailingSelectionIsReportedOrGivesNothing) {
     startOnNewDatabase();
     EXPECT_TRUE(fncReturnRecordset("tblNone", false, false, false).isNothing());
-    m_answers.expect("fncReturnRecordset", window::No);
+    answers.expect("fncReturnRecordset", window::No);
     EXPECT_THROW(fncReturnRecordset("tblNone", false, true, false), ProcessEnd);
 }
 
-TEST_F(SharedConnection, ADatabaseThatCannotBeOpenedIsReported) {
-    put("Orvelle.mdb", "this is no database");
+/// A file, what is in it, and the words.
+using Refusal = std::array<const char *, 3>;
+class RefusedConnection : public Installation, public testing::WithParamInterface<Refusal> {};
+
+TEST_P(RefusedConnection, IsReportedInWords) {
+    const auto &[file, content, words] = GetParam();
+    if (file)
+        put(file, content);
+    else
+        reportTarget = Ref<ReportTarget>::make(ReportTarget{3, content});
     start(true);
-    m_answers.expect("damaged", window::No);
+    answers.expect(words, window::No);
     EXPECT_THROW(subSetupConnection(), ProcessEnd);
     EXPECT_TRUE(adoConnection.get().isNothing());
+    EXPECT_EQ(exists("Orvelle.mdb"), QString(words) == "damaged");
 }
 
-TEST_F(SharedConnection, AServerIsRefusedInWords) {
-    put("DBConnection.txt", "Provider=SQLOLEDB.1;Data Source=s;Initial Catalog=OrvelleSQL");
-    start(true);
-    m_answers.expect("not supported yet", window::No);
-    EXPECT_THROW(subSetupConnection(), ProcessEnd);
-}
-
-TEST_F(SharedConnection, AKnownServerIsNotLookedUpAgain) {
-    start(true);
-    reportTarget = Ref<ReportTarget>::make(ReportTarget{3, "Provider=Nobody.1"});
-    m_answers.expect("Nobody.1", window::No);
-    EXPECT_THROW(subSetupConnection(), ProcessEnd);
-    EXPECT_FALSE(exists("Orvelle.mdb"));
-}
+// The last is a server that is known already and not looked up again.
+INSTANTIATE_TEST_SUITE_P(Databases, RefusedConnection,
+                         testing::Values(Refusal{"Orvelle.mdb", "this is no database", "damaged"},
+                                         Refusal{"DBConnection.txt",
+                                                 "Provider=SQLOLEDB.1;Data Source=s;Initial Catalog=OrvelleSQL",
+                                                 "not supported yet"},
+                                         Refusal{nullptr, "Provider=Nobody.1", "Nobody.1"}));
 
 using OlderFile = Installation;
 
@@ -179,8 +160,8 @@ TEST_F(OlderFile, IsLeftAloneBesideThePresentOne) {
     put("Corvane.mdb", "old");
     start(false);
     EXPECT_EQ(*strDBFileName, "Orvelle.mdb");
-    EXPECT_EQ(content("Orvelle.mdb"), "new");
-    EXPECT_EQ(content("Corvane.mdb"), "old");
+    EXPECT_EQ(bytes("Orvelle.mdb"), "new");
+    EXPECT_EQ(bytes("Corvane.mdb"), "old");
 }
 
 TEST_F(OlderFile, IsUsedUnderItsNameWhileAnotherProgramHasIt) {

@@ -5,54 +5,27 @@
 
 namespace {
 
-struct Table {
-    const char *name;
-    /// "column:type:caption", one a column, in the order of creation.
-    QStringList columns;
+/// Each table with its columns, "name:type:caption", in the order of creation.
+const std::pair<QString, QString> expectedTables[] = {
+    {"tblPersons", "intPersonID:Id:Responsible ID, strPersonName:Text:Name, curRate:Money:Rate, strEmail:Text:E-mail"},
+    {"tblTickets", "intTicketID:Id:Ticket ID, strTicketSubject:Text:Subject, strDescription:Memo:Description, "
+                   "intTicketType:Short:Problem type ID, strCustomerName:Text:Caller, strCustomerEmail:Text:E-mail, "
+                   "intPriority:Short:Priority, dteCreated:Date:Created, dteClosed:Date:Closed Date, "
+                   "intAssignedTo:Short:Responsible ID, blnClosed:Flag:Closed, intMinutesWorked:Short:Minutes worked, "
+                   "strCustomerPhone:Text:Caller Phone, strCustomerCategory:Text:Caller category, curRate:Money:Rate, "
+                   "strMonthName:Text:Month, strWeekdayName:Text:Day, intMinutesOpen:Short:, "
+                   "strDescriptionHTML:Memo:Description HTML, strTicketStatus:Text:Status, "
+                   "strCustomerComment:Text:Comment, strTicketID:Text:Ticket ID"},
+    {"tblTypes", "intTicketType:Id:Problem type ID, strTypeDescription:Text:Problem type, "
+                 "strCategory:Text:Problem category, intDefMin:Short:Minutes worked"},
+    {"tblCallerCategories", "intCallerCategoryID:Id:Caller category ID, strCallerCategory:Text:Caller category"},
+    {"tblStatuses", "intStatusID:Id:Status ID, strStatus:Text:Status"},
+    {"tblCallers", "intCallerID:Id:Caller ID, strFullName:Text:Caller, strTelephone:Text:Phone, strEmail:Text:E-mail, "
+                   "strComment:Text:Comment, strCategory:Text:Caller category"},
+    {"tblOtherSettings", "intSettingID:Id:Configure ID, strPropName:Text:Name, strPropValue:Memo:Value"},
+    {"tblWork", "intWorkItemID:Id:Work ID, strPersonName:Text:Name, intMinutesWorked:Short:Minutes worked, "
+                "dteWorkedDate:Date:Date, strWorkDescription:Text:Description, intTicketID:Long:Ticket ID"},
 };
-
-QList<Table> expectedTables() {
-    return {
-        {"tblPersons",
-         {"intPersonID:Id:Responsible ID", "strPersonName:Text:Name", "curRate:Money:Rate", "strEmail:Text:E-mail"}},
-        {"tblTickets",
-         {"intTicketID:Id:Ticket ID",
-          "strTicketSubject:Text:Subject",
-          "strDescription:Memo:Description",
-          "intTicketType:Short:Problem type ID",
-          "strCustomerName:Text:Caller",
-          "strCustomerEmail:Text:E-mail",
-          "intPriority:Short:Priority",
-          "dteCreated:Date:Created",
-          "dteClosed:Date:Closed Date",
-          "intAssignedTo:Short:Responsible ID",
-          "blnClosed:Flag:Closed",
-          "intMinutesWorked:Short:Minutes worked",
-          "strCustomerPhone:Text:Caller Phone",
-          "strCustomerCategory:Text:Caller category",
-          "curRate:Money:Rate",
-          "strMonthName:Text:Month",
-          "strWeekdayName:Text:Day",
-          "intMinutesOpen:Short:",
-          "strDescriptionHTML:Memo:Description HTML",
-          "strTicketStatus:Text:Status",
-          "strCustomerComment:Text:Comment",
-          "strTicketID:Text:Ticket ID"}},
-        {"tblTypes",
-         {"intTicketType:Id:Problem type ID", "strTypeDescription:Text:Problem type",
-          "strCategory:Text:Problem category", "intDefMin:Short:Minutes worked"}},
-        {"tblCallerCategories",
-         {"intCallerCategoryID:Id:Caller category ID", "strCallerCategory:Text:Caller category"}},
-        {"tblStatuses", {"intStatusID:Id:Status ID", "strStatus:Text:Status"}},
-        {"tblCallers",
-         {"intCallerID:Id:Caller ID", "strFullName:Text:Caller", "strTelephone:Text:Phone", "strEmail:Text:E-mail",
-          "strComment:Text:Comment", "strCategory:Text:Caller category"}},
-        {"tblOtherSettings", {"intSettingID:Id:Configure ID", "strPropName:Text:Name", "strPropValue:Memo:Value"}},
-        {"tblWork",
-         {"intWorkItemID:Id:Work ID", "strPersonName:Text:Name", "intMinutesWorked:Short:Minutes worked",
-          "dteWorkedDate:Date:Date", "strWorkDescription:Text:Description", "intTicketID:Long:Ticket ID"}},
-    };
-}
 
 QString typeName(const Ref<dao::Field> &field) {
     switch (field->Type) {
@@ -91,15 +64,14 @@ TEST_F(NewDatabase, HasTheEightTablesColumnByColumn) {
     ASSERT_TRUE(create());
     const Ref<dao::Database> database = definition();
     const QList<Ref<dao::TableDef>> tables = database->TableDefs();
-    const QList<Table> expected = expectedTables();
-    ASSERT_EQ(tables.size(), expected.size());
-    for (qsizetype at = 0; at < tables.size(); ++at) {
-        const Ref<dao::TableDef> &table = tables[at];
-        EXPECT_EQ(table->Name, expected[at].name);
+    ASSERT_EQ(tables.size(), std::ssize(expectedTables));
+    for (std::size_t i = 0; i < std::size(expectedTables); ++i) {
+        const Ref<dao::TableDef> &table = tables[static_cast<qsizetype>(i)];
+        EXPECT_EQ(table->Name, expectedTables[i].first);
         QStringList columns;
         for (const Ref<dao::Field> &field : table->Fields())
             columns.append(QString("%1:%2:%3").arg(field->Name, typeName(field), caption(field)));
-        EXPECT_EQ(columns.join("\n").toStdString(), expected[at].columns.join("\n").toStdString());
+        EXPECT_EQ(columns.join(", "), expectedTables[i].second);
         ASSERT_EQ(table->Indexes().size(), 1);
         EXPECT_EQ(table->Indexes()[0]->Name, "PrimaryKey");
         EXPECT_TRUE(table->Indexes()[0]->Primary);
@@ -121,21 +93,21 @@ TEST_F(NewDatabase, HasItsCaptionsInTheLanguageInForce) {
 
 TEST_F(NewDatabase, IsAbsentWhenItCouldNotBeFinished) {
     put("Orvelle.mdb", "in the way");
-    m_answers.expect("fncCreateV7DB", window::No);
+    answers.expect("fncCreateV7DB", window::No);
     EXPECT_THROW(create(), ProcessEnd);
-    EXPECT_EQ(content("Orvelle.mdb"), "in the way");
+    EXPECT_EQ(bytes("Orvelle.mdb"), "in the way");
 }
 
 /// The later steps go on after a failing statement and say at the end that one failed; what has a handler of its own
 /// reports.
 TEST_F(NewDatabase, StepsWithoutADatabaseFail) {
     EXPECT_FALSE(fncAddTicketColumns());
-    m_answers.expect("subAddOtherSettingsTable", window::No);
+    answers.expect("subAddOtherSettingsTable", window::No);
     EXPECT_THROW(fncAddReferenceTables(), ProcessEnd);
 }
 
 TEST_F(NewDatabase, RemovingRelationsFromNoDatabaseIsReported) {
-    m_answers.expect("subDAORemoveForeignKeys", window::No);
+    answers.expect("subDAORemoveForeignKeys", window::No);
     EXPECT_THROW(subDAORemoveForeignKeys(nullptr, "tblTickets"), ProcessEnd);
 }
 
@@ -180,7 +152,7 @@ TEST_F(NewDatabase, KeepsWhatWasWrittenWhenTheProgramIsKilled) {
 }
 
 TEST_F(NewDatabase, IsNotMadeOnAServerYet) {
-    m_answers.expect("not supported yet");
+    answers.expect("not supported yet");
     EXPECT_EQ(fncCreateSQLDB("OrvelleSQL"), "");
 }
 
