@@ -33,16 +33,29 @@ class TicketRun : public support::Helpdesk {
     QString m_noSubFolder;
 };
 
-TEST_F(TicketRun, MakesATicketOfTheOneSelectedMailAndEnds) {
-    deliver({.subject = "selected"});
+/// Whether tickets have folders, and the subject of the mail.
+using NewMail = std::pair<bool, const char *>;
+class NewTicketRun : public TicketRun, public testing::WithParamInterface<NewMail> {};
+
+TEST_P(NewTicketRun, MakesATicketOfTheOneSelectedMailAndEnds) {
+    const auto &[hasFolders, subject] = GetParam();
+    setSetting("EmailSubFolders", hasFolders ? "1" : "0");
+    deliver({.subject = subject});
     select(1);
     auto &copy = startExpecting(m_openNow, window::No);
     EXPECT_FALSE(copy.run.alive());
     EXPECT_EQ(copy.run.exitStatus(), 0);
-    EXPECT_EQ(subjects(tickets()), QStringList{"selected"});
-    EXPECT_EQ(subjects(intake()), QStringList{"selected"}) << "the mail stays where it is";
+    EXPECT_EQ(subjects(tickets()), QStringList{subject});
+    EXPECT_EQ(subjects(intake()), QStringList{subject}) << "the mail stays where it is";
     EXPECT_EQ(intake().Items().Item(1).BillingInformation(), "1");
+    EXPECT_EQ(folderNames(tickets()), hasFolders ? QStringList{"1"} : QStringList());
+    if (hasFolders) {
+        EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), QStringList{subject}) << "a copy";
+    }
 }
+
+// Without folders braces mean nothing.
+INSTANTIATE_TEST_SUITE_P(Mails, NewTicketRun, testing::Values(NewMail{false, "Re: {9}"}, NewMail{true, "new"}));
 
 TEST_F(TicketRun, DoesNothingWithNoneOrTwoSelected) {
     deliver({.subject = "one"});
@@ -133,22 +146,6 @@ TEST_F(TicketRun, AFailureIsReportedUnderItsName) {
     questions->failing["Selection.Item()"] = failures::catastrophic;
     auto &copy = startExpecting(" : subCreateTicketFromSelected ", window::No);
     EXPECT_EQ(copy.run.exitStatus(), 1);
-}
-
-TEST_F(TicketRun, WithSubFoldersANewTicketKeepsACopyOfTheMail) {
-    setSetting("EmailSubFolders", "1");
-    deliver({.subject = "new"});
-    select(1);
-    startExpecting(m_openNow, window::No);
-    EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), QStringList{"new"});
-    EXPECT_EQ(subjects(intake()), QStringList{"new"});
-}
-
-TEST_F(TicketRun, WithoutSubFoldersBracesMeanNothing) {
-    deliver({.subject = "Re: {9}"});
-    select(1);
-    startExpecting(m_openNow, window::No);
-    EXPECT_EQ(subjects(tickets()), QStringList{"Re: {9}"});
 }
 
 TEST_F(TicketRun, WithoutADatabaseItEndsWithoutAWord) {
