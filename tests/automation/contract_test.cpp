@@ -134,13 +134,13 @@ TEST_P(Contract, CallsTakeTheArgumentsThatTheMemberHas) {
         {"Describe", {}, "sample unnamed"},
         {"Name", {}, "unnamed"},
         {"Name", {1}, "failure 450"},
-        {"Fail", {440, "x"}, "failure 440"},
         {"internalSlot", {}, "failure 438"},
         {"deleteLater", {}, "failure 438"},
         {"Write", {true}, "failure 438"},
         {"Nowhere", {}, "failure 438"},
         {"", {}, "failure 438"},
     };
+    const SubscriptionPtr close = root->connect("Close", note("an event with the name of a member"));
     for (const Case &entry : cases) {
         Value result;
         if (const qint32 number = failureOf([&] { result = root->call(entry.member, entry.arguments); }))
@@ -149,13 +149,9 @@ TEST_P(Contract, CallsTakeTheArgumentsThatTheMemberHas) {
     }
     EXPECT_EQ(root->get("Describe"), Value("sample unnamed")) << "a function without arguments reads as a property";
     EXPECT_EQ(failureOf([&] { root->get("Add"); }), failures::wrongNumberOfArguments);
-}
-
-TEST_P(Contract, FailuresKeepNumberAndDescription) {
+    EXPECT_EQ(noted.size(), 1);
     const auto failure = Attempt([&] { root->call("Fail", {failures::itemChanged, QString::fromUtf8("geändert")}); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->number(), failures::itemChanged);
-    EXPECT_EQ(failure->description(), QString::fromUtf8("geändert"));
+    EXPECT_TRUE(failure && failure->number() == failures::itemChanged && failure->description() == "geändert");
 }
 
 TEST_P(Contract, TheSameObjectIsMetAsTheSame) {
@@ -275,12 +271,6 @@ TEST_P(Contract, ASaveInsideAHandlerOfWrite) {
     EXPECT_EQ(root->call("Save", {}), Value(false));
     EXPECT_EQ(noted, (QStringList{"write", "write", "saved"}));
     EXPECT_EQ(root->get("Saves"), Value(1));
-}
-
-TEST_P(Contract, AnEventMayHaveTheNameOfAMember) {
-    const SubscriptionPtr close = root->connect("Close", note("close"));
-    root->call("Close", {});
-    EXPECT_EQ(noted, QStringList{"close"});
 }
 
 TEST_P(Contract, ASubscriptionOutlivesItsObjectHarmlessly) {

@@ -16,24 +16,6 @@ class Local : public testing::Test {
 /// Stands for an end of the program that no failure handling may swallow.
 struct ProgramEnd {};
 
-TEST_F(Local, OneWrapperAnObject) {
-    EXPECT_EQ(wrap(host), root);
-    EXPECT_EQ(wrap(nullptr), nullptr);
-    EXPECT_EQ(exposedOf<sample::Sample>(root), host);
-    EXPECT_EQ(exposedOf<sample::Inner>(root), host);
-    EXPECT_EQ(exposedOf<sample::Sample>(Value::nothing()), nullptr);
-    EXPECT_EQ(failureOf([&] { exposedOf<sample::Sample>(Value()); }), failures::typeMismatch);
-    EXPECT_EQ(exposedOrNull(Value(3)), nullptr);
-}
-
-TEST_F(Local, AWrapperKeepsItsObject) {
-    const std::weak_ptr<sample::Sample> watched = host;
-    host.reset();
-    EXPECT_EQ(root->get("Name"), Value("unnamed"));
-    root.reset();
-    EXPECT_TRUE(watched.expired());
-}
-
 TEST_F(Local, WhatIsNoFailurePassesOnAfterAllHandlers) {
     int later = 0;
     const SubscriptionPtr first = root->connect("Write", [](ValueList &arguments) {

@@ -4,7 +4,6 @@
 #include "automation/support.h"
 
 #include <random>
-#include <thread>
 
 using namespace automation;
 using namespace std::chrono_literals;
@@ -63,10 +62,7 @@ INSTANTIATE_TEST_SUITE_P(AtAnyMoment, HostDies, testing::Range(0, 12));
 TEST_P(HostDies, EveryCallFailsAndTheClientIsToldOnce) {
     connect();
     const SubscriptionPtr write = root->connect("Write", [&](ValueList &) { root->get("Name"); });
-    std::thread killer([&, pid = peer->pid()] {
-        std::this_thread::sleep_for(moment());
-        ::kill(pid, SIGKILL);
-    });
+    std::jthread killer = killLater(peer->pid(), moment());
     qint32 number = 0;
     while (number == 0)
         number = failureOf([&] {
@@ -104,12 +100,8 @@ TEST_F(OtherHost, AStoppedHostIsStuckAndItsLateAnswerIsDropped) {
     EXPECT_EQ(root->call("Echo", {"in time"}), Value("in time"));
     EXPECT_EQ(toldGone, 0);
     peer->signal(SIGSTOP);
-    std::thread killer([pid = peer->pid()] {
-        std::this_thread::sleep_for(50ms);
-        ::kill(pid, SIGKILL);
-    });
+    const std::jthread killer = killLater(peer->pid(), 50ms);
     EXPECT_EQ(failureOf([&] { root->get("Name"); }), failures::peerGone) << "dead is not stuck";
-    killer.join();
 }
 
 TEST_F(OtherHost, ABusyHostIsStuckOnlyBeyondTheWholePatience) {
@@ -195,12 +187,8 @@ TEST_P(ClientDies, ItsHandlesAndSubscriptionsEndAndNothingElse) {
     {
         Peer victim(client("hammer"), "running");
         EXPECT_EQ(server.clientCount(), 2);
-        std::thread killer([&, pid = victim.pid()] {
-            std::this_thread::sleep_for(moment());
-            ::kill(pid, SIGKILL);
-        });
+        const std::jthread killer = killLater(victim.pid(), moment());
         EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
-        killer.join();
     }
     EXPECT_TRUE(eventually([&] { return !gone.isEmpty(); }));
     EXPECT_EQ(gone, QList<ClientNumber>{2});
@@ -227,24 +215,20 @@ TEST_F(OwnHost, AStuckClientHoldsTheHostUpOnceAndComesBack) {
 }
 
 TEST_F(OwnHost, AClientInItsEventLoopIsNotStuck) {
-    Peer slow(client("dawdle", 1500), "running");
+    Peer slow(client("cancel", 1500), "running");
     EXPECT_EQ(root->call("Save", {}), Value(false)) << "its answer came, after several times the patience";
 }
 
 TEST_F(OwnHost, AHandlerThatDiesIsNoHandler) {
-    Peer slow(client("dawdle", 60'000), "running");
-    std::thread killer([pid = slow.pid()] {
-        std::this_thread::sleep_for(50ms);
-        ::kill(pid, SIGKILL);
-    });
+    Peer slow(client("cancel", 60'000), "running");
+    std::jthread killer = killLater(slow.pid(), 50ms);
     EXPECT_EQ(root->call("Save", {}), Value(true));
-    killer.join();
     EXPECT_TRUE(gone.isEmpty()) << "told inside of a call";
     EXPECT_TRUE(eventually([&] { return gone.size() == 1; }));
 }
 
 TEST_F(OwnHost, WhileOneClientDawdlesOthersAreServed) {
-    Peer slow(client("dawdle", 60'000), "running");
+    Peer slow(client("cancel", 60'000), "running");
     Peer other(client("work"), "running");
     bool waiting = false;
     int served = 0;

@@ -17,7 +17,7 @@ Value Sample::child() { return automation::wrap(m_child); }
 
 void Sample::setName(const QString &name) {
     if (name.isEmpty())
-        throw Failure(failures::invalidCall, QStringLiteral("The name is empty."));
+        throw Failure(failures::invalidCall, "The name is empty.");
     Inner::setName(name);
 }
 

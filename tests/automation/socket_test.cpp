@@ -1,19 +1,16 @@
 // The socket file, and what comes in over it from nobody in particular.
 
+#include "automation/rawpeer.h"
 #include "automation/sample.h"
 #include "automation/support.h"
-#include "automation/wire.h"
 
 #include <QDir>
 #include <QFile>
 
-#include <cstring>
 #include <fcntl.h>
 #include <random>
 #include <sys/file.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 using namespace automation;
@@ -34,10 +31,8 @@ TEST(SocketFile, OnlyTheOwnerMayUseIt) {
 TEST(SocketFile, OneHostAtATime) {
     const SocketFolder folder;
     std::optional<Server> first(std::in_place, newRoot, folder.socket());
-    const auto refused = Attempt([&] { const Server second(newRoot, folder.socket()); });
-    ASSERT_TRUE(refused);
-    EXPECT_EQ(refused->number(), failures::permissionDenied);
-    EXPECT_TRUE(refused->description().contains("already running"));
+    expectFailure([&] { const Server second(newRoot, folder.socket()); }, failures::permissionDenied,
+                  {"already running"});
     // Nor when somebody tidied its lock away.
     QFile::remove(folder.socket() + ".lock");
     EXPECT_EQ(failureOf([&] { const Server second(newRoot, folder.socket()); }), failures::permissionDenied);
@@ -84,7 +79,7 @@ TEST(SocketFile, OfManyThatReplaceALeftSocketOneWins) {
 
 TEST(SocketFile, ALongPathAndNone) {
     const SocketFolder folder;
-    const QString deep = folder.folder().filePath(QString(120, u'd'));
+    const QString deep = folder.folder.filePath(QString(120, u'd'));
     ASSERT_TRUE(QDir().mkdir(deep));
     EXPECT_EQ(failureOf([&] { const Server server(newRoot, deep + "/host.socket"); }), 0);
     Peer host({"host", deep + "/host.socket"}, "ready");
@@ -93,68 +88,17 @@ TEST(SocketFile, ALongPathAndNone) {
     EXPECT_EQ(failureOf([&] { Client::connect(deep + "/none/host.socket"); }), failures::cannotCreateObject);
 }
 
-/// A client without manners: whatever bytes, and what comes back.
-class RawClient {
+class RawClient : public RawPeer {
   public:
-    explicit RawClient(const QString &path)
-        : m_socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0)) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::strncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path - 1);
-        EXPECT_EQ(::connect(m_socket, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
-    }
-    ~RawClient() { ::close(m_socket); }
-    RawClient(const RawClient &) = delete;
-    RawClient &operator=(const RawClient &) = delete;
+    explicit RawClient(const QString &path) : RawPeer(connectToHost(path)) {}
 
-    void send(std::span<const char> bytes) {
-        EXPECT_EQ(::send(m_socket, bytes.data(), bytes.size(), MSG_NOSIGNAL), std::ssize(bytes));
-    }
-    void send(const wire::Frame &frame) {
-        std::vector<char> bytes;
-        wire::encode(bytes, frame, m_objects);
-        send(bytes);
-    }
     /// The answer to a request; a nameless one when the connection ended.
     wire::Frame answer(const wire::Frame &frame) {
-        send(frame);
-        std::vector<char> bytes;
+        send({frame});
         std::optional<wire::Frame> read;
-        const bool ended = !eventually([&] {
-            takeIn(bytes);
-            read = bytes.size() < 4 ? std::nullopt : wire::decode(std::span<const char>(bytes).subspan(4), m_objects);
-            return read || m_ended;
-        });
-        return ended || !read ? wire::Frame{} : *read;
+        EXPECT_TRUE(eventually([&] { return (read = next()) || isEnded(); }));
+        return read.value_or(wire::Frame{});
     }
-    bool isEnded() {
-        std::vector<char> ignored;
-        takeIn(ignored);
-        return m_ended;
-    }
-    void stopSending() { ::shutdown(m_socket, SHUT_WR); }
-
-  private:
-    struct NoObjects : wire::ObjectTable {
-        Reference give(const ObjectPtr &) override { throw Failure(failures::typeMismatch); }
-        ObjectPtr take(const Reference &) override { return nullptr; }
-    };
-
-    void takeIn(std::vector<char> &bytes) {
-        char portion[4096];
-        for (;;) {
-            const ssize_t count = ::recv(m_socket, portion, sizeof portion, 0);
-            if (count <= 0) {
-                m_ended |= count == 0 || (errno != EAGAIN && errno != EINTR);
-                return;
-            }
-            bytes.insert(bytes.end(), portion, portion + count);
-        }
-    }
-
-    int m_socket;
-    bool m_ended = false;
-    NoObjects m_objects;
 };
 
 class BadClient : public testing::Test {
@@ -193,7 +137,7 @@ TEST_F(BadClient, WhatIsWrongInAWholeFrameIsRefused) {
     EXPECT_EQ(client.answer(hello()).kind, Answer);
     for (const Case &entry : cases) {
         if (entry.number == -1) {
-            client.send(entry.frame);
+            client.send({entry.frame});
             continue;
         }
         const wire::Frame answer = client.answer(entry.frame);
@@ -214,9 +158,9 @@ TEST_F(BadClient, AHandleThatWasGivenTwiceIsHeldUntilBothAreReleased) {
     };
     ask(2, 1, "Child");
     ask(3, 1, "Child");
-    client.send({.kind = Release, .values = {2, 1}});
+    client.send({{.kind = Release, .values = {2, 1}}});
     EXPECT_EQ(ask(4, 2, "Name"), Answer);
-    client.send({.kind = Release, .values = {2, 1}});
+    client.send({{.kind = Release, .values = {2, 1}}});
     EXPECT_EQ(ask(5, 2, "Name"), Refusal);
 }
 
@@ -238,7 +182,7 @@ TEST_P(Nonsense, EndsItsOwnConnectionOnly) {
     if (random() % 2)
         length = wire::largestBody + 1 + static_cast<quint32>(random() % 1000);
     std::memcpy(bytes.data(), &length, sizeof length);
-    bad.send(bytes);
+    bad.send(std::span<const char>(bytes));
     EXPECT_TRUE(eventually([&] { return bad.isEnded(); }));
     EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
     EXPECT_EQ(good.answer({.kind = wire::FrameKind::Get, .call = 2, .target = 1, .text = "Name"}).values,
@@ -248,7 +192,7 @@ TEST_P(Nonsense, EndsItsOwnConnectionOnly) {
 TEST_F(BadClient, ThatStopsInTheMiddleOfAFrameIsGone) {
     RawClient client(folder.socket());
     const char half[] = {100, 0, 0, 0, 2};
-    client.send(half);
+    client.send(std::span(half));
     EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
     client.stopSending();
     EXPECT_TRUE(eventually([&] { return server.clientCount() == 0; }));

@@ -1,36 +1,17 @@
-/// What the suites share: waiting by condition, the other process, a folder with a socket.
+/// What the suites share: the other process, a folder with a socket.
 #pragma once
 
 #include "automation/remote.h"
+#include "support/steps.h"
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QTemporaryDir>
 
 #include <csignal>
-
-/// Runs the event loop until the condition holds; false when it does not within 20 seconds.
-template <class Condition>
-bool eventually(Condition condition) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > 20'000)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 10);
-    }
-    return true;
-}
-
-/// The failure's number, 0 for none.
-template <class Step>
-qint32 failureOf(Step step) {
-    const std::optional<Failure> failure = Attempt(step);
-    return failure ? failure->number() : 0;
-}
+#include <thread>
 
 /// A peer program that is running its part; killed with its owner.
 class Peer {
@@ -67,11 +48,15 @@ class Peer {
     QByteArray m_output;
 };
 
-class SocketFolder {
-  public:
-    [[nodiscard]] QString socket() const { return m_folder.filePath(QStringLiteral("host.socket")); }
-    [[nodiscard]] const QTemporaryDir &folder() const { return m_folder; }
+/// Kills a process after a while.
+[[nodiscard]] inline std::jthread killLater(pid_t process, std::chrono::microseconds delay) {
+    return std::jthread([process, delay] {
+        std::this_thread::sleep_for(delay);
+        ::kill(process, SIGKILL);
+    });
+}
 
-  private:
-    QTemporaryDir m_folder;
+struct SocketFolder {
+    [[nodiscard]] QString socket() const { return folder.filePath("host.socket"); }
+    QTemporaryDir folder;
 };

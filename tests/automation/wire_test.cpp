@@ -1,7 +1,7 @@
 // The frame reader meets bytes that nobody vouches for.
 
-#include "automation/object.h"
 #include "automation/wire.h"
+#include "support/fakeobject.h"
 
 #include <gtest/gtest.h>
 
@@ -16,15 +16,6 @@ namespace {
 /// Gives out the objects that it made by their handles; anything above the last one is not held.
 class Objects : public ObjectTable {
   public:
-    class Plain : public Object {
-      public:
-        QString typeName() override { return QStringLiteral("Plain"); }
-        Value get(const QString &) override { return {}; }
-        void put(const QString &, const Value &) override {}
-        Value call(const QString &, const ValueList &) override { return {}; }
-        SubscriptionPtr connect(const QString &, EventHandler) override { return nullptr; }
-    };
-
     Reference give(const ObjectPtr &object) override {
         for (std::size_t i = 0; i < m_objects.size(); ++i)
             if (m_objects[i] == object)
@@ -40,7 +31,8 @@ class Objects : public ObjectTable {
     std::vector<KnownValue> along{{"Name", "first"}, {"Count", 3}};
 
   private:
-    std::vector<ObjectPtr> m_objects{std::make_shared<Plain>(), std::make_shared<Plain>()};
+    std::vector<ObjectPtr> m_objects{std::make_shared<support::FakeObject>("Plain"),
+                                     std::make_shared<support::FakeObject>("Plain")};
 };
 
 class Wire : public testing::Test {
@@ -124,7 +116,7 @@ TEST_F(Wire, WhatIsTooLargeLeavesTheBytesAlone) {
     std::vector<char> bytes = encoded(full());
     const std::vector<char> before = bytes;
     const QString large(static_cast<qsizetype>(largestBody / 2), u'x');
-    const ObjectPtr stranger = std::make_shared<Objects::Plain>();
+    const ObjectPtr stranger = std::make_shared<support::FakeObject>("Plain");
     EXPECT_THROW(encode(bytes, {.kind = FrameKind::Put, .values = {large}}, objects), Failure);
     EXPECT_THROW(encode(bytes, {.kind = FrameKind::Put, .values = ValueList(mostValues + 1)}, objects), Failure);
     EXPECT_THROW(encode(bytes, {.kind = FrameKind::Put, .values = {stranger}}, objects), Failure);

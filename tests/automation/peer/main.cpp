@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <map>
 #include <unistd.h>
 
 using namespace automation;
@@ -20,19 +21,10 @@ void say(const char *text) {
     std::fflush(stdout);
 }
 
-Patience patienceFrom(const QStringList &arguments) {
-    Patience patience;
-    if (arguments.size() >= 2) {
-        patience.silence = std::chrono::milliseconds(arguments[0].toInt());
-        patience.answer = std::chrono::milliseconds(arguments[1].toInt());
-    }
-    return patience;
-}
-
-int runHost(const QString &socket, const QStringList &arguments) {
+int runHost(const QString &socket) {
     const ObjectPtr root = wrap(std::make_shared<sample::Sample>());
     try {
-        const Server server([root] { return root; }, socket, patienceFrom(arguments));
+        const Server server([root] { return root; }, socket);
         say("ready");
         return QCoreApplication::exec();
     } catch (const Failure &failure) {
@@ -42,7 +34,7 @@ int runHost(const QString &socket, const QStringList &arguments) {
 }
 
 /// Everything at once for as long as it lives: calls, objects made and dropped, events that call back.
-int hammer(Object &root) {
+int hammer(Object &root, int) {
     SubscriptionPtr write = root.connect("Write", [&root](ValueList &arguments) {
         root.get("Name");
         arguments[0] = true;
@@ -57,22 +49,15 @@ int hammer(Object &root) {
     }
 }
 
-/// Cancels every Write, having asked the host for something.
-int cancel(Object &root) {
-    const SubscriptionPtr write = root.connect("Write", [&root](ValueList &arguments) {
+/// Cancels every Write, having asked the host for something. May take a while over it, in an event loop of its own as a
+/// question to a person would.
+int cancel(Object &root, int milliseconds) {
+    const SubscriptionPtr write = root.connect("Write", [&root, milliseconds](ValueList &arguments) {
         root.get("Name");
-        arguments[0] = true;
-    });
-    say("running");
-    return QCoreApplication::exec();
-}
-
-/// Takes so long over every Write, in an event loop of its own as a question to a person would.
-int dawdle(Object &root, int milliseconds) {
-    const SubscriptionPtr write = root.connect("Write", [milliseconds](ValueList &arguments) {
         QEventLoop loop;
         QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
-        loop.exec();
+        if (milliseconds > 0)
+            loop.exec();
         arguments[0] = true;
     });
     say("running");
@@ -92,7 +77,7 @@ int deepen(Object &root, int level) {
 }
 
 /// Never stops asking.
-int work(Object &root) {
+int work(Object &root, int) {
     say("running");
     for (;;)
         root.call("Deepen", {1});
@@ -100,20 +85,9 @@ int work(Object &root) {
 
 int runClient(const QString &socket, const QStringList &arguments) {
     const auto client = Client::connect(socket, [] { QCoreApplication::exit(0); });
-    Object &root = *client->root();
-    const QString part = arguments.value(0);
-    const int number = arguments.value(1).toInt();
-    if (part == QLatin1String("hammer"))
-        return hammer(root);
-    if (part == QLatin1String("cancel"))
-        return cancel(root);
-    if (part == QLatin1String("dawdle"))
-        return dawdle(root, number);
-    if (part == QLatin1String("work"))
-        return work(root);
-    if (part == QLatin1String("deepen"))
-        return deepen(root, number);
-    return 2;
+    const std::map<QString, int (*)(Object &, int)> parts{
+        {"hammer", hammer}, {"cancel", cancel}, {"deepen", deepen}, {"work", work}};
+    return parts.at(arguments.value(0))(*client->root(), arguments.value(1).toInt());
 }
 
 } // namespace
@@ -128,7 +102,7 @@ int main(int argc, char **argv) {
     });
     const QStringList arguments = QCoreApplication::arguments();
     try {
-        return arguments.value(1) == QLatin1String("host") ? runHost(arguments.value(2), arguments.mid(3))
+        return arguments.value(1) == QLatin1String("host") ? runHost(arguments.value(2))
                                                            : runClient(arguments.value(2), arguments.mid(3));
     } catch (const Failure &failure) {
         // The host went away in the middle of a call: that is how these parts end.

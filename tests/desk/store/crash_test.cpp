@@ -1,7 +1,7 @@
 // Writers killed at any moment: nothing lost, nothing doubled, nothing half.
 
-#include "child.h"
 #include "storefixture.h"
+#include "support/child.h"
 
 #include "desk/store/transfer.h"
 

@@ -1,7 +1,7 @@
 // Files that cannot be read or written: a clear failure, and nothing lost.
 
-#include "child.h"
 #include "storefixture.h"
+#include "support/child.h"
 
 #include "desk/store/connection.h"
 

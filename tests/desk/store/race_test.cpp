@@ -24,16 +24,14 @@ class RaceTest : public StoreTest {
     QList<qint32> race(const ItemRecord &item, const std::function<void(Store &, const ItemRecord &, int)> &run) {
         std::barrier start(racers);
         std::vector<qint32> outcomes(racers);
-        std::vector<std::thread> threads;
-        threads.reserve(racers);
+        std::vector<std::jthread> threads;
         for (int racer = 0; racer < racers; ++racer)
             threads.emplace_back([&, racer] {
                 const auto store = open();
                 start.arrive_and_wait();
                 outcomes[static_cast<std::size_t>(racer)] = failureOf([&] { run(*store, item, racer); });
             });
-        for (std::thread &thread : threads)
-            thread.join();
+        threads.clear();
         std::ranges::sort(outcomes);
         return {outcomes.begin(), outcomes.end()};
     }
@@ -80,7 +78,7 @@ TEST_F(RaceTest, OneOfSeveralTakersWins) {
 TEST_F(RaceTest, EveryoneSeesEveryArrivalOnceInOneOrder) {
     constexpr int itemsEach = 150;
     std::atomic<int> writing{racers};
-    std::vector<std::thread> threads;
+    std::vector<std::jthread> threads;
     for (int racer = 0; racer < racers; ++racer)
         threads.emplace_back([&] {
             const auto store = open();
@@ -99,8 +97,7 @@ TEST_F(RaceTest, EveryoneSeesEveryArrivalOnceInOneOrder) {
     while (writing > 0)
         if (m_store->changed())
             look();
-    for (std::thread &thread : threads)
-        thread.join();
+    threads.clear();
     look();
     ASSERT_EQ(seen.size(), racers * itemsEach);
     ASSERT_EQ(m_store->count(m_inbox), seen.size());
@@ -113,15 +110,14 @@ TEST_F(RaceTest, SeveralMakeOneNewStore) {
         const QString name = QStringLiteral("new%1").arg(round);
         std::barrier start(racers);
         std::vector<QString> ids(racers);
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (int racer = 0; racer < racers; ++racer)
             threads.emplace_back([&, racer] {
                 start.arrive_and_wait();
                 if (const auto failure = Attempt([&] { ids[static_cast<std::size_t>(racer)] = open(name)->storeId(); }))
                     ADD_FAILURE() << failure->what();
             });
-        for (std::thread &thread : threads)
-            thread.join();
+        threads.clear();
         EXPECT_EQ(ids[0], ids[1]);
         EXPECT_EQ(ids[0], ids[2]);
     }

@@ -1,11 +1,11 @@
 #include "platform/registry/registry.h"
+#include "support/child.h"
 #include "support/files.h"
 #include "support/steps.h"
 
 #include <QTemporaryDir>
 
-#include <sys/wait.h>
-#include <unistd.h>
+#include <list>
 
 namespace {
 
@@ -45,23 +45,16 @@ TEST_F(Registry, KeepsAnyText) {
 TEST_F(Registry, TakesTurnsAmongProcesses) {
     constexpr int processes = 4;
     constexpr int values = 10;
-    std::vector<pid_t> children;
-    for (int process = 0; process < processes; ++process) {
-        const pid_t child = fork();
-        if (child == 0) {
-            const auto failure = Attempt([&] {
+    std::list<Child> writers;
+    for (int process = 0; process < processes; ++process)
+        writers.emplace_back([process](int) {
+            return failureOf([process] {
                 for (int i = 0; i < values; ++i)
                     registry::write(QString("HKCU\\Process %1\\%2").arg(process).arg(i), QString::number(i));
             });
-            _exit(failure ? 1 : 0);
-        }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 0;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
+        });
+    for (Child &writer : writers)
+        EXPECT_EQ(writer.wait(), 0);
     for (int process = 0; process < processes; ++process) {
         for (int i = 0; i < values; ++i)
             EXPECT_EQ(registry::read(QString("HKCU\\Process %1\\%2").arg(process).arg(i)), QString::number(i));

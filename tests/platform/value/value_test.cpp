@@ -1,6 +1,7 @@
 #include "platform/value/convert.h"
 #include "platform/value/filelock.h"
 #include "platform/value/processlocal.h"
+#include "support/child.h"
 #include "support/steps.h"
 
 #include <gtest/gtest.h>
@@ -8,10 +9,7 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
-#include <csignal>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -165,14 +163,14 @@ TEST(ProgramCopies, EachHasItsOwnVariables) {
 TEST(FileLocks, OneHoldsAndAKilledHolderLeavesNothingBehind) {
     const QTemporaryDir folder;
     const QString file = folder.filePath("lock");
-    const pid_t child = ::fork();
-    if (child == 0) {
+    Child holder([&](int output) {
         const auto held = FileLock::take(file);
-        ::kill(::getpid(), held ? SIGKILL : SIGTERM);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+        report(output, held ? 'x' : '-');
+        return ::pause();
+    });
+    ASSERT_EQ(holder.next(), 'x');
+    EXPECT_EQ(FileLock::take(file), nullptr);
+    holder.kill();
     const auto mine = FileLock::take(file);
     ASSERT_NE(mine, nullptr);
     EXPECT_EQ(FileLock::take(file), nullptr);
@@ -192,11 +190,10 @@ TEST(FileLocks, OfThoseWhoJoinTheFirstIsOneAndTheOthersHoldOnToo) {
     second.lock.reset();
     for (int round = 0; round < 50; ++round) {
         std::array<FileLock::Joined, 4> all;
-        std::vector<std::thread> runs;
+        std::vector<std::jthread> runs;
         for (FileLock::Joined &each : all)
             runs.emplace_back([&] { each = FileLock::join(file); });
-        for (std::thread &run : runs)
-            run.join();
+        runs.clear();
         ASSERT_EQ(std::ranges::count_if(all, &FileLock::Joined::isFirst), 1);
     }
 }

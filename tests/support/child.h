@@ -10,8 +10,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace desk {
-
 /// Runs a function in a forked child that ends with the function.
 ///
 /// REQUIRES: the parent has no store open and no thread running when it forks.
@@ -68,5 +66,3 @@ class Child {
 };
 
 inline void report(int output, char byte) { static_cast<void>(::write(output, &byte, 1)); }
-
-} // namespace desk
