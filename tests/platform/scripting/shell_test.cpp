@@ -4,12 +4,11 @@
 #include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "support/answers.h"
+#include "support/fakeobject.h"
+#include "support/files.h"
 #include "support/launches.h"
+#include "support/steps.h"
 
-#include <gtest/gtest.h>
-
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <pwd.h>
@@ -17,17 +16,14 @@
 
 namespace {
 
-qint32 failureOf(const std::function<void()> &step) {
-    const std::optional<Failure> failure = Attempt(step);
-    return failure ? failure->number() : 0;
-}
-
 /// A shell on a registry and a folder of its own; programs are noted and not started.
 class TheShell : public testing::Test {
   protected:
     void SetUp() override { registry::fileOverride = folder.filePath("registry.ini"); }
     void TearDown() override { registry::fileOverride = QString(); }
-    void put(const QString &name) const { QFile(folder.filePath(name)).open(QIODevice::WriteOnly); }
+    QString put(const QString &name, const QByteArray &content = {}) const {
+        return writtenFile(folder.filePath(name), content);
+    }
 
     QTemporaryDir folder;
     scripting::Shell shell;
@@ -112,7 +108,6 @@ class ADesktop : public TheShell {
     void SetUp() override {
         TheShell::SetUp();
         scripting::launcher = nullptr;
-        QDir(folder.path()).mkdir("bin");
         m_path = qgetenv("PATH");
         qputenv("PATH", folder.filePath("bin").toLocal8Bit());
         qputenv("ORVELLE_PROFILE", folder.path().toLocal8Bit());
@@ -124,15 +119,10 @@ class ADesktop : public TheShell {
     }
     /// \param script  lines of a shell script.
     void install(const QString &name, const QByteArray &script) const {
-        QFile file(folder.filePath("bin/" + name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write("#!/bin/sh\n" + script + "\n");
-        file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QFile::setPermissions(put("bin/" + name, "#!/bin/sh\n" + script + "\n"),
+                              QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-    QByteArray bytes(const QString &name) const {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-    }
+    QByteArray bytes(const QString &name) const { return contentOf(folder.filePath(name)); }
     QStringList printouts() const { return QDir(scripting::printoutFolder()).entryList(QDir::Files); }
 
   private:
@@ -178,10 +168,7 @@ TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
     EXPECT_EQ(printouts(), (QStringList{"page.._Ticket_7 (2).pdf", "page.._Ticket_7.pdf"}));
 
     // The verb prints the page and not its source.
-    QFile file(folder.filePath("ticket.HTM"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(html.toUtf8());
-    file.close();
+    put("ticket.HTM", html.toUtf8());
     answers.expect("printouts/ticket.pdf");
     scripting::ShellApplication().NameSpace(folder.path())->Items().Item("ticket.HTM")->InvokeVerb("Print");
     EXPECT_TRUE(bytes("printouts/ticket.pdf").startsWith("%PDF-"));
@@ -193,14 +180,7 @@ TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
 }
 
 TEST_F(TheShell, MakesTheComponentsThatAreInstalled) {
-    struct Thing : automation::Object {
-        QString typeName() override { return "Thing"; }
-        Value get(const QString &) override { return {}; }
-        void put(const QString &, const Value &) override {}
-        Value call(const QString &, const ValueList &) override { return {}; }
-        automation::SubscriptionPtr connect(const QString &, automation::EventHandler) override { return nullptr; }
-    };
-    const auto make = [] { return std::make_shared<Thing>(); };
+    const auto make = [] { return std::make_shared<support::FakeObject>("Thing"); };
     scripting::Components components;
     components.add("SafeThings.One", make);
     components.add("ClientTools.Two", make, false);
