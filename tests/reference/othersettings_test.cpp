@@ -8,6 +8,7 @@ using OtherSettingsTest = DatabaseTest;
 
 struct ReadCase {
     qint32 type;
+    /// Null for a name that is missing.
     const char *text;
     Value value;
 };
@@ -29,42 +30,25 @@ TEST_F(OtherSettingsTest, ReadsATextAsTheTypeAskedFor) {
         {settingtype::date, "5:30:00 PM", DateTime::fromTime(17, 30, 0)},
         {settingtype::date, "12:00:00 PM", DateTime::fromTime(12, 0, 0)},
         {17, "42", {}},
+        {settingtype::integer, nullptr, qint16{0}},
+        {settingtype::text, nullptr, ""},
+        {settingtype::boolean, nullptr, false},
+        {settingtype::date, nullptr, DateTime{}},
+        {3, nullptr, {}},
     };
-    cOtherSettings settings;
     for (const ReadCase &one : cases) {
-        settings.SetValue("Name", one.text);
-        EXPECT_EQ(settings.GetValue("nAME", one.type), one.value) << one.type << " " << one.text;
+        cOtherSettings settings;
+        if (one.text)
+            settings.SetValue("Name", one.text);
+        EXPECT_EQ(settings.GetValue("nAME", one.type), one.value) << one.type << " " << QString(one.text).toStdString();
+        EXPECT_EQ(settings.DicList->Count(), one.text ? 1 : 0);
     }
-}
-
-TEST_F(OtherSettingsTest, AMissingNameReadsAsNothingOfItsType) {
-    const cOtherSettings settings;
-    EXPECT_EQ(settings.GetValue("x", settingtype::integer), Value(qint16{0}));
-    EXPECT_EQ(settings.GetValue("x", settingtype::date), Value(DateTime{}));
-    EXPECT_EQ(settings.GetValue("x", settingtype::text), Value(""));
-    EXPECT_EQ(settings.GetValue("x", settingtype::boolean), Value(false));
-    EXPECT_EQ(settings.GetValue("x", 3), Value());
-    EXPECT_EQ(settings.DicList->Count(), 0);
-}
-
-TEST_F(OtherSettingsTest, ReportsWhatDoesNotConvert) {
-    cOtherSettings settings;
-    settings.SetValue("ServiceStart", "soon");
-    expectReport("cOtherSettings.GetValue");
-    EXPECT_TRUE(endsProcess([&] { (void)settings.GetValue("ServiceStart", settingtype::date); }));
-    EXPECT_TRUE(questions().first().contains("The setting ServiceStart holds \"soon\""));
-}
-
-TEST_F(OtherSettingsTest, OneNameIsOneEntryWhateverItsCase) {
-    cOtherSettings settings;
-    settings.SetValue("kbpath", "a");
-    settings.SetValue("KBPath", "b");
-    EXPECT_EQ(settings.DicList->Keys(), QStringList{"kbpath"});
-    EXPECT_EQ(settings.GetValue("KBPath", settingtype::text), Value("b"));
 }
 
 TEST_F(OtherSettingsTest, WritesEveryNameAndDeletesNone) {
     const QStringList columns{"intSettingID", "strPropName", "strPropValue"};
+    objSettings->OtherSettings->FromRS(open("tblOtherSettings"));
+    EXPECT_EQ(objSettings->OtherSettings->DicList->Count(), 0) << "an empty table takes the defaults away";
     addRow("tblOtherSettings", {{"strPropName", "Old"}, {"strPropValue", "stays"}});
     cOtherSettings settings;
     settings.SetValue("Name", "O'Neill");
@@ -82,22 +66,6 @@ TEST_F(OtherSettingsTest, WritesEveryNameAndDeletesNone) {
     read.FromRS(open("tblOtherSettings"));
     EXPECT_EQ(read.DicList->Keys(), (QStringList{"Old", "Name", "It's", "Empty"}));
     EXPECT_EQ(read.GetValue("Empty", settingtype::text), Value(" "));
-}
-
-TEST_F(OtherSettingsTest, KeepsALongTextWhole) {
-    const QString page = QString("<p>å 漢 🎫 'x'</p>\r\n").repeated(20000);
-    cOtherSettings settings;
-    settings.SetValue("NewHTML", page);
-    settings.ToRS(open("tblOtherSettings"));
-    cOtherSettings read;
-    read.FromRS(open("tblOtherSettings"));
-    EXPECT_EQ(read.GetValue("NewHTML", settingtype::text), Value(page));
-}
-
-TEST_F(OtherSettingsTest, AnEmptyTableTakesTheDefaultsAway) {
-    ASSERT_TRUE(objSettings->OtherSettings->DicList->Exists("ServiceStart"));
-    objSettings->OtherSettings->FromRS(open("tblOtherSettings"));
-    EXPECT_EQ(objSettings->OtherSettings->DicList->Count(), 0);
 }
 
 } // namespace

@@ -1,56 +1,28 @@
 // The settings object: what it loads, what it writes back, and the language file beside the home page.
 
-#include "reference/fakehost.h"
-#include "reference/program.h"
-#include "reference/ticketfolder.h"
-
-#include "outlook/outlookfolder.h"
+#include "platform/scripting/shell.h"
+#include "support/session.h"
+#include "support/tables.h"
 
 namespace {
 
-class SettingsTest : public DatabaseTest {
+class SettingsTest : public support::Session {
   protected:
-    void SetUp() override {
-        DatabaseTest::SetUp();
-        m_host = std::make_unique<FakeHost>();
-        m_host->tickets->members["webviewurl"] = "file:" + folder() + "/Orvelle.htm";
-    }
-
-    FakeHost &fakeHost() { return *m_host; }
-    [[nodiscard]] QString languageFile() const { return folder() + "/OrvelleSettings"; }
-    void writeLanguage(const QByteArray &content) const {
-        QFile file(languageFile());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
-    [[nodiscard]] QByteArray language() const {
-        QFile file(languageFile());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
-
-  private:
-    std::unique_ptr<FakeHost> m_host;
+    [[nodiscard]] QString languageFile() const { return path("OrvelleSettings"); }
+    void writeLanguage(const QByteArray &content) const { writtenFile(languageFile(), content); }
+    [[nodiscard]] QByteArray language() const { return contentOf(languageFile()); }
 };
 
-TEST_F(SettingsTest, StartsWithDefaultsAndEmptyLists) {
-    EXPECT_EQ(objSettings->Statuses->ListName, LNGSTATUS.text());
-    EXPECT_EQ(objSettings->CallerCategories->ListName, LNGCALLERCATEGORY.text());
-    EXPECT_EQ(objSettings->ReportTo, 0);
-    EXPECT_EQ(objSettings->OtherSettings->DicList->Keys(),
-              (QStringList{"ServiceStart", "ServiceEnd", "BreakStart", "BreakEnd", "DayServiceStart", "DayServiceEnd",
-                           "ServiceHours", "LunchHours"}));
-}
-
 TEST_F(SettingsTest, LoadsEverythingInOrder) {
-    fill("tblPersons", "strPersonName", {"Zoë", "Ann Other"});
-    fill("tblTypes", "strTypeDescription", {"b", "a"});
-    fill("tblStatuses", "strStatus", {"Open", "Closed"});
-    fill("tblCallerCategories", "strCallerCategory", {"VIP"});
-    fill("tblCallers", "strFullName", {"Cal"});
-    addRow("tblOtherSettings", {{"strPropName", "EmailFolders"}, {"strPropValue", "\\\\Box\\In\r\n\\\\Box\\In 2"}});
+    support::fill("tblPersons", "strPersonName", {"Zoë", "Alma Tester"});
+    support::fill("tblTypes", "strTypeDescription", {"b", "a"});
+    support::fill("tblStatuses", "strStatus", {"Open", "Closed"});
+    support::fill("tblCallerCategories", "strCallerCategory", {"VIP"});
+    support::fill("tblCallers", "strFullName", {"Cal"});
+    setEmailFolders({"\\\\Box\\In", "\\\\Box\\In 2"});
     writeLanguage(" 7 \n ");
     objSettings->GetSettings(false);
-    EXPECT_EQ(objSettings->Responsibles->DicList->Keys(), (QStringList{"Ann Other", "Zoë"}));
+    EXPECT_EQ(objSettings->Responsibles->DicList->Keys(), (QStringList{"Alma Tester", "Zoë"}));
     EXPECT_EQ(objSettings->ProblemTypes->GetProblemTypes(), "a*b");
     EXPECT_EQ(objSettings->Statuses->ToString(), "Closed\r\nOpen");
     EXPECT_EQ(objSettings->CallerCategories->ToString(), "VIP");
@@ -61,28 +33,28 @@ TEST_F(SettingsTest, LoadsEverythingInOrder) {
     EXPECT_EQ(objSettings->ReportToValue, strDBPath + "\\Orvelle.mdb");
     // The user is the list's own person, found by the mailbox's name.
     EXPECT_EQ(objSettings->CurrentResponsible->ID, 2);
-    EXPECT_EQ(*strCurrentUserName, "Ann Other");
+    EXPECT_EQ(*strCurrentUserName, "Alma Tester");
     EXPECT_TRUE(adoConnection.get().isNothing());
 }
 
-TEST_F(SettingsTest, AUserOfNoListHasTheNameAlone) {
-    objSettings->GetSettings(false);
-    EXPECT_EQ(objSettings->CurrentResponsible->FullName, "Ann Other");
-    EXPECT_EQ(objSettings->CurrentResponsible->ID, 0);
-    EXPECT_FALSE(objSettings->OtherSettings->DicList->Exists("ServiceStart"));
-}
-
 TEST_F(SettingsTest, ASecondLoadStartsListsAnewButKeepsTheTextLists) {
-    fill("tblPersons", "strPersonName", {"Ann"});
+    support::fill("tblPersons", "strPersonName", {"Ann"});
     objSettings->Responsibles->FromString("Added\t\t0");
     objSettings->Statuses->FromString("Added");
     objSettings->GetSettings(false);
     EXPECT_EQ(objSettings->Responsibles->DicList->Keys(), QStringList{"Ann"});
     EXPECT_EQ(objSettings->Statuses->DicList->Keys(), QStringList{"Added"});
+    // A user of no list has the name alone.
+    EXPECT_EQ(objSettings->CurrentResponsible->FullName, "Alma Tester");
+    EXPECT_EQ(objSettings->CurrentResponsible->ID, 0);
 }
 
 TEST_F(SettingsTest, WritesEverythingBack) {
     writeLanguage("2");
+    objSettings->CurrentSelectedLanguage = 3;
+    objSettings->SaveSettings();
+    EXPECT_EQ(language(), "2") << "as long as the language has not been read";
+    EXPECT_EQ(rows("tblOtherSettings", {"strPropName"}).size(), 9);
     objSettings->GetSettings(false);
     objSettings->Responsibles->FromString("Ann\ta@x\t5");
     objSettings->ProblemTypes->FromString("Printer\tHardware\t15");
@@ -92,94 +64,73 @@ TEST_F(SettingsTest, WritesEverythingBack) {
     objSettings->EmailFolders->FromString("\\\\Box\\In");
     objSettings->CurrentSelectedLanguage = 3;
     objSettings->SaveSettings();
-    EXPECT_EQ(rows("tblPersons", {"strPersonName", "curRate"}), QStringList{"Ann 5"});
+    EXPECT_EQ(rows("tblPersons", {"strPersonName", "curRate"}), QStringList{"Ann|5"});
     EXPECT_EQ(rows("tblTypes", {"strTypeDescription"}), QStringList{"Printer"});
     EXPECT_EQ(rows("tblCallerCategories", {"strCallerCategory"}), QStringList{"VIP"});
     EXPECT_EQ(rows("tblStatuses", {"strStatus"}), QStringList{"Open"});
     EXPECT_EQ(rows("tblCallers", {"strFullName"}), QStringList{"Cal"});
-    EXPECT_EQ(rows("tblOtherSettings", {"strPropName", "strPropValue"}), QStringList{"EmailFolders \\\\Box\\In"});
+    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("EmailFolders|\\\\Box\\In"));
     EXPECT_EQ(language(), "3");
 }
 
-TEST_F(SettingsTest, BeforeTheLanguageIsReadTheLanguageFileStays) {
-    writeLanguage("2");
-    objSettings->CurrentSelectedLanguage = 3;
-    objSettings->SaveSettings();
-    EXPECT_EQ(language(), "2");
-    EXPECT_EQ(rows("tblOtherSettings", {"strPropName"}).size(), 9);
-}
-
 TEST_F(SettingsTest, WithNoDatabaseTellsWhyAndEnds) {
-    strDBPath = folder() + "\\nowhere";
-    expectQuestion(LNGERRCONNECTIONFAILED + (strLineEnd + QString()) + strLineEnd);
-    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
-    EXPECT_FALSE(questions().first().contains("DBConnection"));
-    EXPECT_TRUE(fakeHost().explorer->stored("CurrentFolder").object() == fakeHost().calendar);
+    strDBPath = path("nowhere");
+    answers.expect(LNGERRCONNECTIONFAILED + (strLineEnd + QString()) + strLineEnd);
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+    EXPECT_FALSE(answers.asked().first().text.contains("DBConnection"));
+    EXPECT_EQ(explorer().CurrentFolder().Name(), "Inbox");
 }
 
 TEST_F(SettingsTest, WithNoServerTellsHowToReinstallAndEnds) {
-    strDBPath = folder() + "\\nowhere";
+    strDBPath = path("nowhere");
     objSettings->ReportTo = 3;
-    expectQuestion("To re-install, please remove the DBConnection.txt file.");
-    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+    answers.expect("To re-install, please remove the DBConnection.txt file.");
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
 }
 
 TEST_F(SettingsTest, WithNoDatabaseAndNoHostAsksForTheHostFirst) {
-    strDBPath = folder() + "\\nowhere";
+    strDBPath = path("nowhere");
     ouaOutlook = host::Application();
-    expectQuestion("Please start Outlook manually");
-    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+    runningHost = nullptr;
+    answers.expect("Please start Outlook manually");
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
 }
 
-struct LanguageCase {
-    const char *content;
-    qint16 language;
-};
-
-TEST_F(SettingsTest, ReadsTheLanguage) {
-    for (const LanguageCase &one : QList<LanguageCase>{{"7", 7}, {"  12 ", 12}, {"", 1}, {"   ", 1}}) {
-        writeLanguage(one.content);
-        EXPECT_EQ(objSettings->fncReadLanguage(), one.language) << one.content;
-        EXPECT_EQ(objSettings->CurrentSelectedLanguage, one.language);
+TEST_F(SettingsTest, TheLanguageIsTheFilesAndOtherwiseTheFirst) {
+    const std::pair<const char *, qint16> contents[] = {{"7", 7}, {"  12 ", 12}, {"", 1}, {"   ", 1}};
+    for (const auto &[content, number] : contents) {
+        writeLanguage(content);
+        EXPECT_EQ(objSettings->fncReadLanguage(), number) << content;
+        EXPECT_EQ(objSettings->CurrentSelectedLanguage, number);
     }
-    writeLanguage("Swedish");
-    EXPECT_EQ(failureOf([] { objSettings->fncReadLanguage(); }), failures::typeMismatch);
+    QFile::remove(languageFile());
+    objSettings->CurrentSelectedLanguage = 4;
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    EXPECT_EQ(language(), "1") << "the first read makes the file";
+
+    QFile::remove(languageFile());
+    QDir().mkdir(languageFile());
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    objSettings->fncSetSettingFile(languageFile(), 3);
+    EXPECT_TRUE(QFileInfo(languageFile()).isDir()) << "what can't be used is left";
+
+    QDir().rmdir(languageFile());
+    oufTickets = nullptr;
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    EXPECT_FALSE(QFile::exists(languageFile())) << "without a ticket folder there is no place for it";
 }
 
 TEST_F(SettingsTest, ALanguageThatIsNoNumberIsReportedAndLeft) {
     writeLanguage("Swedish");
     expectReport("cSettings.GetSettings");
-    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
-    EXPECT_TRUE(questions().first().contains(languageFile() + " holds \"Swedish\"")) << qPrintable(questions().first());
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+    EXPECT_TRUE(answers.asked().first().text.contains("OrvelleSettings holds \"Swedish\""))
+        << qPrintable(answers.asked().first().text);
     EXPECT_EQ(language(), "Swedish");
 }
 
-TEST_F(SettingsTest, ALanguageFileThatCannotBeUsedCountsAsTheFirst) {
-    QDir(folder()).mkdir("OrvelleSettings");
-    objSettings->CurrentSelectedLanguage = 4;
-    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
-    objSettings->fncSetSettingFile(languageFile(), 3);
-    EXPECT_TRUE(QFileInfo(languageFile()).isDir());
-}
-
-TEST_F(SettingsTest, TheFirstReadMakesTheLanguageFile) {
-    objSettings->CurrentSelectedLanguage = 4;
-    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
-    EXPECT_EQ(language(), "1");
-}
-
-TEST_F(SettingsTest, WithoutAFolderTheLanguageIsTheFirst) {
-    oufTickets = nullptr;
-    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
-    EXPECT_EQ(language(), "no file");
-}
-
-struct PathCase {
-    const char *url, *path;
-};
-
 TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {
-    const QList<PathCase> cases{
+    const std::pair<const char *, const char *> cases[] = {
         {"file://C:\\Data\\page.htm", "C:\\Data\\"},
         {"file:C:\\Data\\page.htm", "C:\\Data\\"},
         {"file:///srv/help desk/Orvelle.htm", "/srv/help desk/"},
@@ -187,9 +138,9 @@ TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {
         {"page.htm", "page.htm"},
         {"", ""},
     };
-    for (const PathCase &one : cases) {
-        fakeHost().tickets->members["webviewurl"] = one.url;
-        EXPECT_EQ(objSettings->fncGetFilePath(), one.path) << one.url;
+    for (const auto &[url, folder] : cases) {
+        tickets().WebViewURL(url);
+        EXPECT_EQ(objSettings->fncGetFilePath(), folder) << url;
     }
     EXPECT_EQ(objSettings->fncGetFileName("C:\\x/y.htm"), "y.htm");
     EXPECT_EQ(objSettings->fncGetFileName("y.htm"), "");
@@ -200,45 +151,29 @@ TEST_F(SettingsTest, LaysOutANewTicket) {
     EXPECT_TRUE(page.startsWith("<html><head><style>p{ margin-bottom: -20 }</style></head>"));
     EXPECT_TRUE(page.contains("size='4'>" + LNGPROBLEM + "</font></p><p>It <b>burns</b>&nbsp;</p>"));
     EXPECT_TRUE(page.endsWith(LNGSOLUTION + "</font></p><p>&nbsp;</p></body></html>"));
-    EXPECT_TRUE(objSettings->NewTicketHTML("").contains("<p>&nbsp;</p><p>&nbsp;</p>"));
 }
 
-TEST_F(SettingsTest, RemembersTheTicketFolderForTheNextRun) {
+TEST_F(SettingsTest, AskedForAFolderItTakesThePickedOneAndKeepsItsPathOrEnds) {
+    const QString picked = "\\\\Public Folders\\Helpdesk";
+    const auto questions = std::make_shared<support::Counting::Questions>();
+    questions->failing["Explorer.CurrentFolder"] = failures::notFound;
+    ouaOutlook = host::Application(support::Counting::of(ouaOutlook->object(), questions));
+    oufTickets = nullptr;
+    answers.expect("Outlook folder");
+    for (const char *button : {"", "cmdOK"}) {
+        answers.expect(LNGFAILEDTOFINDCRVFOLDER, window::Yes);
+        answers.expectSheet("frmPickFolder", button, {{"treFolders", picked}});
+    }
     objSettings->GetSettings(false);
+    EXPECT_TRUE(oufTickets == tickets());
+    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("RootFolderPath|" + picked));
+
+    scripting::Shell().RegWrite("HKCU\\Software\\Tessmark\\Orvelle\\Folder Name", "none");
     subCreateSettings();
-    objSettings->objFolder->StoreID = "kept";
-    subReadFolderFromRegistry();
-    EXPECT_EQ(objSettings->objFolder->EntryID, "E1");
-    EXPECT_EQ(objSettings->objFolder->StoreID, "S1");
-    EXPECT_EQ(objSettings->objFolder->Name, "Tickets");
-}
-
-TEST_F(SettingsTest, AskedForAFolderItTakesThePickedOneAndKeepsItsPath) {
-    const host::MAPIFolder tickets = oufTickets;
-    int picks = 0;
-    fakeHost().session->functions["pickfolder"] = [&](const ValueList &) -> Value {
-        return ++picks < 2 ? Value::nothing() : Value(tickets.object());
-    };
     oufTickets = nullptr;
-    fakeHost().explorer->failing["CurrentFolder"] = failures::notFound;
-    expectQuestion("Outlook folder");
-    for (int times = 0; times < 2; ++times)
-        expectQuestion(LNGFAILEDTOFINDCRVFOLDER.text(), window::Yes);
-    objSettings->GetSettings(false);
-    EXPECT_TRUE(oufTickets->object() == tickets.object());
-    const QString path = toText(objSettings->OtherSettings->GetValue("RootFolderPath", settingtype::text));
-    EXPECT_TRUE(path.endsWith("Tickets")) << qPrintable(path);
-    EXPECT_EQ(rows("tblOtherSettings", {"strPropName", "strPropValue"}).last(), "EmailFolders  ");
-    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("RootFolderPath " + path));
-}
-
-TEST_F(SettingsTest, AskedForAFolderAndGivenNoneItEnds) {
-    oufTickets = nullptr;
-    fakeHost().explorer->members["currentfolder"] = Value::nothing();
-    fakeHost().explorer->failing["CurrentFolder"] = failures::notFound;
-    expectQuestion("Outlook folder");
-    expectQuestion(LNGFAILEDTOFINDCRVFOLDER.text(), window::No);
-    EXPECT_TRUE(endsProcess([] { objSettings->GetSettings(false); }));
+    answers.expect("Outlook folder");
+    answers.expect(LNGFAILEDTOFINDCRVFOLDER, window::No);
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
 }
 
 } // namespace

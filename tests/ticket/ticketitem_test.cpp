@@ -1,96 +1,102 @@
-// The ticket and its item in the ticket folder.
-
-#include "reference/fakehost.h"
-#include "reference/program.h"
-#include "ticket/ticket.h"
+// The ticket and its item in the ticket folder of a real desk.
 
 #include "platform/value/random.h"
+#include "support/fakeobject.h"
+#include "support/session.h"
+#include "ticket/ticketfixture.h"
 
 namespace {
 
-class TicketItemTest : public ProgramTest {
+class TicketItem : public support::Session {
   protected:
     void SetUp() override {
-        ProgramTest::SetUp();
-        subCreateSettings();
+        Session::SetUp();
         objSettings->Responsibles->FromString("Ann\ta@x\t60");
         objSettings->ProblemTypes->FromString("Printer\tHardware\t15");
-        m_host = std::make_unique<FakeHost>();
-        FakeHost::installSafeObjects();
-    }
-    FakeHost &fakeHost() { return *m_host; }
-
-    /// An item as the form leaves it.
-    static void fillItem(const FakeItem &item) {
-        item.bag->members["subject"] = "Smoke";
-        item.bag->members["importance"] = 2;
-        item.bag->members["body"] = "It burns";
-        item.bag->members["htmlbody"] = "<p>It burns</p>";
-        item.setProperty("Ticket ID", "12");
-        item.setProperty("Created At", DateTime{46084.5});
-        item.setProperty("Date due", DateTime{46085});
-        item.setProperty("Custom Status", "Open");
-        item.setProperty("Problem Type", "PRINTER");
-        item.setProperty("Responsible", "ann");
-        item.setProperty("Caller Name", "Cal");
-        item.setProperty("Caller Email", "c@x");
-        item.setProperty("Caller comment", "kind");
-        item.setProperty("Caller phone", "1");
-        item.setProperty("Caller Category", "VIP");
-        item.setProperty("WorkDescriptions0", "Tested\t3/4/2026\t90\tAnn\r\n====\r\n");
-        item.setProperty("WorkDescriptionsCount", 0);
-    }
-    static void expectWhole(const cTicket &ticket) {
-        EXPECT_EQ(ticket.Subject, "Smoke");
-        EXPECT_EQ(ticket.TicketPriority, 2);
-        EXPECT_EQ(ticket.Description, "It burns");
-        EXPECT_EQ(ticket.HTMLDescription, "<p>It burns</p>");
-        EXPECT_EQ(ticket.TicketID, "12");
-        EXPECT_EQ(ticket.DateCreated, DateTime{46084.5});
-        EXPECT_EQ(ticket.DueDate, DateTime{46085});
-        EXPECT_EQ(ticket.TicketStatus, "Open");
-        EXPECT_EQ(ticket.ProblemType, objSettings->ProblemTypes->DicList->Item("Printer"));
-        EXPECT_EQ(ticket.Responsible, objSettings->Responsibles->DicList->Item("Ann"));
-        EXPECT_EQ(ticket.Caller->FullName, "Cal");
-        EXPECT_EQ(ticket.Caller->Email, "c@x");
-        EXPECT_EQ(ticket.Caller->Comment, "kind");
-        EXPECT_EQ(ticket.Caller->Telephone, "1");
-        EXPECT_EQ(ticket.Caller->Category, "VIP");
-        EXPECT_EQ(ticket.WorkDescs->MinutesTotal(), 90);
-        EXPECT_EQ(ticket.Rate, Currency::fromScaled(900000));
-        EXPECT_FALSE(ticket.Closed);
     }
 
-  private:
-    std::unique_ptr<FakeHost> m_host;
+    /// Notes what is asked of it, and fails on demand.
+    template <class Handle>
+    Handle counted(const Handle &handle) const {
+        return Handle(support::Counting::of(handle.object(), m_questions));
+    }
+    /// Saved to both homes; found again in the ticket folder.
+    static host::Item newItem(cTicket &ticket) {
+        ticket.SaveToDB();
+        host::Item none;
+        ticket.SaveToOutlook(false, false, none);
+        EXPECT_TRUE(none.isNothing());
+        return ticket.GetPostItem();
+    }
+    static host::Item newItem() {
+        cTicket ticket = fullTicket();
+        return newItem(ticket);
+    }
+
+    support::Counting::Log m_questions = std::make_shared<support::Counting::Questions>();
 };
 
-TEST_F(TicketItemTest, ReadsAnItem) {
-    const FakeItem item;
-    fillItem(item);
-    cTicket ticket;
-    ticket.Closed = true;
-    EXPECT_TRUE(ticket.ReadFromOutlook(item.item()));
-    expectWhole(ticket);
-    EXPECT_FALSE(item.bag->calls.contains("Save()"));
+TEST_F(TicketItem, GoesIntoANewItemAndComesBackWhole) {
+    cTicket ticket = fullTicket();
+    addWork(ticket, QString("é漢 long ").repeated(2000), 90);
+    const host::Item item = newItem(ticket);
+    ASSERT_TRUE(item);
+    EXPECT_EQ(item.MessageClass(), "IPM.Post.HelpDesk.Ticket.8");
+    EXPECT_EQ(item.BodyFormat(), 2);
+    EXPECT_FALSE(item.UnRead());
+    const std::pair<const char *, QString> properties[] = {{"Ticket ID", "1"},
+                                                           {"Created by", "Ann"},
+                                                           {"Responsible", "Ann"},
+                                                           {"Created at", "3/3/2026 12:00:00 PM"},
+                                                           {"Date due", "3/4/2026"},
+                                                           {"Custom Status", "Open"},
+                                                           {"Problem Type", "Printer"},
+                                                           {"Problem category", "Hardware"},
+                                                           {"Caller name", "Cal O'Caller"},
+                                                           {"Caller email", "c@x"},
+                                                           {"Caller comment", "kind"},
+                                                           {"Ticket", ticket.ToString()}};
+    for (const auto &[name, value] : properties)
+        EXPECT_EQ(property(item, name), value) << name;
+    // As somebody types them into the form.
+    item.UserProperties().Find("Problem Type").setValue("PRINTER");
+    item.UserProperties().Find("Responsible").setValue("ann");
+    item.Save();
+
+    cTicket read;
+    read.Closed = true;
+    ASSERT_TRUE(read.ReadFromOutlook(counted(item)));
+    EXPECT_FALSE(m_questions->contains("PostItem.Save()"));
+    EXPECT_EQ(read.ProblemType, objSettings->ProblemTypes->DicList->Item("Printer"));
+    EXPECT_EQ(read.Responsible, objSettings->Responsibles->DicList->Item("Ann"));
+    EXPECT_TRUE(read.HTMLDescription.contains("It burns: å 漢"));
+    EXPECT_TRUE(read.Description.contains("It burns: å 漢"));
+    ticket.HTMLDescription = read.HTMLDescription;
+    ticket.Description = read.Description;
+    ticket.Rate = Currency::fromScaled(900000);
+    EXPECT_EQ(fieldsOf(read), fieldsOf(ticket));
 }
 
-TEST_F(TicketItemTest, SavesAnUnsavedItemFirst) {
-    const FakeItem item;
-    fillItem(item);
-    item.bag->members["saved"] = false;
-    cTicket ticket;
-    EXPECT_TRUE(ticket.ReadFromOutlook(item.item()));
-    expectWhole(ticket);
-    EXPECT_LT(item.bag->calls.indexOf("Save()"), item.bag->calls.indexOf("Body"));
+TEST_F(TicketItem, AnUnsavedItemIsSavedFirst) {
+    const host::Item item = newItem();
+    item.Subject("Changed");
+    cTicket read;
+    EXPECT_TRUE(read.ReadFromOutlook(counted(item)));
+    EXPECT_EQ(read.Subject, "Changed");
+    EXPECT_TRUE(item.Saved());
+    EXPECT_LT(m_questions->indexOf("PostItem.Save()"), m_questions->indexOf("PostItem.Body"));
 }
 
-TEST_F(TicketItemTest, NamesOfNoListAndMissingProperties) {
-    const FakeItem item;
-    item.setProperty("Responsible", "Stranger");
-    item.setProperty("Problem Type", "Unheard of");
+TEST_F(TicketItem, NamesOfNoListAndMissingPropertiesAreBlank) {
+    const host::Item item = put(intake(), "IPM.Post", "bare");
     cTicket ticket;
-    EXPECT_TRUE(ticket.ReadFromOutlook(item.item()));
+    EXPECT_TRUE(ticket.ReadFromOutlook(item));
+    EXPECT_EQ(ticket.Responsible->FullName, "");
+    EXPECT_FALSE(objSettings->Responsibles->DicList->Exists(""));
+    for (const char *name : {"Responsible", "Problem Type"})
+        item.UserProperties().Add(name, 1).setValue("Stranger");
+    item.Save();
+    EXPECT_TRUE(ticket.ReadFromOutlook(item));
     EXPECT_EQ(ticket.Responsible->FullName, "Stranger");
     EXPECT_EQ(ticket.Responsible->ID, 0);
     EXPECT_EQ(ticket.ProblemType->ProblemDescription, "");
@@ -98,229 +104,192 @@ TEST_F(TicketItemTest, NamesOfNoListAndMissingProperties) {
     EXPECT_EQ(ticket.TicketID, "");
     EXPECT_TRUE(ticket.DateCreated.isZero());
     EXPECT_EQ(ticket.Caller->FullName, "");
-
-    const FakeItem bare;
-    EXPECT_TRUE(ticket.ReadFromOutlook(bare.item()));
-    EXPECT_EQ(ticket.Responsible->FullName, "");
-    EXPECT_FALSE(objSettings->Responsibles->DicList->Exists(""));
 }
 
-struct FailingCase {
-    const char *name;
-    bool saved;
-    QString failing;
-    qint32 number;
-    QString message;
-};
-
-TEST_F(TicketItemTest, TellsOfAnItemThatCannotBeReadAndSaysSoToTheCaller) {
-    const QString tail = strLineEnd + QString("failed on demand");
-    const QList<FailingCase> cases{
-        {"changed", true, "HTMLBody", failures::itemChanged,
-         "Ticket has been changed by anothe user!\r\nUnable to save changes!" + tail},
-        {"gone", true, "Body", failures::itemGone, "Ticket has been deleted!\r\nUnable to open!" + tail},
-        {"lost hold", true, "UserProperties", failures::catastrophic, ""},
-        {"save refused", false, "Save()", failures::itemChanged, "Unable to save current item!"},
-        {"failing behind a save is passed over", false, "HTMLBody", failures::itemGone, ""},
+TEST_F(TicketItem, OneThatCannotBeReadIsToldOfAndTheRecordIsNotWhole) {
+    struct Case {
+        const char *name;
+        bool saved;
+        QString failing;
+        qint32 number;
+        QString message;
     };
-    for (const FailingCase &one : cases) {
+    const QString tail = strLineEnd + QString("failed on demand");
+    const QList<Case> cases{
+        {"changed", true, "PostItem.HTMLBody", failures::itemChanged,
+         "Ticket has been changed by anothe user!\r\nUnable to save changes!" + tail},
+        {"gone", true, "PostItem.Body", failures::itemGone, "Ticket has been deleted!\r\nUnable to open!" + tail},
+        {"lost hold", true, "PostItem.UserProperties", failures::catastrophic, ""},
+        {"save refused", false, "PostItem.Save()", failures::itemChanged, "Unable to save current item!"},
+        {"behind a save the other fields are still read", false, "PostItem.Body", failures::itemGone, ""},
+    };
+    const host::Item item = newItem();
+    for (const Case &one : cases) {
         SCOPED_TRACE(one.name);
-        const FakeItem item;
-        fillItem(item);
-        item.bag->members["saved"] = one.saved;
-        item.bag->failing[one.failing] = one.number;
+        if (!one.saved)
+            item.Importance(1);
+        m_questions->failing = {{one.failing, one.number}};
         if (!one.message.isEmpty())
-            expectQuestion(one.message);
+            answers.expect(one.message);
         cTicket ticket;
-        EXPECT_FALSE(ticket.ReadFromOutlook(item.item()));
+        EXPECT_FALSE(ticket.ReadFromOutlook(counted(item)));
+        if (!one.saved && one.message.isEmpty()) {
+            EXPECT_EQ(ticket.Description, "");
+            EXPECT_EQ(ticket.TicketID, "1");
+            EXPECT_EQ(ticket.Caller->FullName, "Cal O'Caller");
+        }
     }
-}
-
-TEST_F(TicketItemTest, BehindASaveTheOtherFieldsAreStillRead) {
-    const FakeItem item;
-    fillItem(item);
-    item.bag->members["saved"] = false;
-    item.bag->failing["Body"] = failures::itemGone;
+    m_questions->failing = {{"PostItem.Body", failures::memberMissing}};
+    expectReport("ReadFromOutlook");
     cTicket ticket;
-    EXPECT_FALSE(ticket.ReadFromOutlook(item.item()));
-    EXPECT_EQ(ticket.Description, "");
-    EXPECT_EQ(ticket.TicketID, "12");
-    EXPECT_EQ(ticket.Caller->FullName, "Cal");
+    EXPECT_TRUE(support::endsProcess([&] { (void)ticket.ReadFromOutlook(counted(item)); }));
 }
 
-TEST_F(TicketItemTest, AnItemThatGoesWhileItIsReadIsNotWhole) {
-    const FakeItem item;
-    fillItem(item);
+TEST_F(TicketItem, OneThatGoesWhileItIsReadIsNotWhole) {
     // Properties that can't be read come back as their defaults: without another look this would be a blank ticket.
-    item.properties->functions["find"] = [&item](const ValueList &) -> Value {
-        item.bag->failing["Subject"] = failures::itemGone;
+    m_questions->before = [this](const QString &question) {
+        if (question != "UserProperties.Find()")
+            return;
+        m_questions->failing["PostItem.Subject"] = failures::itemGone;
         throw Failure(failures::itemGone);
     };
     cTicket ticket;
-    expectQuestion("Ticket has been deleted!");
-    EXPECT_FALSE(ticket.ReadFromOutlook(item.item()));
+    answers.expect("Ticket has been deleted!");
+    EXPECT_FALSE(ticket.ReadFromOutlook(counted(newItem())));
 }
 
-TEST_F(TicketItemTest, ReportsAnUnforeseenFailure) {
-    const FakeItem item;
-    item.bag->failing["Body"] = failures::memberMissing;
-    cTicket ticket;
-    expectReport("ReadFromOutlook");
-    EXPECT_TRUE(endsProcess([&] { (void)ticket.ReadFromOutlook(item.item()); }));
-}
-
-TEST_F(TicketItemTest, WithoutTheSafeObjectsTheRecordStays) {
-    FakeHost::installSafeObjects(false);
-    const FakeItem item;
-    fillItem(item);
+TEST_F(TicketItem, WithoutTheSafeObjectsTheRecordStays) {
+    const host::Item item = newItem();
+    setClientTools(false);
     cTicket ticket;
     ticket.Subject = "as it was";
-    expectQuestion(LNGHDCLIENTTOOLS.text(), window::No);
-    EXPECT_FALSE(ticket.ReadFromOutlook(item.item()));
-    EXPECT_FALSE(ticket.ReadFromOutlook(item.item()));
+    answers.expect(LNGHDCLIENTTOOLS.text(), window::No);
+    EXPECT_FALSE(ticket.ReadFromOutlook(item));
+    EXPECT_FALSE(ticket.ReadFromOutlook(item));
     EXPECT_EQ(ticket.Subject, "as it was");
 }
 
-/// A record with everything in it.
-cTicket fullTicket() {
-    cTicket ticket;
-    ticket.Subject = "Smoke";
-    ticket.HTMLDescription = "<p>It burns</p>";
-    ticket.TicketPriority = 2;
-    ticket.TicketID = "12";
-    ticket.TicketStatus = "Open";
-    ticket.DateCreated = DateTime{46084.5};
-    ticket.DueDate = DateTime{46085};
-    ticket.ProblemType = Ref<cProblemType>::make();
-    ticket.ProblemType->ProblemDescription = "Printer";
-    ticket.ProblemType->ProblemCategory = "Hardware";
-    ticket.Responsible = Ref<cResponsible>::make();
-    ticket.Responsible->FullName = "Ann";
-    ticket.Caller = Ref<cCaller>::make();
-    ticket.Caller->FullName = "Cal";
-    ticket.Caller->Email = "c@x";
-    return ticket;
-}
-
-TEST_F(TicketItemTest, WritesANewItemAndDoesNotKeepIt) {
-    const cTicket ticket = fullTicket();
-    host::Item item;
-    ticket.SaveToOutlook(false, false, item);
-    EXPECT_TRUE(item.isNothing());
-    ASSERT_EQ(fakeHost().added.size(), 1U);
-    const FakeItem &added = *fakeHost().added[0];
-    EXPECT_EQ(added.bag->stored("MessageClass"), Value("IPM.Post.HelpDesk.Ticket.8"));
-    EXPECT_EQ(added.bag->stored("Subject"), Value("Smoke"));
-    EXPECT_EQ(added.bag->stored("Importance"), Value(2));
-    EXPECT_EQ(added.bag->stored("HTMLBody"), Value("<p>It burns</p>"));
-    EXPECT_EQ(added.bag->stored("BodyFormat"), Value(2));
-    EXPECT_EQ(added.bag->stored("UnRead"), Value(false));
-    EXPECT_EQ(added.bag->calls.last(), "Close()");
-    const QList<std::pair<QString, Value>> properties{{"Ticket ID", "12"},           {"Created by", "Ann"},
-                                                      {"Responsible", "Ann"},        {"Created at", DateTime{46084.5}},
-                                                      {"Date due", DateTime{46085}}, {"Custom Status", "Open"},
-                                                      {"Problem Type", "Printer"},   {"Problem category", "Hardware"},
-                                                      {"Caller name", "Cal"},        {"Caller email", "c@x"},
-                                                      {"Caller comment", ""},        {"Ticket", ticket.ToString()}};
-    for (const auto &[name, value] : properties)
-        EXPECT_EQ(added.property(name), value) << name.toStdString();
-}
-
-TEST_F(TicketItemTest, WritesAGivenItemUnreadAndLeavesWhatTheRecordDoesNotHave) {
-    const FakeItem item;
-    fillItem(item);
-    cTicket ticket;
-    ticket.Subject = "From the database";
-    host::Item given = item.item();
-    ticket.SaveToOutlook(true, true, given);
-    EXPECT_FALSE(given.isNothing());
-    EXPECT_TRUE(fakeHost().added.empty());
-    EXPECT_EQ(item.bag->stored("UnRead"), Value(true));
-    EXPECT_EQ(item.property("Problem Type"), Value("PRINTER"));
-    EXPECT_EQ(item.property("Responsible"), Value("ann"));
-    EXPECT_EQ(item.property("Caller name"), Value("Cal"));
-    EXPECT_EQ(item.property("Date due"), Value(DateTime{}));
-    EXPECT_FALSE(item.hasProperty("Created by"));
-    EXPECT_EQ(item.bag->calls.mid(item.bag->calls.size() - 2), (QStringList{"Save()", "Display()"}));
-}
-
-TEST_F(TicketItemTest, ATicketWithoutHtmlGetsThePageAroundItsText) {
+TEST_F(TicketItem, AGivenItemComesOutUnreadAndKeepsWhatTheRecordDoesNotHave) {
+    const host::Item item = newItem();
+    item.UserProperties().Find("Created by").setValue("Somebody");
     cTicket ticket;
     ticket.Description = "plain";
-    host::Item item;
-    ticket.SaveToOutlook(false, false, item);
-    EXPECT_EQ(fakeHost().added[0]->bag->stored("HTMLBody"), Value(objSettings->NewTicketHTML("plain")));
+    host::Item given = counted(item);
+    ticket.SaveToOutlook(true, true, given);
+    EXPECT_FALSE(given.isNothing());
+    EXPECT_EQ(tickets().Items().Count(), 1);
+    EXPECT_TRUE(item.UnRead());
+    EXPECT_EQ(property(item, "Problem Type"), "Printer");
+    EXPECT_EQ(property(item, "Responsible"), "Ann");
+    EXPECT_EQ(property(item, "Created by"), "Somebody");
+    EXPECT_EQ(property(item, "Caller name"), "Cal O'Caller");
+    EXPECT_TRUE(toDateTime(item.UserProperties().Find("Date due").value()).isZero());
+    EXPECT_EQ(item.HTMLBody(), objSettings->NewTicketHTML("plain")) << "the page around a text without HTML";
+    EXPECT_EQ(m_questions->mid(m_questions->size() - 2), (QStringList{"PostItem.Save()", "PostItem.Display()"}));
 }
 
-TEST_F(TicketItemTest, AnOldHostHasNoBodyFormat) {
-    fakeHost().application->members["version"] = "9.0.0.2711";
-    host::Item item;
-    fullTicket().SaveToOutlook(false, false, item);
-    EXPECT_EQ(fakeHost().added[0]->bag->stored("BodyFormat"), Value(1));
-    EXPECT_EQ(fakeHost().added[0]->bag->stored("HTMLBody"), Value("<p>It burns</p>"));
+TEST_F(TicketItem, AnOldHostHasNoBodyFormat) {
+    host::Item item = counted(newItem());
+    const auto old = std::make_shared<support::FakeObject>("Application");
+    old->properties["Version"] = "9.0.0.2711";
+    m_questions->clear();
+    support::inAnotherCopy([&] {
+        ouaOutlook = host::Application(automation::ObjectPtr(old));
+        fullTicket().SaveToOutlook(false, false, item);
+    });
+    EXPECT_EQ(m_questions->filter("BodyFormat"), QStringList());
+    EXPECT_TRUE(item.HTMLBody().contains("It burns: å 漢"));
 }
 
-TEST_F(TicketItemTest, MarksNewItemsUnreadByChance) {
+TEST_F(TicketItem, NewItemsAreMarkedUnreadByChance) {
     Random::seed(1);
     int unread = 0;
-    for (int i = 0; i < 200; ++i) {
+    for (qint32 i = 1; i <= 60; ++i) {
         host::Item item;
         fullTicket().SaveToOutlook(true, false, item);
-        unread += fakeHost().added.back()->bag->stored("UnRead") == Value(true) ? 1 : 0;
+        unread += tickets().Items().Item(i).UnRead() ? 1 : 0;
     }
-    EXPECT_GT(unread, 60);
-    EXPECT_LT(unread, 140);
+    EXPECT_GT(unread, 15);
+    EXPECT_LT(unread, 45);
 }
 
-TEST_F(TicketItemTest, KeepsALongLogThroughAnItem) {
-    for (const int length : {0, 499, 500, 999, 1000, 1001, 1499, 1500, 2500, 100000}) {
-        cTicket ticket = fullTicket();
-        const auto work = Ref<cWorkDescription>::make();
-        work->Description = QString("é漢").repeated(length / 2 + 1);
-        work->WorkDate = DateTime{46084};
-        ticket.WorkDescs->dicWorkDesc->Add("0", work);
-        FakeItem item;
-        host::Item given = item.item();
-        ticket.SaveToOutlook(false, false, given);
-        cTicket read;
-        ASSERT_TRUE(read.ReadFromOutlook(given));
-        EXPECT_EQ(read.WorkDescs->ToString(), ticket.WorkDescs->ToString()) << length;
-    }
-}
-
-TEST_F(TicketItemTest, TellsWhatToDoWhereNoItemCanBeMade) {
-    fakeHost().items->failing["Add()"] = failures::unspecified;
-    expectQuestion("Most likely the forms cache has been corrupted!");
+TEST_F(TicketItem, AWriteThatFailsIsToldOrReported) {
+    oufTickets = counted(tickets());
+    m_questions->failing = {{"Items.Add()", failures::unspecified}, {"PostItem.Subject=", failures::accessDenied}};
+    answers.expect("Most likely the forms cache has been corrupted!");
     host::Item item;
     fullTicket().SaveToOutlook(false, true, item);
-    EXPECT_TRUE(questions().last().endsWith("failed on demand"));
-}
-
-TEST_F(TicketItemTest, ReportsAWriteThatFails) {
-    const FakeItem item;
-    item.bag->failing["Subject="] = failures::accessDenied;
-    host::Item given = item.item();
+    EXPECT_TRUE(answers.asked().last().text.endsWith("failed on demand"));
+    oufTickets = tickets();
+    item = counted(newItem());
     expectReport("SaveToOutlook");
-    EXPECT_TRUE(endsProcess([&] { fullTicket().SaveToOutlook(false, false, given); }));
+    EXPECT_TRUE(support::endsProcess([&] { fullTicket().SaveToOutlook(false, false, item); }));
 }
 
-TEST_F(TicketItemTest, FindsTheItemOfItsNumber) {
-    const FakeItem item;
-    fakeHost().found = item.bag;
-    cTicket ticket;
-    ticket.TicketID = "12";
-    EXPECT_TRUE(ticket.GetPostItem() == item.item());
-    EXPECT_EQ(fakeHost().filter, "[Ticket ID] ='12'");
-    // A reply's subject can hold anything between its braces.
-    ticket.TicketID = "x' or [Ticket ID] <> '";
-    EXPECT_FALSE(ticket.GetPostItem().isNothing());
-    EXPECT_EQ(fakeHost().filter, "[Ticket ID] ='x'' or [Ticket ID] <> '''");
-    fakeHost().found = nullptr;
-    EXPECT_TRUE(ticket.GetPostItem().isNothing());
-    fakeHost().items->failing["Find()"] = failures::accessDenied;
+// A reply's subject can hold anything between its braces.
+TEST_F(TicketItem, IsFoundByItsNumberAndNoOther) {
+    cTicket ticket = fullTicket();
+    const host::Item item = newItem(ticket);
+    EXPECT_EQ(item.EntryID(), tickets().Items().Item(1).EntryID());
+    for (const char *number : {"", "2", "11", "1' or '1'='1", "x' or [Ticket ID] <> '", "{1}", "]"}) {
+        cTicket other;
+        other.TicketID = number;
+        EXPECT_TRUE(other.GetPostItem().isNothing()) << number;
+    }
+    oufTickets = counted(tickets());
+    m_questions->failing = {{"Items.Find()", failures::accessDenied}};
     EXPECT_TRUE(ticket.GetPostItem().isNothing());
     oufTickets = nullptr;
     EXPECT_TRUE(ticket.GetPostItem().isNothing());
+}
+
+TEST_F(TicketItem, ARowAddedToTheLogReachesBothHomes) {
+    cTicket ticket = fullTicket();
+    addWork(ticket, "first", 5);
+    host::Item item = newItem(ticket);
+    cTicket again;
+    ASSERT_TRUE(again.ReadFromOutlook(item));
+    addWork(again, "second", 6);
+    again.SaveToDB();
+    again.SaveToOutlook(false, false, item);
+    EXPECT_EQ(rows("tblWork", {"strWorkDescription", "intMinutesWorked"}), (QStringList{"first|5", "second|6"}));
+    cTicket last;
+    ASSERT_TRUE(last.ReadFromOutlook(item));
+    EXPECT_EQ(last.WorkDescs->MinutesTotal(), 11);
+    EXPECT_EQ(tickets().Items().Count(), 1);
+}
+
+TEST_F(TicketItem, AReopenedTicketIsANewItemUnderItsNumber) {
+    cTicket ticket = fullTicket();
+    addWork(ticket, "done", 5);
+    ticket.Closed = true;
+    ticket.DateClosed = DateTime{ticket.DateCreated.days + 0.125}; // of which the first hour is a break
+    newItem(ticket).Delete();
+    cTicket closed;
+    closed.ReadFromDB(fncReturnRecordset("Select * from tblTickets", false, true, false));
+    EXPECT_TRUE(closed.Closed);
+    host::Item none;
+    closed.SaveToOutlook(false, false, none);
+    closed.Closed = false;
+    closed.SaveToDB();
+    cTicket reopened;
+    ASSERT_TRUE(reopened.ReadFromOutlook(closed.GetPostItem()));
+    EXPECT_EQ(reopened.TicketID, "1");
+    EXPECT_TRUE(reopened.DueDate.isZero());
+    EXPECT_EQ(reopened.WorkDescs->MinutesTotal(), 5);
+    EXPECT_EQ(rows("tblTickets", {"strTicketID", "blnClosed", "intMinutesOpen"}), QStringList{"1|False|120"});
+}
+
+TEST_F(TicketItem, OneThatSomebodyElseChangedIsNotWrittenToTheRow) {
+    const host::Item mine = newItem();
+    mine.Subject("Mine");
+    const host::Item theirs = mapi().GetItemFromID(mine.EntryID());
+    theirs.Subject("Theirs");
+    theirs.Save();
+    answers.expect("Unable to save current item!");
+    cTicket read;
+    EXPECT_FALSE(read.ReadFromOutlook(mine));
+    EXPECT_EQ(rows("tblTickets", {"strTicketSubject"}), QStringList{"Printer's on fire"});
 }
 
 } // namespace

@@ -8,8 +8,6 @@
 
 namespace {
 
-DateTime at(const QString &moment) { return DateTime::fromQt(QDateTime::fromString(moment, "yyyy-MM-dd HH:mm:ss")); }
-
 Ref<cWorkDescription> row(const QString &description, DateTime date, qint16 minutes, const QString &user) {
     const auto work = Ref<cWorkDescription>::make();
     work->Description = description;
@@ -28,18 +26,7 @@ bool same(const cWorkDescription &left, const cWorkDescription &right) {
            left.User == right.User;
 }
 
-class WorkLogTest : public ProgramTest {
-  protected:
-    void TearDown() override {
-        Region::set(std::nullopt);
-        ProgramTest::TearDown();
-    }
-};
-
-TEST_F(WorkLogTest, WritesARowInItsOwnOrder) {
-    EXPECT_EQ(row("Tested", at("2026-03-04 14:05:06"), 20, "Ann")->ToString(),
-              "Tested\t" + formatDateTime(at("2026-03-04 14:05:06")) + "\t20\tAnn");
-}
+using WorkLogTest = ProgramTest;
 
 struct RowCase {
     const char *name;
@@ -77,12 +64,6 @@ TEST_F(WorkLogTest, ARowThatCannotBeSplitLeavesTheFieldsAlone) {
     EXPECT_TRUE(same(*work, *row("kept", DateTime{5}, 3, "Ann")));
     work->FromString("new\tno date\tno number\tBob");
     EXPECT_TRUE(same(*work, *row("new", DateTime{5}, 0, "Bob")));
-}
-
-TEST_F(WorkLogTest, ReportsMinutesThatDoNotFit) {
-    expectReport("cWorkDescription.FromString");
-    cWorkDescs log;
-    EXPECT_TRUE(endsProcess([&] { log.FromString("a\t3/4/2026\t32768\tAnn\r\n====\r\n"); }));
 }
 
 struct LogCase {
@@ -210,7 +191,7 @@ TEST_F(WorkTableTest, AppendsWhatTheTableDoesNotHave) {
 TEST_F(WorkTableTest, EveryTicketNumberFits) {
     for (const char *number : {"1", "32767", "32768", "40000", "2147483647"}) {
         cWorkDescs log;
-        add(log, row("Tested", at("2026-03-04 14:05:06"), 20, "Ann O'Other"));
+        add(log, row("Tested", DateTime{46085.58687}, 20, "Ann O'Other"));
         log.WriteToDB(number);
         cWorkDescs again;
         again.ReadFromDB(number);
@@ -220,22 +201,9 @@ TEST_F(WorkTableTest, EveryTicketNumberFits) {
 }
 
 TEST_F(WorkTableTest, AnEmptyLogNeedsNoDatabaseAndNoNumber) {
-    strDBPath = folder() + "\\nowhere";
+    strDBPath = at("nowhere");
     subCloseConnection();
     cWorkDescs().WriteToDB("no number");
-}
-
-TEST_F(WorkTableTest, ReportsANumberThatIsNone) {
-    expectReport("cWorkDescs_WriteToDB");
-    cWorkDescs log;
-    add(log, row("a", {}, 1, "x"));
-    EXPECT_TRUE(endsProcess([&] { log.WriteToDB("7; drop table tblWork"); }));
-}
-
-TEST_F(WorkTableTest, ReportsANumberThatIsTooLarge) {
-    expectReport("cWorkDescs_ReadFromDB");
-    cWorkDescs log;
-    EXPECT_TRUE(endsProcess([&] { log.ReadFromDB("99999999999"); }));
 }
 
 TEST_F(WorkTableTest, ReadingKeepsTheLogWhereTheNumberIsNone) {
