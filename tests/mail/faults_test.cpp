@@ -8,8 +8,24 @@
 
 namespace {
 
-/// The end of a question's text, where it is a report of that procedure.
-QString reportOf(const QString &procedure) { return " : " + procedure + " "; }
+/// A host that refuses what it is told to, with a folder for each ticket.
+class RefusingHost : public support::Helpdesk {
+  protected:
+    void SetUp() override {
+        setSetting("EmailSubFolders", "1");
+        withDatabase([this] { m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM; });
+    }
+    /// From here on the host refuses that question, or all but the first.
+    void refuse(const QString &question, bool isSecond) {
+        m_questions->before = [=, asked = 0](const QString &each) mutable {
+            if (each == question && (++asked > 1 || !isSecond))
+                throw Failure(failures::accessDenied, "failed on demand");
+        };
+    }
+
+    support::Counting::Log m_questions = countQuestions();
+    QString m_noSubFolder;
+};
 
 struct Fault {
     const char *name;
@@ -25,24 +41,15 @@ struct Fault {
     int confirmations;
 };
 
-class Faults : public support::Helpdesk, public testing::WithParamInterface<Fault> {
+class Faults : public RefusingHost, public testing::WithParamInterface<Fault> {
   protected:
     void SetUp() override {
-        setSetting("EmailSubFolders", "1");
+        RefusingHost::SetUp();
         setSetting("ConvertedEmailMessage", "Ticket [TICKETID] was made.");
         setSetting("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
-        withDatabase([this] { m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM; });
     }
     [[nodiscard]] QString told() const {
         return GetParam().told == QString("folder") ? m_noSubFolder : QString(GetParam().told);
-    }
-    /// From here on the host refuses.
-    void refuse() {
-        int asked = 0;
-        m_questions->before = [this, asked](const QString &question) mutable {
-            if (question == GetParam().question && (++asked > 1 || !GetParam().isSecond))
-                throw Failure(failures::accessDenied, "failed on demand");
-        };
     }
     /// The mail of that subject, wherever it went.
     [[nodiscard]] QString markIn(const host::MAPIFolder &folder, const QString &subject) const {
@@ -55,16 +62,13 @@ class Faults : public support::Helpdesk, public testing::WithParamInterface<Faul
             return intake();
         return name == "Converted" ? intake().Folders(name) : tickets().Folders("9").Folders(name);
     }
-
-    support::Counting::Log m_questions = countQuestions();
-    QString m_noSubFolder;
 };
 
 using FaultsOfANewMail = Faults;
 
 TEST_P(FaultsOfANewMail, LeaveItWhereItIsKnown) {
     auto &copy = start();
-    refuse();
+    refuse(GetParam().question, GetParam().isSecond);
     if (*GetParam().told != '\0')
         copy.answers.expect(told(), window::No);
     // Once for the mail, once for its confirmation.
@@ -106,7 +110,7 @@ using FaultsOfAReply = Faults;
 
 TEST_P(FaultsOfAReply, OfThoseThatComeLater) {
     auto &copy = start();
-    refuse();
+    refuse(GetParam().question, GetParam().isSecond);
     copy.answers.expect(told(), window::No);
     deliver({.subject = "Re: {9}"});
     EXPECT_EQ(markIn(place(), "Re: {9}"), GetParam().mark);
@@ -120,31 +124,23 @@ INSTANTIATE_TEST_SUITE_P(Questions, FaultsOfAReply,
                                                "", 0, 0}),
                          [](const auto &each) { return QString(each.param.name).replace(' ', '_').toStdString(); });
 
-class FaultsOfTheScan : public support::Helpdesk {
+class FaultsOfTheScan : public RefusingHost {
   protected:
     /// Ticket 1 is there, without a folder of its own.
     void SetUp() override {
         auto &first = start();
         deliver({.subject = "the first"});
         first.run.quit();
-        setSetting("EmailSubFolders", "1");
-        withDatabase([this] { m_noSubFolder = LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM; });
+        RefusingHost::SetUp();
     }
     support::Copy &startRefusing(const QString &question, bool isSecond, const QStringList &told) {
-        int asked = 0;
-        m_questions->before = [=](const QString &each) mutable {
-            if (each == question && (++asked > 1 || !isSecond))
-                throw Failure(failures::accessDenied, "failed on demand");
-        };
+        refuse(question, isSecond);
         auto &copy = newCopy();
         for (const QString &each : told)
             copy.answers.expect(each, window::No);
         copy.run.start();
         return copy;
     }
-
-    support::Counting::Log m_questions = countQuestions();
-    QString m_noSubFolder;
 };
 
 TEST_F(FaultsOfTheScan, AReplyWithoutAFolderGetsItsWorkRowAndTheOthersAreTaken) {
@@ -158,11 +154,11 @@ TEST_F(FaultsOfTheScan, AReplyWithoutAFolderGetsItsWorkRowAndTheOthersAreTaken) 
 
 TEST_F(FaultsOfTheScan, AWorkRowThatFailsIsReported) {
     deliver({.subject = "Re: {1}"});
-    EXPECT_FALSE(startRefusing("PostItem.UnRead=", true, {reportOf("subAddEmailWorkItem")}).run.alive());
+    EXPECT_FALSE(startRefusing("PostItem.UnRead=", true, {" : subAddEmailWorkItem "}).run.alive());
 }
 
 TEST_F(FaultsOfTheScan, AFlagThatCannotBePostedIsReported) {
-    EXPECT_FALSE(startRefusing("PostItem.Post()", false, {reportOf("subMonitorMailFolders")}).run.alive());
+    EXPECT_FALSE(startRefusing("PostItem.Post()", false, {" : subMonitorMailFolders "}).run.alive());
     EXPECT_TRUE(subjects(intake()).isEmpty());
 }
 
