@@ -124,16 +124,7 @@ TEST_F(CommandsTest, ADeletedItemGoesToTheDeletedItemsAndFromThereForEver) {
     EXPECT_EQ(run({"delete", QString(48, u'A')}).status, 1);
 }
 
-TEST_F(CommandsTest, OneMissingFileDoesNotHoldUpTheRest) {
-    const QString good = written("good.eml", "Subject: good\r\n\r\nx\r\n");
-    const Outcome outcome = run({"deliver", file("missing.eml"), good, "--json"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.json().object()["delivered"].toArray().size(), 1);
-    EXPECT_EQ(outcome.json().object()["errors"].toArray().size(), 1);
-    EXPECT_EQ(count(inboxPath), 1);
-}
-
-TEST_F(CommandsTest, AMessageThatCantBeStoredIsNamedAndAFullDiskStops) {
+TEST_F(CommandsTest, WhatIsMissingOrCantBeStoredIsNamedAndAFullDiskStops) {
     ASSERT_EQ(run({"folders"}).status, 0);
     {
         QSqlDatabase store = QSqlDatabase::addDatabase("QSQLITE", "refusing");
@@ -148,11 +139,12 @@ TEST_F(CommandsTest, AMessageThatCantBeStoredIsNamedAndAFullDiskStops) {
                "\n\n";
     };
     const QString box = written("box", boxed("Good") + boxed("Bad") + boxed("Good"));
-    const Outcome refused = run({"deliver", box, "--json"});
+    const Outcome refused = run({"deliver", file("missing.eml"), box, "--json"});
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(refused.error.contains("box#2: ")) << refused.error.toStdString();
     EXPECT_FALSE(refused.error.contains("stopped"));
     EXPECT_EQ(refused.json()["delivered"].toArray().size(), 2);
+    EXPECT_EQ(refused.json()["errors"].toArray().size(), 2);
     EXPECT_EQ(count(inboxPath), 2);
 
     written("box", boxed("Good") + boxed("Good") + boxed("Good", 4'000'000) + boxed("Good"));
