@@ -229,9 +229,14 @@ TEST_F(TicketItem, AWriteThatFailsIsToldOrReported) {
 // A reply's subject can hold anything between its braces.
 TEST_F(TicketItem, IsFoundByItsNumberAndNoOther) {
     cTicket ticket = fullTicket();
-    const host::Item item = newItem(ticket);
-    EXPECT_EQ(item.EntryID(), tickets().Items().Item(1).EntryID());
-    for (const char *number : {"", "2", "11", "1' or '1'='1", "x' or [Ticket ID] <> '", "{1}", "]"}) {
+    for (const char *number : {"1", "o'12"}) {
+        ticket.TicketID = number;
+        const host::Item item = newItem(ticket);
+        ASSERT_TRUE(item) << number;
+        EXPECT_EQ(property(item, "Ticket ID"), number);
+    }
+    for (const char *number :
+         {"", "2", "11", "1' or '1'='1", "x' or [Ticket ID] <> '", "1' and [Ticket ID] = '1", "{1}", "]"}) {
         cTicket other;
         other.TicketID = number;
         EXPECT_TRUE(other.GetPostItem().isNothing()) << number;
