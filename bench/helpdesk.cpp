@@ -157,7 +157,6 @@ void report(benchmark::State &state, const Result &result) {
     state.counters["kB/mail"] = volume.kilobytesPerMail;
 }
 
-namespace {
 /// A file with one table, and nothing but commits of so many pages each.
 class BareFile {
   public:
@@ -190,18 +189,20 @@ class BareFile {
     sqlite3_stmt *m_insert = nullptr;
 };
 
-} // namespace
+Floor::Floor() : m_folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/floor-XXXXXX")) {
+    for (std::size_t file = 0; file < std::tuple_size_v<MailWork>; ++file)
+        m_files.push_back(std::make_unique<BareFile>(m_folder.filePath(QString::number(file))));
+}
 
-double floorOf(const std::vector<MailWork> &work) {
-    const QTemporaryDir folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/floor-XXXXXX"));
-    std::array<BareFile, 3> files{BareFile(folder.filePath("1")), BareFile(folder.filePath("2")),
-                                  BareFile(folder.filePath("3"))};
+Floor::~Floor() = default;
+
+double Floor::replay(const std::vector<MailWork> &work) {
     QElapsedTimer timer;
     timer.start();
     for (const MailWork &mail : work) {
-        for (std::size_t file = 0; file < files.size(); ++file) {
+        for (std::size_t file = 0; file < m_files.size(); ++file) {
             for (const int pages : mail[file])
-                files[file].commit(pages);
+                m_files[file]->commit(pages);
         }
     }
     return static_cast<double>(timer.nsecsElapsed()) / 1e9 / static_cast<double>(work.size());
@@ -210,7 +211,7 @@ double floorOf(const std::vector<MailWork> &work) {
 void printBesideFloor(const char *name, const Result &result) {
     if (result.work.empty())
         return;
-    const double bare = floorOf(result.work);
+    const double bare = Floor().replay(result.work);
     std::printf("%-14s %6.0f mails/s, floor %6.0f mails/s, ratio %.2f\n", name, 1 / result.secondsPerMail, 1 / bare,
                 result.secondsPerMail / bare);
 }

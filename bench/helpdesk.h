@@ -80,8 +80,21 @@ struct Result {
 /// until the program has filed the mail.
 /// \param put  puts the mail of that number into the folder.
 Result convert(Situation &situation, int count, const std::function<void(int)> &put);
-/// The same commits with as many pages each, through the bare database library; seconds a mail.
-double floorOf(const std::vector<MailWork> &work);
+/// The same commits with as many pages each, through the bare database library, on files of their own.
+class Floor {
+  public:
+    Floor();
+    ~Floor();
+    Floor(const Floor &) = delete;
+    Floor &operator=(const Floor &) = delete;
+
+    /// Seconds a mail.
+    double replay(const std::vector<MailWork> &work);
+
+  private:
+    QTemporaryDir m_folder;
+    std::vector<std::unique_ptr<class BareFile>> m_files;
+};
 
 /// What the road of a mail wrote, on average.
 struct Volume {
