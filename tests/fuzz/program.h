@@ -11,14 +11,10 @@ namespace fuzz {
 
 class Program {
   public:
-    Program() {
-        if (!QCoreApplication::instance()) {
-            static int argc = 1;
-            static char name[] = "fuzz";
-            static char *argv[] = {name, nullptr};
-            static const QCoreApplication application(argc, argv);
-        }
-        begin();
+    /// Never ended: its database could not be closed when the library's own variables are gone already.
+    static Program &instance() {
+        static Program *const program = new Program;
+        return *program;
     }
 
     /// The texts of the reports with which the program ended; none when it went on.
@@ -36,6 +32,16 @@ class Program {
     }
 
   private:
+    Program() {
+        if (!QCoreApplication::instance()) {
+            static int argc = 1;
+            static char name[] = "fuzz";
+            static char *argv[] = {name, nullptr};
+            static const QCoreApplication application(argc, argv);
+        }
+        begin();
+    }
+
     struct Silent : window::Asker {
         window::Answer ask(const window::Question &question) override {
             asked += question.text;

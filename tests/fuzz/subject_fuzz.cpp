@@ -61,7 +61,7 @@ std::string faultInDatabase(const QString &number) {
 
 std::string faultOf(const QByteArray &bytes) {
     static const QTemporaryDir folder;
-    static fuzz::Program program;
+    static fuzz::Program &program = fuzz::Program::instance();
     static const QStringList refused = program.run([] { makeDatabase(folder.path()); });
     if (!refused.isEmpty())
         return "no database: " + refused.join(u'\n').toStdString();

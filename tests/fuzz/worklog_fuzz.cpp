@@ -70,7 +70,7 @@ std::string faultOfLog(const QStringList &pieces, const cWorkDescs &log) {
 } // namespace
 
 std::string faultOf(const QByteArray &bytes) {
-    static fuzz::Program program;
+    static fuzz::Program &program = fuzz::Program::instance();
     setRegion(bytes.isEmpty() ? '\0' : bytes.front());
     const QString text = QString::fromUtf8(bytes.mid(1));
     const QStringList pieces = piecesOf(text);
