@@ -73,8 +73,8 @@ TEST_F(SideBySide, NobodySeesHalfOfAnImportAndAKilledOneLeavesNone) {
         ASSERT_LT(clock.elapsed(), 200000);
         for (std::size_t at = 0; at < writers.size(); ++at) {
             if (writers[at] && !writers[at]->waitForFinished(0) && writers[at]->state() != QProcess::NotRunning) {
-                // Now and then one dies in the middle of its work.
-                if (++looks % 5 != 0)
+                // Now and then one dies in the middle of its work, but not so often that a slow machine gets none done.
+                if (killed >= 4 || ++looks % 5 != 0)
                     continue;
                 writers[at]->kill();
                 finish(*writers[at]);

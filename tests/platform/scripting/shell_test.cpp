@@ -11,6 +11,8 @@
 
 #include <QTemporaryDir>
 
+#include <csignal>
+
 #include <pwd.h>
 #include <unistd.h>
 
@@ -143,13 +145,18 @@ TEST_F(ADesktop, IsToldWhenNothingOpensALinkOrAFile) {
     install("xdg-open", "exit 0");
     EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), 0);
     // One that goes on is taken for the browser itself.
-    install("xdg-open", "exec 2>&1 /bin/sleep 5");
+    install("xdg-open", "echo $$ > '" + folder.filePath("pid").toLocal8Bit() + "'; exec 2>&1 /bin/sleep 3.5");
     EXPECT_EQ(failureOf([&] { shell.Run("http://orvelle.example"); }), 0);
     answers.expect("The program lp can't be started");
     item->InvokeVerb("Print");
     install("lp", "echo 'no default destination' >&2; exit 1");
     answers.expect("no default destination");
     item->InvokeVerb("Print");
+    // Its end is noticed, whenever it comes.
+    const pid_t browser = bytes("pid").trimmed().toInt();
+    ASSERT_GT(browser, 0);
+    EXPECT_TRUE(eventually([&] { return ::kill(browser, 0) != 0; }));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
