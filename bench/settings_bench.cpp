@@ -7,8 +7,8 @@
 #include "core/runtime.h"
 #include "database/connection.h"
 #include "database/creation.h"
+#include "desk/objects/desk.h"
 #include "platform/registry/registry.h"
-#include "reference/fakehost.h"
 #include "reference/settings.h"
 
 #include <QCoreApplication>
@@ -35,8 +35,14 @@ class Filled {
         strDBPath = m_folder.path();
         subCreateSettings();
         fncCreateAccessDB(m_folder.path() + "\\Orvelle.mdb");
-        m_host = std::make_unique<FakeHost>();
-        m_host->tickets->members["webviewurl"] = "file:" + m_folder.path() + "/Orvelle.htm";
+        desk::DeskOptions options;
+        options.profile = m_folder.filePath("profile");
+        options.user = "Alma Tester";
+        m_desk = std::make_unique<desk::Desk>(options);
+        ouaOutlook = host::Application(m_desk->application());
+        onsMAPI = ouaOutlook->GetNamespace("MAPI");
+        oufTickets = onsMAPI->Folders("Public Folders").Folders().Add("Helpdesk", 6);
+        oufTickets->WebViewURL("file:" + m_folder.path() + "/Orvelle.htm");
         fill();
     }
     ~Filled() { subCloseConnection(); }
@@ -77,7 +83,7 @@ class Filled {
     QTemporaryDir m_folder{qEnvironmentVariable("ORVELLE_BENCH_DIR", ".") + "/settings-bench-XXXXXX"};
     ProgramCopy m_copy;
     ProgramCopy::Scope m_scope{m_copy};
-    std::unique_ptr<FakeHost> m_host;
+    std::unique_ptr<desk::Desk> m_desk;
 };
 
 /// Every column of every row of the selections, as the library gives them. Opens the file and closes it.
