@@ -45,16 +45,4 @@ Answer msgBox(const QString &text, Buttons buttons, Icon icon, const QString &ti
 
 QString showSheet(Sheet &sheet) { return current().show(sheet); }
 
-QString inputBox(const QString &prompt, const QString &title, const QString &preset) {
-    const QString ok = QStringLiteral("cmdOK");
-    const QString input = QStringLiteral("txtInput");
-    Sheet sheet;
-    sheet.name = QStringLiteral("inputBox");
-    sheet.title = title;
-    sheet.text = prompt;
-    sheet.fields = {{Field::Kind::Text, input, {}, preset, {}, {}}};
-    sheet.buttons = {{ok, QStringLiteral("OK")}, {QStringLiteral("cmdCancel"), QStringLiteral("Cancel")}};
-    return showSheet(sheet) == ok ? sheet.value(input) : QString();
-}
-
 } // namespace window

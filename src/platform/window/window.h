@@ -97,9 +97,6 @@ Answer msgBox(const QString &text, Buttons buttons, Icon icon, const QString &ti
 /// Shows a sheet and gives the name of the button pressed, empty when it was closed otherwise.
 QString showSheet(Sheet &sheet);
 
-/// Asks for one line of text; the empty text on Cancel, which is also the cautious answer.
-QString inputBox(const QString &prompt, const QString &title, const QString &preset);
-
 /// Whether nobody is there to be asked.
 bool isUnattended();
 
