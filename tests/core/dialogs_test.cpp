@@ -120,4 +120,23 @@ TEST_F(Dialogs, AControlTakesTheColourAtItsCentreAndKeepsItsOwnOtherwise) {
     }
 }
 
+TEST_F(Dialogs, AFormIsShownInTheTaskbarAndOnlyAVisibleOneTakesTheFocus) {
+    struct Window : window::Form {
+        QString Caption() const override { return "Caption"; }
+        bool Visible() const override { return visible; }
+        void setTopMost(bool value) override { log << QString("top %1").arg(value); }
+        void setInTaskBar(bool value) override { log << QString("taskbar %1").arg(value); }
+        void SetFocus() override { log << "focus"; }
+        bool visible = false;
+        QStringList log;
+    };
+    Window frm;
+    subEnsureVisibleTaskBar(frm, "");
+    frm.visible = true;
+    subEnsureVisibleTaskBar(frm, "Title");
+    clsAlwaysOnTop::MakeTopMost(frm);
+    clsAlwaysOnTop::MakeNormal(frm);
+    EXPECT_EQ(frm.log, (QStringList{"taskbar 1", "taskbar 1", "focus", "top 1", "top 0"}));
+}
+
 } // namespace

@@ -184,6 +184,27 @@ TEST_F(Runtime, AFieldChangesByItsValue) {
             << c.stored.kindName().toStdString() << " " << c.value.kindName().toStdString();
 }
 
+TEST_F(Runtime, AComboKeepsItsValue) {
+    struct Combo {
+        QString value;
+        QStringList items;
+        QString Value() const { return value; }
+        void SetValue(const QString &text) { value = text; }
+        void Clear() {
+            items.clear();
+            value.clear();
+        }
+        void AddItem(const QString &text) { items << text; }
+    };
+    const auto dic = fncCreateDic<QString>();
+    dic->Add("b", "1");
+    dic->Add("a", "2");
+    Combo combo{.value = "not in the list", .items = {"old"}};
+    subFillCombo(combo, dic);
+    EXPECT_EQ(combo.items, (QStringList{"b", "a"}));
+    EXPECT_EQ(combo.value, "not in the list");
+}
+
 TEST_F(Runtime, TheDefaultTicketBodyHasItsTwoParts) {
     const QString body = fncNewTicketHTML();
     EXPECT_EQ(body.split("\r\n").size(), 29);
