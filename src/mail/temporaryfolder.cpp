@@ -13,9 +13,13 @@
 namespace {
 constexpr char prefix[] = "orvelle-attachments-";
 
+QString fncTempPath(const scripting::FileSystemObject &fso) {
+    return scripting::nativePath(fso.GetSpecialFolder(2)->Path());
+}
+
 QString fncTempPath() {
     subSetupFS();
-    return scripting::nativePath(fsoFileSystem->GetSpecialFolder(2)->Path());
+    return fncTempPath(**fsoFileSystem);
 }
 
 /// The open and locked folder; -1 for one that somebody else holds, or that is none.
@@ -44,7 +48,8 @@ QString TemporaryFolder::Path() const { return scripting::pathText(m_folder.path
 void TemporaryFolder::subSweep() {
     // A younger one may have a maker who is about to lock it.
     constexpr qint64 youngest = 60;
-    const QDir temp(AttemptOr([] { return fncTempPath(); }, QDir::tempPath()));
+    // Not by the program's own object: the sweep comes before the start steps, which report where that one is missing.
+    const QDir temp(AttemptOr([] { return fncTempPath(scripting::FileSystemObject()); }, QDir::tempPath()));
     const QDateTime now = QDateTime::currentDateTime();
     for (const QFileInfo &folder : temp.entryInfoList({QString(prefix) + "*"}, QDir::Dirs | QDir::NoSymLinks)) {
         if (folder.ownerId() != ::geteuid() || folder.lastModified().secsTo(now) < youngest)

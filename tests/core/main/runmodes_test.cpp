@@ -8,6 +8,7 @@
 #include "mail/foldermonitor.h"
 #include "outlook/explorer/rootexplorer.h"
 #include "outlook/session.h"
+#include "platform/scripting/components.h"
 #include "platform/scripting/shell.h"
 #include "platform/value/filelock.h"
 #include "reference/settings.h"
@@ -316,6 +317,17 @@ TEST_F(RunModes, AFirstRunWithoutTheLibraryEnds) {
     copy.run.start();
     EXPECT_FALSE(copy.run.alive());
     EXPECT_FALSE(QFile::exists(path("program/Orvelle.mdb")));
+}
+
+TEST_F(RunModes, ARunWithoutTheFileSystemIsAReport) {
+    auto &copy = newCopy();
+    {
+        const ProgramCopy::Scope inside(copy.run.copy());
+        scripting::Components::setInstalled("Scripting.FileSystemObject", false);
+    }
+    copy.answers.expect("Sub routine : subSetupFS ", window::No);
+    copy.run.start();
+    EXPECT_FALSE(copy.run.alive());
 }
 
 // ---- what every start puts in order
