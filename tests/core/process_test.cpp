@@ -2,6 +2,7 @@
 
 #include "core/entry.h"
 #include "core/trace.h"
+#include "support/environment.h"
 #include "support/program.h"
 
 #include <QCoreApplication>
@@ -58,9 +59,10 @@ TEST_F(Process, AFailureThatReachesTheEntryIsReportedAndEndsTheCopy) {
 
 TEST_F(Process, TheProgramFolderIsTheOneSetOrTheExecutables) {
     strProgramFolderOverride = QString();
-    qputenv("ORVELLE_HOME", "/opt/orvelle/");
-    EXPECT_EQ(fncProgramFolder(), "\\opt\\orvelle");
-    qunsetenv("ORVELLE_HOME");
+    {
+        const support::EnvironmentValue home("ORVELLE_HOME", "/opt/orvelle/");
+        EXPECT_EQ(fncProgramFolder(), "\\opt\\orvelle");
+    }
     EXPECT_EQ(fncProgramFolder(), scripting::pathText(QCoreApplication::applicationDirPath()));
 }
 

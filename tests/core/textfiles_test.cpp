@@ -1,5 +1,6 @@
 #include "core/runtime.h"
 
+#include "support/environment.h"
 #include "support/program.h"
 
 namespace {
@@ -7,11 +8,9 @@ namespace {
 /// The temp folder is a folder of the test.
 class TextFiles : public support::Program {
   protected:
-    TextFiles() {
-        QDir(m_folder.path()).mkdir("temp");
-        qputenv("TMPDIR", path("temp").toLocal8Bit());
-    }
-    ~TextFiles() override { qunsetenv("TMPDIR"); }
+    TextFiles() { QDir(m_folder.path()).mkdir("temp"); }
+
+    const support::EnvironmentValue m_temp{"TMPDIR", path("temp").toLocal8Bit()};
 };
 
 TEST_F(TextFiles, AreWrittenWithoutTheirDoubleQuotes) {

@@ -2,8 +2,7 @@
 
 #include "reference/opentime.h"
 #include "reference/program.h"
-
-#include <QScopeGuard>
+#include "support/environment.h"
 
 #include <random>
 
@@ -159,12 +158,7 @@ QList<qint64> oddDays() {
 
 TEST_F(OpenTimeTest, AgreesWithASlowDayByDayModel) {
     // A region whose clocks change.
-    const auto inZone = [](const QByteArray &zone) {
-        zone.isNull() ? qunsetenv("TZ") : qputenv("TZ", zone);
-        tzset();
-    };
-    const auto restore = qScopeGuard([&inZone, was = qgetenv("TZ")] { inZone(was); });
-    inZone("Europe/Stockholm");
+    const support::EnvironmentValue zone("TZ", "Europe/Stockholm");
     const QList<qint64> odd = oddDays();
     constexpr int settingsDrawn = 500;
     constexpr int pairsEach = 200;

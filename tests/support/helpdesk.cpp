@@ -42,6 +42,7 @@ Helpdesk::Helpdesk() {
     Region::set(QLocale(QLocale::English, QLocale::UnitedStates));
     Clock::set(DateTime{DateTime::fromDate(2024, 3, 5).days + 0.5});
     QDir(m_folder.path()).mkdir("program");
+    QDir(m_folder.path()).mkdir("temp");
     writeForm();
     desk::DeskOptions options;
     options.profile = path("profile");

@@ -5,6 +5,7 @@
 #include "desk/objects/desk.h"
 #include "outlook/host/host.h"
 #include "support/counting.h"
+#include "support/environment.h"
 #include "support/program.h"
 
 #include <gtest/gtest.h>
@@ -107,6 +108,8 @@ class Helpdesk : public testing::Test {
     void writeForm() const;
 
     QTemporaryDir m_folder;
+    /// Other tests run beside this one: the folder for temporary files is its own too.
+    const EnvironmentValue m_temp{"TMPDIR", path("temp").toLocal8Bit()};
     std::unique_ptr<desk::Desk> m_desk;
     host::MAPIFolder m_tickets;
     host::MAPIFolder m_intake;

@@ -1,5 +1,6 @@
 // Two processes side by side: what people see of them.
 
+#include "support/environment.h"
 #include "whole/processes.h"
 
 #include <QDir>
@@ -75,9 +76,8 @@ TEST_F(TwoProcesses, TheProgramEndsWithItsMessageWhenTheDeskIsKilled) {
 TEST_F(Helpdesk, AReportIsInTheLanguageOfTheCommandLineAndTheStepsAreInTheLog) {
     startDesk();
     write("program/OrvelleSettings", "svenska");
-    qputenv("ORVELLE_TRACE", "1");
+    const support::EnvironmentValue tracing("ORVELLE_TRACE", "1");
     startOrvelle({"2"});
-    qunsetenv("ORVELLE_TRACE");
     ASSERT_TRUE(waitFor([&] { return orvelle().state() == QProcess::NotRunning; }));
     EXPECT_EQ(orvelle().exitCode(), 1);
     waitFor([&] { return orvelleErrors().contains("cSettings.GetSettings"); }, 1000);

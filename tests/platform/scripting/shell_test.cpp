@@ -4,6 +4,7 @@
 #include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "support/answers.h"
+#include "support/environment.h"
 #include "support/fakeobject.h"
 #include "support/files.h"
 #include "support/launches.h"
@@ -42,7 +43,7 @@ TEST_F(TheShell, ReadsWhatWasWrittenAndFailsForAMissingValue) {
 }
 
 TEST_F(TheShell, ExpandsTheEnvironment) {
-    qputenv("ORVELLE_TEST_NAME", "a b");
+    const support::EnvironmentValue name("ORVELLE_TEST_NAME", "a b");
     const QString login = QString::fromLocal8Bit(getpwuid(getuid())->pw_name);
     const std::vector<std::pair<QString, QString>> cases = {
         {"%ORVELLE_TEST_NAME%\\x", "a b\\x"},
@@ -52,7 +53,6 @@ TEST_F(TheShell, ExpandsTheEnvironment) {
     };
     for (const auto &[text, expanded] : cases)
         EXPECT_EQ(shell.ExpandEnvironmentStrings(text), expanded);
-    qunsetenv("ORVELLE_TEST_NAME");
 }
 
 TEST_F(TheShell, StartsProgramsWithoutAnInterpreter) {
@@ -110,14 +110,6 @@ class ADesktop : public TheShell {
     void SetUp() override {
         TheShell::SetUp();
         scripting::launcher = nullptr;
-        m_path = qgetenv("PATH");
-        qputenv("PATH", folder.filePath("bin").toLocal8Bit());
-        qputenv("ORVELLE_PROFILE", folder.path().toLocal8Bit());
-    }
-    void TearDown() override {
-        qputenv("PATH", m_path);
-        qunsetenv("ORVELLE_PROFILE");
-        TheShell::TearDown();
     }
     /// \param script  lines of a shell script.
     void install(const QString &name, const QByteArray &script) const {
@@ -128,7 +120,8 @@ class ADesktop : public TheShell {
     QStringList printouts() const { return QDir(scripting::printoutFolder()).entryList(QDir::Files); }
 
   private:
-    QByteArray m_path;
+    const support::EnvironmentValue m_path{"PATH", folder.filePath("bin").toLocal8Bit()};
+    const support::EnvironmentValue m_profile{"ORVELLE_PROFILE", folder.path().toLocal8Bit()};
 };
 
 TEST_F(ADesktop, IsToldWhenNothingOpensALinkOrAFile) {

@@ -2,6 +2,7 @@
 #include "platform/value/filelock.h"
 #include "platform/value/processlocal.h"
 #include "support/child.h"
+#include "support/environment.h"
 #include "support/steps.h"
 
 #include <gtest/gtest.h>
@@ -121,15 +122,11 @@ TEST(DateTimes, EveryRegionReadsWhatItWrites) {
 }
 
 TEST(DateTimes, AnHourThatTheClockLeavesOutIsKept) {
-    const QByteArray before = qgetenv("TZ");
-    qputenv("TZ", "Europe/Stockholm");
-    tzset();
+    const support::EnvironmentValue zone("TZ", "Europe/Stockholm");
     const DateTime moment{DateTime::fromDate(2026, 3, 29).days + DateTime::fromTime(2, 30, 0).days};
     EXPECT_EQ(moment.isoText(), "2026-03-29 02:30:00");
     EXPECT_EQ(moment.toQt().toUTC(), QDateTime(QDate(2026, 3, 29), QTime(1, 30), Qt::UTC));
     EXPECT_EQ(parseDateTime(formatDateTime(moment))->days, moment.days);
-    before.isEmpty() ? qunsetenv("TZ") : qputenv("TZ", before);
-    tzset();
 }
 
 TEST(DateTimes, DaysBeforeTheFirstCountTheirTimeForward) {
