@@ -36,7 +36,6 @@ void ProgramRun::start() {
     const ProgramCopy::Scope scope(m_copy);
     prepare();
     TemporaryFolder::subSweep();
-    m_starting = true;
     m_alive = true;
     enterProgram([this] {
         // A profile that isn't there has no other instance either; that the host is missing is told later.
@@ -51,7 +50,6 @@ void ProgramRun::start() {
     // Without a form nothing can come any more, and the process ends by itself.
     if (m_alive && loadedForms->isEmpty())
         finish();
-    m_starting = false;
     if (!m_alive)
         m_copy.clear();
 }
@@ -74,6 +72,6 @@ void ProgramRun::finish() {
     m_alive = false;
     m_exitStatus = strErrorReport->isEmpty() && m_hostReached ? 0 : 1;
     m_lock.reset();
-    if (m_ended && !m_starting)
+    if (m_ended)
         m_ended();
 }

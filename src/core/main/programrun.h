@@ -25,7 +25,9 @@ struct ProgramSetup {
 
 class ProgramRun {
   public:
-    /// \param ended  called once when an alive run has ended; not for a run that ended before `start` returned.
+    /// \param ended  called once when the run has ended, from inside of it: a question that it ended under is still
+    /// open
+    ///        then and has to be closed.
     explicit ProgramRun(ProgramSetup setup, std::function<void()> ended = {});
     /// Ends the run.
     ~ProgramRun();
@@ -51,7 +53,6 @@ class ProgramRun {
     std::function<void()> m_ended;
     /// Held for the life of the run; that is how another process knows of it.
     std::unique_ptr<FileLock> m_lock;
-    bool m_starting = false;
     bool m_alive = false;
     bool m_hostReached = false;
     int m_exitStatus = 0;

@@ -100,7 +100,7 @@ TEST_F(RunModes, ABystanderRepairsFormsAndEnds) {
     put(tickets(), "IPM.Post.HelpDesk.Ticket.8.One-off", "one-off");
     auto &bystander = start();
     EXPECT_FALSE(bystander.run.alive());
-    EXPECT_EQ(bystander.ends, 0);
+    EXPECT_EQ(bystander.ends, 1);
     EXPECT_EQ(bystander.run.exitStatus(), 0);
     EXPECT_EQ(tickets().Items().Item(1).MessageClass(), "IPM.Post.HelpDesk.Ticket.8");
     EXPECT_EQ(bars().size(), 1);
@@ -217,6 +217,22 @@ TEST_F(RunModes, WhatAKilledRunLeftInTheTemporaryFolderIsSweptAway) {
     ::close(descriptor);
     EXPECT_EQ(QDir(path("temp")).entryList(QDir::AllDirs | QDir::NoDotAndDotDot),
               (QStringList{"orvelle-attachments-held", "orvelle-attachments-young", "somebody-else"}));
+}
+
+// Nobody has to answer a question that the end of the process has overtaken.
+TEST_F(RunModes, AnEndUnderAQuestionOfTheStartIsToldAtOnce) {
+    setClientTools(false);
+    auto &copy = newCopy();
+    copy.answers.expectDuring(
+        "Client Tools",
+        [&] {
+            copy.run.quit();
+            EXPECT_EQ(copy.ends, 1);
+        },
+        window::No);
+    copy.run.start();
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(copy.ends, 1);
 }
 
 TEST_F(RunModes, AHostThatIsNotThereEndsTheRunWithItsMessage) {
