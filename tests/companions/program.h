@@ -12,11 +12,13 @@ class SettingsProgram : public ::testing::Test {
   protected:
     using Process = std::unique_ptr<QProcess>;
 
-    Process start(const QStringList &arguments) {
+    Process start(const QStringList &arguments, const QString &output = {}) {
         auto process = std::make_unique<QProcess>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("ORVELLE_HOME", m_home.path());
         process->setProcessEnvironment(environment);
+        if (!output.isEmpty())
+            process->setStandardOutputFile(output);
         process->start(SETTINGS_PROGRAM, arguments);
         return process;
     }

@@ -98,7 +98,7 @@ int list(bool asJson) {
         return 0;
     }
     for (const Setting &each : all)
-        print((each.name + "=" + oneLine(each.value) + "\n").toUtf8());
+        print((oneLine(each.name) + "=" + oneLine(each.value) + "\n").toUtf8());
     return 0;
 }
 
@@ -203,8 +203,12 @@ int run(const QStringList &arguments) {
     try {
         // Reports that the system's own modules give are in English here, as is all that this program writes.
         LoadLanguages(1);
-        if (const std::optional<int> status = runCommand(arguments))
-            return *status;
+        if (const std::optional<int> status = runCommand(arguments)) {
+            if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+                return *status;
+            complain("The output could not be written.");
+            return 1;
+        }
     } catch (const Failure &failure) {
         complain(failure.description());
         return 1;
