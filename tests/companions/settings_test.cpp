@@ -101,6 +101,17 @@ TEST_F(Settings, StoresValuesAsTheSystemReadsThem) {
     EXPECT_EQ(get("PrintOut"), "\n") << "an empty value is shown as one";
     EXPECT_EQ(run({"set", "it's mine", "x"}).status, 0);
     EXPECT_EQ(get("IT'S MINE"), "x\n");
+    for (const char *value : {"first", "last"}) {
+        const Ref<ado::Recordset> set = open("tblOtherSettings");
+        set->AddNew();
+        set->Fields(1).SetValue("another\ntool's");
+        set->Fields(2).SetValue(value);
+        set->Update();
+    }
+    EXPECT_EQ(get("another\ntool's"), "last\n") << "as the system reads it";
+    EXPECT_EQ(run({"list"}).output.split("\n").filter("another"), QStringList{"another\\ntool's=last"});
+    for (const char *command : {"list", "get PrintOut", "export -"})
+        EXPECT_EQ(finish(*start(QString(command).split(u' '), "/dev/full")), 1) << command << " with nowhere to go";
 }
 
 TEST_F(Settings, RefusesAValueThatTheSystemCouldNotRead) {
@@ -176,6 +187,9 @@ TEST_F(Settings, AnImportIsDoneAsAWholeOrNotAtAll) {
         {head, "Line 4 can't be taken: the file ends without"},
         {head + "[responsibles]\nAnn\tx\tmuch\n" + end, "Line 5 can't be taken: \"much\" is no number"},
         {head + "[problem types]\nA\t\t70000\n" + end, "Line 5 can't be taken: 70000 is too large"},
+        {head + "[problem types]\nA\t\tnan\n" + end, "Line 5 can't be taken: \"nan\" is no number"},
+        {head + "[responsibles]\nAnn\tx\t1e40\n" + end, "Line 5 can't be taken: 1e40 is too large"},
+        {head + "[settings]\nKBPath\ta\nkbpath\tb\n" + end, "Line 6 can't be taken: \"kbpath\" comes twice"},
         {head + "[responsibles]\nAnn\n" + end, "Line 5 can't be taken: the row of [responsibles] has 1 fields"},
         {head + "[callers]\nCy\t\t\t\t\ncy\t\t\t\t\n" + end, "Line 6 can't be taken: \"cy\" comes twice"},
         {head + "[caller categories]\n\\e\n" + end, "Line 5 can't be taken: the row of [caller categories] has no"},

@@ -10,6 +10,7 @@
 #include "platform/ado/jetfile.h"
 #include "platform/value/convert.h"
 #include "reference/settings.h"
+#include "reference/texts.h"
 
 namespace settings {
 
@@ -56,14 +57,12 @@ QString storable(QString value) {
     return value.replace("\r\n", "\n").replace("\n", "\r\n");
 }
 
-QString quoted(QString text) { return u'\'' + text.replace("'", "''") + u'\''; }
-
 enum class Stored { Added, Changed, Kept };
 
 /// Writes one setting into the open table, into every row of its name: of several that another tool left, the system
 /// reads the last.
 Stored store(const Ref<ado::Recordset> &set, const QString &name, const QString &value) {
-    const QString criterion = "strPropName = " + quoted(name);
+    const QString criterion = "strPropName = " + fncQuoted(name);
     bool isFound = false;
     bool isChanged = false;
     if (set->RecordCount() != 0) {
@@ -117,9 +116,17 @@ void requireFields(const Section &section, qsizetype fields) {
 
 void checkSettings(const Section &section) {
     requireFields(section, 2);
+    checkNames(section);
     for (const Row &row : section.rows)
         if (const std::optional<QString> problem = problemWith(row.fields[0], row.fields[1]))
             refuseLine(row.line, problem->chopped(1));
+}
+
+/// Every setting under its name, as the system reads it: of several rows of one name the last counts.
+cOtherSettings storedSettings(const Ref<ado::Recordset> &set) {
+    cOtherSettings stored;
+    stored.FromRS(set);
+    return stored;
 }
 
 } // namespace
@@ -166,20 +173,20 @@ Ref<ado::Recordset> Installation::open(const QString &source, ado::LockType lock
 }
 
 QList<Setting> Installation::list() const {
-    QList<Setting> result;
-    const Ref<ado::Recordset> set =
-        open("SELECT strPropName, strPropValue FROM tblOtherSettings ORDER BY strPropName", ado::LockType::ReadOnly);
-    for (; !set->IsEOF(); set->MoveNext())
-        result.append({textOf(set->Fields(0).Value()), shown(textOf(set->Fields(1).Value()))});
-    return result;
+    const cOtherSettings stored = storedSettings(open(settingsTable, ado::LockType::ReadOnly));
+    QList<Setting> all;
+    for (const QString &name : stored.DicList->Keys())
+        all.append({name, shown(stored.DicList->Item(name))});
+    std::sort(all.begin(), all.end(),
+              [](const Setting &left, const Setting &right) { return fncCompareText(left.name, right.name) < 0; });
+    return all;
 }
 
 std::optional<QString> Installation::get(const QString &name) const {
-    const Ref<ado::Recordset> set = open(settingsTable, ado::LockType::ReadOnly);
-    set->Find("strPropName = " + quoted(name));
-    if (set->IsEOF())
+    const cOtherSettings stored = storedSettings(open(settingsTable, ado::LockType::ReadOnly));
+    if (!stored.DicList->Exists(name))
         return std::nullopt;
-    return shown(textOf(set->Fields(valueColumn).Value()));
+    return shown(stored.DicList->Item(name));
 }
 
 void Installation::set(const QString &name, const QString &value) {
@@ -191,14 +198,9 @@ void Installation::set(const QString &name, const QString &value) {
 
 QByteArray Installation::exported() const {
     Section settingRows{settingsSection, {}, 0};
-    cOtherSettings read;
-    read.FromRS(open(settingsTable, ado::LockType::ReadOnly));
-    QStringList names = read.DicList->Keys();
-    std::sort(names.begin(), names.end(),
-              [](const QString &left, const QString &right) { return fncCompareText(left, right) < 0; });
-    for (const QString &name : names)
-        if (!name.trimmed().isEmpty())
-            settingRows.rows.append({{name, shown(read.DicList->Item(name))}, 0});
+    for (const Setting &each : list())
+        if (!each.name.trimmed().isEmpty())
+            settingRows.rows.append({{each.name, each.value}, 0});
     QList<Section> sections{settingRows};
     QStringList headings{"name, value"};
     for (const ListTable &table : listTables()) {

@@ -22,7 +22,8 @@ class Installation {
     /// settings that a first start stores.
     explicit Installation(Missing missing);
 
-    /// By name, without regard to case.
+    /// By name, without regard to case. Of several rows of one name, which another tool can leave, the last counts, as
+    /// for the system.
     [[nodiscard]] QList<Setting> list() const;
     /// Nothing for a name that is not stored.
     [[nodiscard]] std::optional<QString> get(const QString &name) const;

@@ -47,7 +47,7 @@ Value fieldValue(const QString &column, const QString &text) {
         return *amount;
     bool isNumber = false;
     const double number = QLocale::c().toDouble(text.trimmed(), &isNumber);
-    if (!isNumber)
+    if (!isNumber || !std::isfinite(number))
         throw Failure(failures::typeMismatch, QString("\"%1\" is no number, and %2 needs one").arg(text, column));
     return number;
 }
@@ -58,7 +58,9 @@ QString folded(const QString &text) { return text.toCaseFolded(); }
 Value heldValue(const QString &column, const Row &row, const QString &text) {
     try {
         const Value value = fieldValue(column, text);
-        return column.startsWith("int") && !value.isNull() ? Value(toInt16(value)) : value;
+        if (value.isNull() || column.startsWith("str"))
+            return value;
+        return column.startsWith("cur") ? Value(toCurrency(value)) : Value(toInt16(value));
     } catch (const Failure &failure) {
         if (failure.number() != failures::overflow)
             refuseLine(row.line, failure.description());
@@ -124,7 +126,7 @@ Section readList(const ListTable &table, const Ref<ado::Recordset> &set) {
     return section;
 }
 
-void checkList(const ListTable &table, const Section &section) {
+void checkNames(const Section &section) {
     QSet<QString> met;
     for (const Row &row : section.rows) {
         if (row.fields[0].isEmpty())
@@ -132,9 +134,14 @@ void checkList(const ListTable &table, const Section &section) {
         if (met.contains(folded(row.fields[0])))
             refuseLine(row.line, QString("\"%1\" comes twice in [%2]").arg(row.fields[0], section.name));
         met.insert(folded(row.fields[0]));
+    }
+}
+
+void checkList(const ListTable &table, const Section &section) {
+    checkNames(section);
+    for (const Row &row : section.rows)
         for (qsizetype at = 1; at < table.columns.size(); ++at)
             static_cast<void>(heldValue(table.columns[at], row, row.fields[at]));
-    }
 }
 
 Change writeList(const ListTable &table, const Section &section, const Ref<ado::Recordset> &set) {

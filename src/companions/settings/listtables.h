@@ -33,7 +33,10 @@ struct Change {
     QStringList removed;
 };
 
-/// Fails, with the line, for a row without a name, one that comes twice and a number that is none.
+/// Fails, with the line, for a row without a name and one that comes twice.
+void checkNames(const Section &section);
+
+/// The same, and for a number that is none or does not fit its column.
 void checkList(const ListTable &table, const Section &section);
 
 /// Brings the whole table, open for writing, in line with the section: adds what is new, writes what changed, deletes
