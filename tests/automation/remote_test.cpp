@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr Patience shortPatience{200ms, 200ms};
+constexpr Patience shortPatience{200ms, 800ms};
 
 /// A host in this process, for clients in others.
 class OwnHost : public testing::Test {
@@ -92,10 +92,11 @@ TEST_F(OtherHost, AStoppedHostIsStuckAndItsLateAnswerIsDropped) {
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(failureOf([&] { root->call("Echo", {"late"}); }), failures::peerStuck);
-    EXPECT_GE(timer.elapsed(), 390);
-    timer.restart();
-    EXPECT_EQ(failureOf([&] { root->call("Echo", {"late too"}); }), failures::peerStuck);
-    EXPECT_LT(timer.elapsed(), 390) << "silence need not be waited for twice";
+    EXPECT_GE(timer.elapsed(), 990);
+    const auto callAgain = [&] {
+        EXPECT_EQ(failureOf([&] { root->call("Echo", {"late too"}); }), failures::peerStuck);
+    };
+    EXPECT_LT(leastTime(callAgain), 990) << "silence need not be waited for twice";
     peer->signal(SIGCONT);
     EXPECT_EQ(root->call("Echo", {"in time"}), Value("in time"));
     EXPECT_EQ(toldGone, 0);
@@ -106,7 +107,7 @@ TEST_F(OtherHost, AStoppedHostIsStuckAndItsLateAnswerIsDropped) {
 
 TEST_F(OtherHost, ABusyHostIsStuckOnlyBeyondTheWholePatience) {
     connect();
-    root->call("Block", {250});
+    root->call("Block", {500});
     EXPECT_EQ(failureOf([&] { root->call("Block", {1500}); }), failures::peerStuck);
 }
 
@@ -205,17 +206,15 @@ TEST_F(OwnHost, AStuckClientHoldsTheHostUpOnceAndComesBack) {
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(root->call("Save", {}), Value(true));
-    EXPECT_GE(timer.elapsed(), 390);
-    timer.restart();
-    EXPECT_EQ(root->call("Save", {}), Value(true));
-    EXPECT_LT(timer.elapsed(), 190) << "left out while it is stuck";
+    EXPECT_GE(timer.elapsed(), 990);
+    EXPECT_LT(leastTime([&] { EXPECT_EQ(root->call("Save", {}), Value(true)); }), 900) << "left out while it is stuck";
     stuck.signal(SIGCONT);
     EXPECT_TRUE(eventually([&] { return root->call("Save", {}) == Value(false); })) << "it cancels again";
     EXPECT_TRUE(gone.isEmpty());
 }
 
 TEST_F(OwnHost, AClientInItsEventLoopIsNotStuck) {
-    Peer slow(client("cancel", 1500), "running");
+    Peer slow(client("cancel", 2500), "running");
     EXPECT_EQ(root->call("Save", {}), Value(false)) << "its answer came, after several times the patience";
 }
 

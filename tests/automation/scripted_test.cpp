@@ -75,7 +75,7 @@ class Scripted : public testing::Test {
     }
     void scriptWithPings(ScriptedHost::Script script) {
         host.emplace(folder.socket(), std::move(script));
-        client = Client::connect(folder.socket(), {}, {200ms, 200ms});
+        client = Client::connect(folder.socket(), {}, {200ms, 800ms});
         changed = client->root()->connect("Changed", [this](ValueList &arguments) {
             events << arguments;
             arguments[0] = 2;
