@@ -67,19 +67,19 @@ int sqlCompare(void *order, int leftBytes, const void *left, int rightBytes, con
                                                           WideText(right, rightBytes).view());
 }
 
+} // namespace
+
+QString machinePath(const QString &path) {
+    QString result = path;
+    return result.replace(u'\\', u'/');
+}
+
 bool hasDatabaseHeader(const QString &path) {
     constexpr qsizetype shortest = 512;
     QFile file(path);
     // One that can't be read shows that when it is opened.
     return !file.open(QFile::ReadOnly) ||
            (file.size() >= shortest && file.read(16) == QByteArray("SQLite format 3", 16));
-}
-
-} // namespace
-
-QString machinePath(const QString &path) {
-    QString result = path;
-    return result.replace(u'\\', u'/');
 }
 
 JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)

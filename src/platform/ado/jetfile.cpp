@@ -270,20 +270,19 @@ void moveJetFile(const QString &from, const QString &to) {
         if (!QFile::rename(machinePath(from), machinePath(to)))
             throw Failure(failures::permissionDenied);
     };
-    std::unique_ptr<JetDatabase> database;
-    if (Attempt([&] { database = std::make_unique<JetDatabase>(from, JetDatabase::Mode::Write, 0); }))
+    if (!hasDatabaseHeader(machinePath(from)))
         return rename(); // No database of ours: nobody has it open as one.
-    if (database->isReadOnly())
-        throw Failure(failures::permissionDenied);
+    std::unique_ptr<JetDatabase> database;
     // What was committed stands partly in a second file beside the database, which is named after it. Leaving that mode
     // takes it in, and works only while nobody else has the database open; the lock keeps others out until it is moved.
-    try {
+    const auto failure = Attempt([&] {
+        database = std::make_unique<JetDatabase>(from, JetDatabase::Mode::Write, 0);
         database->run("PRAGMA locking_mode=EXCLUSIVE");
         database->run("PRAGMA journal_mode=DELETE");
         database->run("BEGIN EXCLUSIVE");
-    } catch (const Failure &) {
+    });
+    if (failure || database->isReadOnly())
         throw Failure(failures::permissionDenied);
-    }
     rename();
 }
 

@@ -145,6 +145,14 @@ TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
     EXPECT_EQ(failureOf([&] { ado::moveJetFile(m_engine.file(), moved); }), failures::permissionDenied);
     addRow(open, "b");
     EXPECT_EQ(rows(), 2) << "the user of the file goes on";
+    ado::Command alone;
+    alone.SetActiveConnection(open);
+    for (const char *statement : {"PRAGMA journal_mode=DELETE", "BEGIN EXCLUSIVE"}) {
+        alone.SetCommandText(statement);
+        alone.Execute();
+    }
+    EXPECT_EQ(failureOf([&] { ado::moveJetFile(m_engine.file(), moved); }), failures::permissionDenied)
+        << "not even to be read";
 
     open->Close();
     ado::moveJetFile(m_engine.file(), moved);
