@@ -6,6 +6,7 @@
 #include "core/trace.h"
 #include "database/chooseconnection.h"
 #include "database/creation.h"
+#include "database/upgrade.h"
 
 ProcessLocal<Ref<ReportTarget>> reportTarget;
 ProcessLocal<Ref<ado::Connection>> adoConnection;
@@ -79,7 +80,7 @@ QString fncGetConnection() try {
         if (strDBPath->isEmpty())
             strDBPath = fncProgramFolder();
         strDBPath = fncNoTrailingSlash(*strDBPath);
-        const QString strAccessPath = strDBPath->trimmed() + "\\" + *strDBFileName;
+        const QString strAccessPath = fncDatabaseFile(strDBPath->trimmed() + "\\");
         subTrace("strAccessPath = " + strAccessPath);
         if (fsoFileSystem->FileExists(strAccessPath))
             return useFile(strAccessPath);

@@ -4,10 +4,12 @@
 #include "core/runtime.h"
 #include "platform/ado/jetfile.h"
 
-void subFindDatabaseFile() {
-    constexpr char strName[] = "Orvelle.mdb";
-    constexpr char strOlderName[] = "Corvane.mdb";
+namespace {
+constexpr char strName[] = "Orvelle.mdb";
+constexpr char strOlderName[] = "Corvane.mdb";
+} // namespace
 
+void subFindDatabaseFile() {
     subSetupFS();
     const QString strFolder = fncNoTrailingSlash(fncProgramFolder()) + "\\";
     strDBFileName = QString(strName);
@@ -16,4 +18,11 @@ void subFindDatabaseFile() {
     // Another program that has the file open keeps its name.
     if (Attempt([&] { ado::moveJetFile(strFolder + strOlderName, strFolder + strName); }))
         strDBFileName = QString(strOlderName);
+}
+
+QString fncDatabaseFile(const QString &strFolder) {
+    if (*strDBFileName == strOlderName && !fsoFileSystem->FileExists(strFolder + strOlderName) &&
+        fsoFileSystem->FileExists(strFolder + strName))
+        strDBFileName = QString(strName);
+    return strFolder + *strDBFileName;
 }

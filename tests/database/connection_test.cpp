@@ -176,8 +176,12 @@ TEST_F(OlderFile, IsUsedUnderItsNameWhileAnotherProgramHasIt) {
 
     subCloseConnection();
     other->Close();
-    start(false);
-    EXPECT_EQ(*strDBFileName, "Orvelle.mdb") << "the next start tries again";
+    support::inAnotherCopy([folder = fncProgramFolder()] {
+        strProgramFolderOverride = folder;
+        start(false);
+        EXPECT_EQ(*strDBFileName, "Orvelle.mdb") << "the next start tries again";
+    });
+    EXPECT_EQ(fncGetConnection(), fileConnection()) << "and who runs goes along";
 }
 
 } // namespace

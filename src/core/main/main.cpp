@@ -112,6 +112,6 @@ bool fncIsFirstRun() {
     subTrace("Checking if DB files exist");
     strDBPath = fncNoTrailingSlash(fncProgramFolder()) + "\\";
     subSetupFS();
-    return !fsoFileSystem->FileExists(strDBPath.get() + strDBFileName.get()) &&
+    return !fsoFileSystem->FileExists(fncDatabaseFile(strDBPath)) &&
            !fsoFileSystem->FileExists(strDBPath.get() + "DBConnection.txt");
 }
