@@ -56,6 +56,44 @@ void subReleaseClaim(const host::Item &oui) {
     });
 }
 
+/// Several clients may watch one folder: each took it when all found it empty. A reply has no claim, since its field
+/// goes under the ticket as it came; so the one who saves this mark files it. The scan does not look at the mark, so
+/// that the reply of a client that died here is filed by the next one that starts.
+namespace filing {
+constexpr char strProperty[] = "Orvelle files this reply";
+constexpr qint32 hostText = 1;
+
+void subMark(const host::Item &oui, const QString &strMark) {
+    oui.UserProperties().Add(strProperty, hostText).setValue(strMark);
+    oui.Save();
+}
+
+bool fncIsElsewhere(const Failure &failure) {
+    return failure.number() == failures::itemChanged || failure.number() == failures::itemGone;
+}
+
+/// False for a reply that another client files or has filed. One that can't be marked is filed all the same.
+bool fncBegin(const host::Item &oui) {
+    bool blnFree = true;
+    const auto failure = Attempt([&] {
+        const host::UserProperty oup = oui.UserProperties().Find(strProperty);
+        blnFree = oup.isNothing() || toText(oup.value()).isEmpty();
+        if (blnFree)
+            subMark(oui, strWorkingMark);
+    });
+    return blnFree && !(failure && fncIsElsewhere(*failure));
+}
+
+/// The mark goes last: a reply that somebody takes back into the folder is a new one there.
+void subEnd(const host::Item &oui, const host::MAPIFolder &oufReceived) {
+    const auto failure = Attempt([&] { oui.Move(oufReceived); });
+    // Somebody has put it elsewhere in the meantime.
+    if (failure && !fncIsElsewhere(*failure))
+        throw Failure(*failure);
+    Attempt([&] { subMark(oui, ""); });
+}
+} // namespace filing
+
 /// From the claimed message to its place in "Converted".
 void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &oufMonitored) {
     // Also a failure report, which ends the process, frees the claim: the message is tried again at the next scan.
@@ -127,10 +165,10 @@ void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitore
         return;
     }
     const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
-    if (oufReceived.isNothing())
+    if (oufReceived.isNothing() || !filing::fncBegin(oui))
         return;
     subAddEmailWorkItem(strTicketID, fncGetSenderName(oui));
-    oui.Move(oufReceived);
+    filing::subEnd(oui, oufReceived);
 }
 
 void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) {

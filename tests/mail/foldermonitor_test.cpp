@@ -316,6 +316,49 @@ INSTANTIATE_TEST_SUITE_P(Roads, ReplyRoads,
                          testing::Values(ReplyRoad{true, "", "Working..."}, ReplyRoad{true, "Working...", nullptr},
                                          ReplyRoad{false, "", ""}, ReplyRoad{false, "Working...", "Working..."}));
 
+// Two clients that found the folder empty at the same moment both watch it, and each is told of a reply by its own
+// desk.
+TEST_F(FolderMonitor, AReplyThatTwoWatchersMeetIsFiledOnceWheneverTheSecondComes) {
+    setSetting("EmailSubFolders", "1");
+    const auto questions = countQuestions();
+    auto &first = start();
+    deliver({.subject = "a problem"});
+    auto &second = start();
+    const host::MAPIFolder elsewhere = mapi().Folders("Public Folders").Folders().Add("Elsewhere", 6);
+    const auto opened = [&](const QString &id) {
+        return host::Handle(support::Counting::of(mapi().GetItemFromID(id).object(), questions));
+    };
+    int replies = 0;
+    // The step of the first before which the second comes; it has opened the item before the first did, or just then.
+    for (const char *step : {"MailItem.Save()", "PostItem.Close()", "MailItem.Move()", ""}) {
+        for (const bool isOpenedEarly : {true, false}) {
+            SCOPED_TRACE(std::string(step) + (isOpenedEarly ? " early" : " late"));
+            const QString id = put(elsewhere, "IPM.Note", "Re: {1}").EntryID();
+            host::Item seen = isOpenedEarly ? opened(id) : host::Handle();
+            const auto comesIn = [&] {
+                questions->before = nullptr;
+                if (!isOpenedEarly)
+                    seen = opened(id);
+                if (seen.Parent() == elsewhere)
+                    second.in([&] { subHandleNewItem(seen, elsewhere); });
+            };
+            questions->before = [&](const QString &question) {
+                if (question == step)
+                    comesIn();
+            };
+            first.in([&] { subHandleNewItem(opened(id), elsewhere); });
+            if (questions->before)
+                comesIn();
+            ++replies;
+            const host::Item filed = mapi().GetItemFromID(id);
+            EXPECT_EQ(filed.Parent().Name(), "Received");
+            EXPECT_EQ(filed.BillingInformation(), "");
+            EXPECT_EQ(rows("SELECT * FROM tblWork", {"intTicketID"}).size(), replies);
+        }
+    }
+    EXPECT_TRUE(first.run.alive() && second.run.alive());
+}
+
 // ---- the ends of the road
 
 // Each question is a round trip to another process, so their number is what a mail costs beside its commits.
