@@ -13,6 +13,13 @@ const QString &separator() {
 
 /// The columns of a list box's row.
 enum ListColumn { descriptionColumn, dateColumn, minutesColumn, userColumn };
+
+/// The number, or the first behind it that is no row's yet: each road into a log counts in its own way.
+QString freeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc, qint32 number) {
+    while (dicWorkDesc.Exists(QString::number(number)))
+        ++number;
+    return QString::number(number);
+}
 } // namespace
 
 QString cWorkDescription::ToString() const {
@@ -62,7 +69,7 @@ void cWorkDescs::ReadFromListBox(const Control &ListBox) {
     for (int row = 0; row < ListBox.ListCount(); ++row) {
         const auto objWork = Ref<cWorkDescription>::make();
         objWork->FromRow(ListBox, row);
-        dicWorkDesc->Add(QString::number(row), objWork);
+        dicWorkDesc->Add(freeKey(*dicWorkDesc, row), objWork);
     }
 }
 

@@ -152,6 +152,9 @@ TEST_F(WorkLogTest, GoesThroughAListBox) {
     log.ReadFromListBox(box);
     ASSERT_EQ(log.dicWorkDesc->Keys(), (QStringList{"0", "1"}));
     EXPECT_TRUE(same(*log.dicWorkDesc->Item("1"), *row("Tested", DateTime{46000.5}, 20, "Ann")));
+    log.FromString("there\t\t1\tBob\r\n====\r\n");
+    log.ReadFromListBox(box);
+    EXPECT_EQ(log.MinutesTotal(), 21) << "the rows of the box join those already there";
 }
 
 using WorkTableTest = DatabaseTest;
