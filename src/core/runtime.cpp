@@ -55,6 +55,12 @@ QString fncCompanion(const QString &strFile, const QString &strPath) {
     return fncNoTrailingSlash(fncProgramFolder()) + strName;
 }
 
+QCollator fncRegionalOrder() {
+    QCollator collator(Region::locale());
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    return collator;
+}
+
 } // namespace
 
 void subSetupFS() try {
@@ -93,9 +99,27 @@ Ref<scripting::Shell> fncGetShell() {
 }
 
 qint32 fncCompareText(const QString &strLeft, const QString &strRight) {
-    QCollator collator(Region::locale());
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    return collator.compare(strLeft.toCaseFolded(), strRight.toCaseFolded());
+    return fncRegionalOrder().compare(strLeft.toCaseFolded(), strRight.toCaseFolded());
+}
+
+QList<qsizetype> fncSortedPlaces(const QStringList &strTexts) {
+    const QCollator collator = fncRegionalOrder();
+    std::vector<QCollatorSortKey> keys;
+    QList<qsizetype> places;
+    for (const QString &strText : strTexts) {
+        places.append(places.size());
+        keys.push_back(collator.sortKey(strText.toCaseFolded()));
+    }
+    const auto fncKey = [&](qsizetype i) { return keys[static_cast<std::size_t>(places.at(i))]; };
+    // Rows jump over others when they are swapped, so equal texts don't keep their order: it is the order that people
+    // have in their lists.
+    for (qsizetype i = 0; i + 1 < places.size(); ++i) {
+        for (qsizetype j = i; j < places.size(); ++j) {
+            if (fncKey(i).compare(fncKey(j)) > 0)
+                places.swapItemsAt(i, j);
+        }
+    }
+    return places;
 }
 
 void subExecute(const QString &strFile, const QString &strArguments, const QString &strPath) try {

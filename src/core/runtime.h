@@ -46,31 +46,22 @@ QString fncSortText(const QString &strKey, const T &item) {
 /// The order of two texts by the region, without regard to case: below, at or above 0.
 qint32 fncCompareText(const QString &strLeft, const QString &strRight);
 
+/// The places of texts in that order.
+QList<qsizetype> fncSortedPlaces(const QStringList &strTexts);
+
 /// A new dictionary with the entries of `dic` in order, texts compared without regard to case.
 /// \param intColumn  0 by the keys, 1 by the items.
 template <class T>
 Ref<scripting::Dictionary<T>> fncSortDictionary(const Ref<scripting::Dictionary<T>> &dic, qint16 intColumn,
                                                 bool /*blnDates*/) {
     auto dicSorted = fncCreateDic<T>();
-    struct Row {
-        QString strText;
-        qsizetype lngPlace;
-    };
-    QList<Row> rows;
+    QStringList strTexts;
     for (qsizetype i = 0; i < dic->Keys().size(); ++i) {
         const QString &strKey = dic->Keys().at(i);
-        rows.append({intColumn == 0 ? strKey : fncSortText(strKey, dic->Items().at(i)), i});
+        strTexts.append(intColumn == 0 ? strKey : fncSortText(strKey, dic->Items().at(i)));
     }
-    // Rows jump over others when they are swapped, so equal texts don't keep their order: it is the order that people
-    // have in their lists.
-    for (qsizetype i = 0; i + 1 < rows.size(); ++i) {
-        for (qsizetype j = i; j < rows.size(); ++j) {
-            if (fncCompareText(rows.at(i).strText, rows.at(j).strText) > 0)
-                rows.swapItemsAt(i, j);
-        }
-    }
-    for (const Row &row : rows)
-        dicSorted->Add(dic->Keys().at(row.lngPlace), dic->Items().at(row.lngPlace));
+    for (const qsizetype lngPlace : fncSortedPlaces(strTexts))
+        dicSorted->Add(dic->Keys().at(lngPlace), dic->Items().at(lngPlace));
     return dicSorted;
 }
 
