@@ -63,14 +63,12 @@ qint32 fncAssistantOKCancel(const host::Application &oua, const QString &strMess
 
 void subAssistantWorking(const host::Application &oua) {
     constexpr qint32 intAnimationWorking = 25;
+    subTrace("Showing that the Assistant is working");
     // It comes with every mail, so a host that has no assistant is asked for it once.
     if (blnNoAssistant)
         return;
     subActivateHost(oua);
-    const auto failure = Attempt([&] {
-        subTrace("Showing that the Assistant is working");
-        fncAssistant(oua).put("Animation", intAnimationWorking);
-    });
+    const auto failure = Attempt([&] { fncAssistant(oua).put("Animation", intAnimationWorking); });
     if (failure && failure->number() == failures::memberMissing)
         blnNoAssistant = true;
 }

@@ -43,7 +43,11 @@ TEST_F(Dialogs, AMessageBoxTakesItsPlace) {
     subAssistantMessage(oua, "told");
     EXPECT_EQ(fncAssistantYesNo(oua, "Open?", 4), 6);
     EXPECT_EQ(fncAssistantOKCancel(oua, "Sure?"), 2);
-    subAssistantWorking(oua);
+    for (int mail = 0; mail < 2; ++mail) {
+        subTrace("another step");
+        subAssistantWorking(oua);
+        EXPECT_EQ(fncLastStep(), "Showing that the Assistant is working") << mail;
+    }
     const std::vector<std::pair<Buttons, Icon>> expected = {
         {Buttons::OK, Icon::Information}, {Buttons::YesNo, Icon::None}, {Buttons::OKCancel, Icon::Question}};
     for (qsizetype i = 0; i < answers.asked().size(); ++i) {
