@@ -30,7 +30,12 @@ QString nameOf(Answer answer) {
 
 void tell(const QString &title, QString text, const QString &answer) {
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    const QString lines = QStringLiteral("[%1] %2\n[%1] answered: %3\n").arg(title, text, answer);
+    QString lines = QStringLiteral("[%1] %2\n[%1] answered: %3\n").arg(title, text, answer);
+    // A question may quote a mail, which must not be able to steer the terminal.
+    for (QChar &character : lines) {
+        if (character.category() == QChar::Other_Control && character != u'\n' && character != u'\t')
+            character = u'?';
+    }
     std::fputs(qUtf8Printable(lines), stderr);
     std::fflush(stderr);
 }

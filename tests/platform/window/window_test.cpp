@@ -63,10 +63,11 @@ TEST_F(NobodyThere, EachQuestionGetsItsCautiousAnswerAndIsTold) {
     };
     for (const Case &c : cases) {
         window::Answer answer{};
-        const QString told =
-            toldBy([&] { answer = window::msgBox("Open\r\nit now?", c.buttons, Icon::Question, "Title", c.given); });
+        const QString told = toldBy([&] {
+            answer = window::msgBox("Open\r\nit\x1b[2J\t\u009bnow?", c.buttons, Icon::Question, "Title", c.given);
+        });
         EXPECT_EQ(answer, c.answer) << c.name;
-        EXPECT_EQ(told, QString("[Title] Open\nit now?\n[Title] answered: %1\n").arg(c.name));
+        EXPECT_EQ(told, QString("[Title] Open\nit?[2J\t?now?\n[Title] answered: %1\n").arg(c.name));
     }
 }
 
