@@ -106,7 +106,8 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
         // Where not even the engine's own files can be written, nobody else writes either.
         if (!tryOpen(timeout, access) && !(m_readOnly && tryOpen(timeout, "mode=ro&immutable=1")))
             fail(m_database.lastError().nativeErrorCode().toInt(), m_database.lastError().databaseText());
-        if (!m_readOnly)
+        // A file that was not made here is opened as it is: whatever it lacks, it is found unchanged afterwards.
+        if (mode == Mode::Create || (m_madeHere && !m_readOnly))
             run("PRAGMA journal_mode=WAL");
         run("PRAGMA synchronous=FULL");
     } catch (const Failure &) {
@@ -132,8 +133,10 @@ bool JetDatabase::tryOpen(const QString &options, const QString &parameters) {
     addFunctions(handle());
     // Opening reads nothing; this is where a file that is no database shows.
     QSqlQuery look = query();
-    if (look.exec("SELECT count(*) FROM sqlite_master"))
+    if (look.exec("SELECT count(*) FROM sqlite_master WHERE name = 'jet_properties'") && look.next()) {
+        m_madeHere = look.value(0).toInt() != 0;
         return true;
+    }
     const int code = look.lastError().nativeErrorCode().toInt() & 0xff;
     if (code == SQLITE_CANTOPEN && m_readOnly)
         return false;

@@ -48,6 +48,8 @@ class JetDatabase {
     QString m_name;
     int m_busySeconds;
     bool m_readOnly = false;
+    /// By `platform/dao`.
+    bool m_madeHere = false;
     std::unique_ptr<TextOrder> m_order;
     QSqlDatabase m_database;
 };

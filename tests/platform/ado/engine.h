@@ -42,7 +42,8 @@ inline void plainTool(const QString &file, const QStringList &statements) {
 class FileEngine : public Engine {
   public:
     FileEngine() {
-        plainTool(file(), {"CREATE TABLE tblAll (intID INTEGER PRIMARY KEY AUTOINCREMENT CHECK (intID < 2147483648), "
+        plainTool(file(), {"CREATE TABLE jet_properties (name TEXT)",
+                           "CREATE TABLE tblAll (intID INTEGER PRIMARY KEY AUTOINCREMENT CHECK (intID < 2147483648), "
                            "strText VARCHAR(255), strMemo LONGTEXT CHECK (strMemo <> ''), intShort SMALLINT, "
                            "intLong INTEGER, curMoney CURRENCY, dteDate DATETIME, blnFlag BOOLEAN)"});
     }
