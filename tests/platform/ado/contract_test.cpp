@@ -50,6 +50,10 @@ TEST_P(Contract, HoldsValuesToTheTypesOfTheirColumns) {
         {"strText", odd, odd, 0},
         // Nothing that a mail brings is cut or refused for its length.
         {"strText", longText, longText, 0},
+        // What UTF-8 can't hold is replaced when it is set, not bent when it is read.
+        {"strText", QChar(0xFEFF) + QString("a") + QChar(0xD83D) + "b" + QChar(0xFFFF), "\u2060a\uFFFDb\uFFFD", 0},
+        {"strMemo", QString(QChar(0xFEFF)), "\u2060", 0},
+        {"strMemo", QString(QChar(0xFFFE)) + QChar(0xDE00) + QChar(0xD83D), "\uFFFD\uFFFD\uFFFD", 0},
         {"strText", qint32{7}, "7", 0},
         {"strText", "007", "007", 0},
         {"strText", Value::Null{}, Value::Null{}, 0},
