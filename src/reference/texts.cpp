@@ -13,6 +13,11 @@ QString fncTrim(const QString &strText) {
     return strText.mid(first, last - first);
 }
 
+QString fncCut(const QString &strText, qsizetype lngCount) {
+    const bool blnHalf = lngCount < strText.size() && strText[lngCount].isLowSurrogate();
+    return strText.left(blnHalf ? lngCount - 1 : lngCount);
+}
+
 QStringList fncSplitLines(const QString &strText) {
     return strText.isEmpty() ? QStringList() : strText.split(strLineEnd);
 }

@@ -34,7 +34,7 @@ class Row {
 };
 
 void writeCaller(const Row &row, const cCaller &objCaller) {
-    row.set("strCustomerCategory", objCaller.Category.left(longestCategory));
+    row.set("strCustomerCategory", fncCut(objCaller.Category, longestCategory));
     row.set("strCustomerComment", objCaller.Comment);
     row.set("strCustomerEmail", objCaller.Email);
     row.set("strCustomerName", objCaller.FullName);
