@@ -7,6 +7,7 @@
 #include "database/chooseconnection.h"
 #include "database/creation.h"
 #include "database/upgrade.h"
+#include "platform/ado/connectionstring.h"
 
 ProcessLocal<Ref<ReportTarget>> reportTarget;
 ProcessLocal<Ref<ado::Connection>> adoConnection;
@@ -31,7 +32,7 @@ ReportTarget &target() {
 QString useFile(const QString &strAccessPath) {
     target().ReportTo = jetFile;
     target().ReportToValue = strAccessPath;
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + strAccessPath;
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ado::quotedConnectionValue(strAccessPath);
 }
 
 QString useServer(const QString &strConnection) {

@@ -52,6 +52,7 @@ TEST_F(FindDatabase, TheDataFolderLosesItsLastSeparator) {
     const QString folder = fncProgramFolder();
     start(false);
     put("Orvelle.mdb", "x");
+    QDir(m_folder.path()).mkdir("one;two\"3");
     for (const char *ending : {"", "\\", "/"}) {
         strDBPath = folder + ending;
         EXPECT_EQ(fncGetConnection(), fileConnection());
@@ -59,6 +60,11 @@ TEST_F(FindDatabase, TheDataFolderLosesItsLastSeparator) {
     }
     strDBPath = QString();
     EXPECT_EQ(fncGetConnection(), fileConnection()) << "the program folder is the data folder";
+
+    ASSERT_TRUE(fncCreateAccessDB(folder + "\\one;two\"3\\Orvelle.mdb"));
+    strDBPath = folder + "\\one;two\"3";
+    subSetupConnection();
+    EXPECT_TRUE(adoConnection.get()) << "signs of the connection string";
 }
 
 TEST_F(FindDatabase, AServersTextThatCannotBeReadIsReportedAndStays) {
