@@ -150,23 +150,32 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
 }
 
 void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender) try {
+    constexpr int mostTries = 20;
     subTrace("Adding work description about new email received");
     const auto objWork = Ref<cWorkDescription>::make();
     objWork->WorkDate = Clock::now();
     objWork->User = strSender;
     objWork->Description = LNGEMAIL;
     objWork->Minutes = 0;
-    cTicket objTicket;
-    objTicket.TicketID = strTicketID;
-    host::Item ouiPost = objTicket.GetPostItem();
-    if (ouiPost.isNothing() || !objTicket.ReadFromOutlook(ouiPost))
+    for (int intTry = 1;; ++intTry) {
+        cTicket objTicket;
+        objTicket.TicketID = strTicketID;
+        host::Item ouiPost = objTicket.GetPostItem();
+        if (ouiPost.isNothing() || !objTicket.ReadFromOutlook(ouiPost))
+            return;
+        const auto dicWork = objTicket.WorkDescs->dicWorkDesc;
+        dicWork->Add(QString::number(dicWork->Count() + 1), objWork);
+        // The item goes first. Another client may add a row of its own meanwhile, and only the item's save tells: then
+        // the log is read anew. A table that has the row already would no longer fit it.
+        if (intTry == mostTries)
+            objTicket.SaveToOutlook(false, false, ouiPost);
+        else if (!objTicket.SaveToOutlookIfUnchanged(ouiPost))
+            continue;
+        objTicket.SaveToDB();
+        // Shows the ticket as changed in the folder.
+        ouiPost.UnRead(true);
         return;
-    const auto dicWork = objTicket.WorkDescs->dicWorkDesc;
-    dicWork->Add(QString::number(dicWork->Count() + 1), objWork);
-    objTicket.SaveToDB();
-    objTicket.SaveToOutlook(false, false, ouiPost);
-    // Shows the ticket as changed in the folder.
-    ouiPost.UnRead(true);
+    }
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subAddEmailWorkItem");
 }

@@ -56,6 +56,9 @@ class cTicket {
     /// stays Nothing then. With `blnDisplay` the item is saved and shown, otherwise closed with saving. A given item
     /// comes out unread.
     void SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTicket) const;
+    /// The same for a given item that is not shown. Returns false, with nothing saved, where somebody else has saved or
+    /// taken the item away since it was opened.
+    [[nodiscard]] bool SaveToOutlookIfUnchanged(const host::Item &ouiTicket) const;
     /// Fills the record from the row that the recordset stands on. A Null where none may be ends the reading: what was
     /// read stays.
     void ReadFromDB(const Ref<ado::Recordset> &adrRecord);

@@ -65,6 +65,14 @@ void writeBody(const host::Item &ouiTicket, const QString &strHTML) {
     ouiTicket.HTMLBody(strHTML);
 }
 
+void writeItem(const host::Item &item, const cTicket &objTicket) {
+    writeProperties(item, objTicket);
+    item.Subject(objTicket.Subject);
+    item.Importance(objTicket.TicketPriority);
+    const QString &strHTML = objTicket.HTMLDescription;
+    writeBody(item, strHTML.isEmpty() ? objSettings->NewTicketHTML(objTicket.Description) : strHTML);
+}
+
 bool randomUnRead() { return roundHalfEven(Random::next() * 100) > 50; }
 } // namespace
 
@@ -79,10 +87,7 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
             return;
         }
     }
-    writeProperties(item, *this);
-    item.Subject(Subject);
-    item.Importance(TicketPriority);
-    writeBody(item, HTMLDescription.isEmpty() ? objSettings->NewTicketHTML(Description) : HTMLDescription);
+    writeItem(item, *this);
     if (given)
         item.UnRead(true);
     else if (RandomRead)
@@ -95,6 +100,18 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
     }
 } catch (const Failure &failure) {
     subErrorHandler(failure, "SaveToOutlook");
+}
+
+bool cTicket::SaveToOutlookIfUnchanged(const host::Item &ouiTicket) const try {
+    subTrace("Saving values to Outlook object. Subject  = " + Subject);
+    writeItem(ouiTicket, *this);
+    ouiTicket.UnRead(true);
+    ouiTicket.Close(closeSaving);
+    return true;
+} catch (const Failure &failure) {
+    if (failure.number() != failures::itemChanged && failure.number() != failures::itemGone)
+        subErrorHandler(failure, "SaveToOutlook");
+    return false;
 }
 
 host::Item cTicket::GetPostItem() const {

@@ -7,6 +7,8 @@
 #include "database/connection.h"
 #include "reference/texts.h"
 
+#include <QScopeGuard>
+
 namespace {
 /// One less than the column holds.
 constexpr int longestDescription = 254;
@@ -41,9 +43,16 @@ void cWorkDescs::WriteToDB(const QString &strTicketID) const try {
     if (rows.isEmpty())
         return;
     const qint32 ticket = toInt32(strTicketID);
+    if (openWork(ticket)->RecordCount() >= rows.size())
+        return;
+    // Counted once more with the table to itself: of two clients that count at once each would append the same rows.
+    adoConnection->BeginTrans();
+    auto undo = qScopeGuard([] { Attempt([] { adoConnection->RollbackTrans(); }); });
     const Ref<ado::Recordset> adrWork = openWork(ticket);
     for (qsizetype row = adrWork->RecordCount(); row < rows.size(); ++row)
         appendRow(*adrWork, *rows[row], ticket);
+    adoConnection->CommitTrans();
+    undo.dismiss();
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cWorkDescs_WriteToDB");
 }

@@ -4,6 +4,7 @@
 
 #include "core/process.h"
 #include "database/connection.h"
+#include "mail/createticket.h"
 #include "mail/intake.h"
 #include "support/helpdesk.h"
 
@@ -357,6 +358,23 @@ TEST_F(FolderMonitor, AReplyThatTwoWatchersMeetIsFiledOnceWheneverTheSecondComes
         }
     }
     EXPECT_TRUE(first.run.alive() && second.run.alive());
+}
+
+TEST_F(FolderMonitor, TwoRepliesToOneTicketAtTheSameMomentBothStandInItsLog) {
+    const auto questions = countQuestions();
+    auto &first = start();
+    deliver({.subject = "a problem"});
+    auto &second = start();
+    questions->before = [&](const QString &question) {
+        if (question != "PostItem.Close()")
+            return;
+        questions->before = nullptr;
+        second.in([] { subAddEmailWorkItem("1", "Second"); });
+    };
+    first.in([] { subAddEmailWorkItem("1", "First"); });
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"strPersonName"}), (QStringList{"Second", "First"}));
+    const QString log = property(ticket(), "WorkDescriptions0");
+    EXPECT_TRUE(log.contains("First") && log.contains("Second")) << log.toStdString();
 }
 
 // ---- the ends of the road

@@ -18,18 +18,26 @@ struct Found {
     QList<QJsonObject> tickets;
 };
 
-/// The numbers in `tblTickets`, by the ticket's subject.
-std::map<QString, QStringList> rowsIn(const QString &file) {
-    std::map<QString, QStringList> rows;
+/// The first two columns of a query's rows, as texts.
+QList<QStringList> rowsOf(const QString &file, const QString &statement) {
+    QList<QStringList> rows;
     {
         QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "books");
         database.setDatabaseName(file);
         EXPECT_TRUE(database.open());
-        QSqlQuery query("SELECT strTicketSubject, strTicketID FROM tblTickets", database);
+        QSqlQuery query(statement, database);
         while (query.next())
-            rows[query.value(0).toString()] += query.value(1).toString();
+            rows += {query.value(0).toString(), query.value(1).toString()};
     }
     QSqlDatabase::removeDatabase("books");
+    return rows;
+}
+
+/// The numbers in `tblTickets`, by the ticket's subject.
+std::map<QString, QStringList> rowsIn(const QString &file) {
+    std::map<QString, QStringList> rows;
+    for (const QStringList &row : rowsOf(file, "SELECT strTicketSubject, strTicketID FROM tblTickets"))
+        rows[row[0]] += row[1];
     return rows;
 }
 
@@ -78,6 +86,11 @@ int Copies::flagCount() {
     for (const QJsonValue item : list(intake))
         flags += item["subject"].toString() == flagSubject ? 1 : 0;
     return flags;
+}
+
+int Copies::workRows(int ticket) const {
+    const QString statement = QStringLiteral("SELECT intTicketID, dteWorkedDate FROM tblWork WHERE intTicketID = %1");
+    return static_cast<int>(rowsOf(path("program/Orvelle.mdb"), statement.arg(ticket)).size());
 }
 
 void Copies::waitForAll() {

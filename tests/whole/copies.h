@@ -21,6 +21,8 @@ class Copies : public Helpdesk {
     void deliverMails(int more);
     [[nodiscard]] int convertedCount() { return count(intake + QStringLiteral("\\Converted")); }
     [[nodiscard]] int flagCount();
+    /// In the work log's table.
+    [[nodiscard]] int workRows(int ticket) const;
     /// Waits until every delivered mail lies in "Converted".
     void waitForAll();
     /// Ends every program, then every desk, in the orderly way. No program may have said anything.

@@ -23,6 +23,15 @@ class CopiesTest : public Copies {
         expectBooks();
     }
 
+    /// Nothing but the marks of the mail stands between the copies when the flag item of each is gone before the next
+    /// one starts.
+    void letAllWatch() {
+        for (const auto &person : people()) {
+            removeFlagItems(intake);
+            person->startOrvelle();
+            ASSERT_TRUE(waitFor([&] { return flagCount() == 1; }));
+        }
+    }
     void report(const char *what, int converted, const QElapsedTimer &timer) const {
         const double seconds = static_cast<double>(timer.elapsed()) / 1000;
         std::printf("%d copies, %s: %d mails in %.1f s, %.0f a second\n", copies, what, converted, seconds,
@@ -50,17 +59,34 @@ TEST_F(CopiesTest, StartedAtOnceTheyShareTheMailsThatLieThere) {
 }
 
 TEST_F(CopiesTest, WatchingTheSameFolderEachMailHasOneTaker) {
-    // Nothing but the claim stands between the copies when the flag item of each is gone before the next one starts.
-    for (const auto &person : people()) {
-        removeFlagItems(intake);
-        person->startOrvelle();
-        ASSERT_TRUE(waitFor([&] { return flagCount() == 1; }));
-    }
+    ASSERT_NO_FATAL_FAILURE(letAllWatch());
     QElapsedTimer timer;
     timer.start();
     deliverMails(all);
     waitForAll();
     report("all watching", mails(), timer);
+}
+
+TEST_F(CopiesTest, WatchingTheSameFolderTheyFileEachReplyOnce) {
+    constexpr int repliesToEach = 6;
+    const int tickets = 1 + all / 10;
+    settings({"set", "EmailSubFolders", "1"});
+    ASSERT_NO_FATAL_FAILURE(letAllWatch());
+    deliverMails(tickets);
+    waitForAll();
+    QStringList replies{"deliver", "--folder", intake};
+    for (int number = 0; number < tickets * repliesToEach; ++number) {
+        const int ticket = 1 + number / repliesToEach;
+        replies += write(QStringLiteral("reply%1.eml").arg(number),
+                         "Subject: Re: {" + QByteArray::number(ticket) + "}\r\n\r\nIt works again.\r\n");
+    }
+    command(replies);
+    ASSERT_TRUE(waitFor([&] { return count(intake) == flagCount(); }, 60000));
+    for (int ticket = 1; ticket <= tickets; ++ticket) {
+        // A copy of the mail is the first there.
+        EXPECT_EQ(count(ticketFolder + QStringLiteral("\\%1\\Received").arg(ticket)), 1 + repliesToEach);
+        EXPECT_EQ(workRows(ticket), repliesToEach);
+    }
 }
 
 TEST_F(Helpdesk, OfSeveralProgramsOnOneDeskOneStays) {
