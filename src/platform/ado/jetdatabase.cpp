@@ -5,7 +5,6 @@
 #include "platform/ado/jetsql.h"
 #include "platform/ado/jettext.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QSqlError>
@@ -74,14 +73,6 @@ QString machinePath(const QString &path) {
     return result.replace(u'\\', u'/');
 }
 
-bool hasDatabaseHeader(const QString &path) {
-    constexpr qsizetype shortest = 512;
-    QFile file(path);
-    // One that can't be read shows that when it is opened.
-    return !file.open(QFile::ReadOnly) ||
-           (file.size() >= shortest && file.read(16) == QByteArray("SQLite format 3", 16));
-}
-
 JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
     : m_path(machinePath(path)), m_name(QUuid::createUuid().toString()), m_busySeconds(busySeconds),
       m_order(std::make_unique<TextOrder>()) {
@@ -91,9 +82,11 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
             throw Failure(failures::unspecified, QString("Could not find the database file %1. Put it back, or restore "
                                                          "it from a backup.")
                                                      .arg(m_path));
-        // The engine would take a file that is shorter than any database for an empty one, and write over it.
-        if (!hasDatabaseHeader(m_path))
-            fail(SQLITE_NOTADB, "the file does not begin as one");
+        // The engine would take a file that is shorter than any database for an empty one, and write over it. The file
+        // is not looked into: closing it would let go of the locks that this process holds on it by another connection.
+        constexpr qint64 shortest = 512;
+        if (file.size() < shortest)
+            fail(SQLITE_NOTADB, "it is too short");
         // The read-only mark of a file holds for everybody, also for those whom the system would let write.
         constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
         m_readOnly = mode == Mode::ReadOnly || !(file.permissions() & anyWrite) || !file.isWritable();

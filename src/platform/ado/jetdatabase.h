@@ -11,9 +11,6 @@ namespace ado {
 
 class TextOrder;
 
-/// Whether the file begins as a database of this kind does; also true for one that can't be read. A machine's path.
-bool hasDatabaseHeader(const QString &path);
-
 /// Opens a file and closes it at the end. The failures of its queries come as `Failure`s that say what to do.
 class JetDatabase {
   public:

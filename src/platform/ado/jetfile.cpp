@@ -32,6 +32,12 @@ QVariant bound(const Value &value) {
     return std::visit(Visitor{}, value.held());
 }
 
+bool hasDatabaseHeader(const QString &path) {
+    QFile file(path);
+    // One that can't be read shows that when it is opened.
+    return !file.open(QFile::ReadOnly) || file.read(16) == QByteArray("SQLite format 3", 16);
+}
+
 class JetFile final : public Provider {
   public:
     JetFile(const QString &path, int busySeconds) : m_database(path, JetDatabase::Mode::Write, busySeconds) {}
@@ -270,8 +276,6 @@ void moveJetFile(const QString &from, const QString &to) {
         if (!QFile::rename(machinePath(from), machinePath(to)))
             throw Failure(failures::permissionDenied);
     };
-    if (!hasDatabaseHeader(machinePath(from)))
-        return rename(); // No database of ours: nobody has it open as one.
     std::unique_ptr<JetDatabase> database;
     // What was committed stands partly in a second file beside the database, which is named after it. Leaving that mode
     // takes it in, and works only while nobody else has the database open; the lock keeps others out until it is moved.
@@ -281,7 +285,8 @@ void moveJetFile(const QString &from, const QString &to) {
         database->run("PRAGMA journal_mode=DELETE");
         database->run("BEGIN EXCLUSIVE");
     });
-    if (failure || database->isReadOnly())
+    // What is no database of ours, nobody has open as one.
+    if (failure ? hasDatabaseHeader(machinePath(from)) : database->isReadOnly())
         throw Failure(failures::permissionDenied);
     rename();
 }

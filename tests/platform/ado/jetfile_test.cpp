@@ -2,6 +2,7 @@
 
 #include "platform/ado/engine.h"
 #include "platform/ado/jetfile.h"
+#include "support/child.h"
 #include "support/files.h"
 
 #include <thread>
@@ -143,6 +144,21 @@ TEST_F(JetFileTest, AValueAgainstItsTypeIsShownAndFailsWhereItIsUsed) {
     EXPECT_EQ(set->Fields("strText").Value(), Value("5"));
     set->Fields("strText").SetValue("6");
     EXPECT_EQ(failureOf([&] { set->Update(); }), 0);
+}
+
+TEST_F(JetFileTest, OpeningItAgainKeepsOtherProgramsOut) {
+    int go[2];
+    ASSERT_EQ(::pipe(go), 0);
+    Child other([&](int) {
+        char byte = 0;
+        static_cast<void>(::read(go[0], &byte, 1));
+        return failureOf([&] { ado::moveJetFile(m_engine.file(), m_engine.file() + ".moved"); });
+    });
+    const Ref<ado::Connection> first = m_engine.connect();
+    addRow(first, "a");
+    const Ref<ado::Connection> second = m_engine.connect();
+    report(go[1], 'g');
+    EXPECT_EQ(other.wait(), failures::permissionDenied);
 }
 
 TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
