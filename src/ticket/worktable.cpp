@@ -23,7 +23,7 @@ void appendRow(ado::Recordset &adrWork, const cWorkDescription &objWork, qint32 
     adrWork.Fields("strPersonName").SetValue(objWork.User);
     adrWork.Fields("intMinutesWorked").SetValue(objWork.Minutes);
     adrWork.Fields("dteWorkedDate").SetValue(objWork.WorkDate);
-    adrWork.Fields("strWorkDescription").SetValue(fncTrim(objWork.Description.left(longestDescription)));
+    adrWork.Fields("strWorkDescription").SetValue(fncTrim(fncCut(objWork.Description, longestDescription)));
     adrWork.Fields("intTicketID").SetValue(lngTicketID);
     adrWork.Update();
 }

@@ -175,6 +175,7 @@ TEST_F(WorkTableTest, AppendsWhatTheTableDoesNotHave) {
         {"equal rows", {"a"}, {"a", "a"}, {"a", "a"}},
         {"trimmed of blanks", {}, {"  x  ", "\ty"}, {"x", "\ty"}},
         {"cut", {}, {QString(300, 'x')}, {QString(254, 'x')}},
+        {"cut in the middle of a sign", {}, {QString(253, 'x') + "🎫"}, {QString(253, 'x')}},
         {"cut, then trimmed", {}, {QString(250, 'x') + "      y"}, {QString(250, 'x')}},
     };
     for (const AppendCase &one : cases) {
