@@ -187,14 +187,15 @@ TEST_F(TicketRowTest, ARowThatSomebodyHoldsIsLeftAndToldOf) {
 
 // A row without its number in it would not be found again, and the next save would add another.
 TEST_F(TicketRowTest, ANewRowThatCannotTakeItsNumberIsNotAdded) {
-    OtherProgram(path("1/Orvelle.mdb"),
-                 "CREATE TRIGGER refuse BEFORE UPDATE ON tblTickets BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    static_cast<void>(
+        OtherProgram(path("1/Orvelle.mdb"),
+                     "CREATE TRIGGER refuse BEFORE UPDATE ON tblTickets BEGIN SELECT RAISE(ABORT, 'refused'); END"));
     cTicket ticket = fullTicket();
     expectReport("SaveToDB");
     EXPECT_TRUE(endsProcess([&] { ticket.SaveToDB(); }));
     EXPECT_EQ(ticket.TicketID, "");
     subCloseConnection();
-    OtherProgram(path("1/Orvelle.mdb"), "DROP TRIGGER refuse");
+    static_cast<void>(OtherProgram(path("1/Orvelle.mdb"), "DROP TRIGGER refuse"));
     EXPECT_EQ(rows("tblTickets", {"intTicketID"}), QStringList{});
     ticket.SaveToDB();
     EXPECT_EQ(rows("tblTickets", {"strTicketID"}), QStringList{ticket.TicketID});
