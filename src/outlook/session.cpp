@@ -24,8 +24,9 @@ host::Application fncFindHost() {
     host::Application oua;
     if (runningHost.get())
         Attempt([&] { oua = host::Application(runningHost.get()()); });
-    for (const char *progId : {"Outlook.Application.12", "Outlook.Application.11", "Outlook.Application.10",
-                               "Outlook.Application.9", "Outlook.Application"}) {
+    // The host's own component, whatever its version; then the versions from the youngest, and once more the first.
+    for (const char *progId : {"Outlook.Application", "Outlook.Application.12", "Outlook.Application.11",
+                               "Outlook.Application.10", "Outlook.Application.9", "Outlook.Application"}) {
         if (oua)
             break;
         Attempt([&] { oua = host::Application(scripting::CreateObject(progId)); });

@@ -5,6 +5,8 @@
 #include "outlook/clienttools.h"
 #include "outlook/folderpath.h"
 #include "outlook/forms.h"
+#include "outlook/homepage.h"
+#include "outlook/outlookfolder.h"
 #include "outlook/safeutils.h"
 #include "platform/scripting/components.h"
 #include "support/fakeobject.h"
@@ -54,8 +56,17 @@ TEST_F(SessionTest, WithoutAHostTheProcessEndsWithAMessage) {
 TEST_F(SessionTest, AComponentOfTheHostsNameIsTheSecondChoice) {
     subReleaseOutlook();
     runningHost = nullptr;
-    scripting::components->add("Outlook.Application.9", [this] { return desk().application(); });
+    QStringList asked;
+    for (const QString version : {".9", ".10", ".11", ".12", ""}) {
+        scripting::components->add("Outlook.Application" + version, [this, version, &asked] {
+            asked << version;
+            if (asked.size() < 6)
+                throw Failure(failures::cannotCreateObject);
+            return desk().application();
+        });
+    }
     subStartOutlook(6);
+    EXPECT_EQ(asked, (QStringList{"", ".12", ".11", ".10", ".9", ""}));
     EXPECT_TRUE(ouaOutlook == app());
 }
 
@@ -74,10 +85,18 @@ TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
         QString told;
         bool ends;
         std::function<void()> step;
+        /// Picked in the dialog that comes first.
+        const char *picked = nullptr;
     };
+    const char *const helpdesk = "\\\\Public Folders\\Helpdesk";
+    const auto expectValidFolder = [] { EXPECT_EQ(fncValidTicketFolder().Name(), "Helpdesk"); };
     for (const Case &each : {
              Case{"Application.ActiveExplorer()", "Unable to connect to current Outlook folder!", false,
                   [] { subSetCurrentFolder(9); }},
+             Case{"Explorer.CurrentFolder", "", false, expectValidFolder, helpdesk},
+             Case{"Application.ActiveExplorer()", "", false, expectValidFolder, helpdesk},
+             Case{"MAPIFolder.DefaultItemType", " : cOutlookFolder.GetOutlookPathInfo ", true,
+                  [] { cOutlookFolder().GetOutlookPathInfo(nullptr, 6); }, helpdesk},
              Case{"NameSpace.GetDefaultFolder()", " : subGetSafeMailboxName ", true, [] { (void)fncGetUserName(); }},
              Case{"NameSpace.Folders()", "", false,
                   [] { EXPECT_TRUE(fncGetFolderFromPath("\\\\Public Folders\\Helpdesk").isNothing()); }},
@@ -90,6 +109,8 @@ TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
             runningHost = [&] { return support::Counting::of(desk().application(), questions); };
             subStartOutlook(6);
             questions->failing[each.question] = failures::accessDenied;
+            if (each.picked)
+                answered.expectSheet("frmPickFolder", "cmdOK", {{"treFolders", each.picked}});
             if (!each.told.isEmpty())
                 answered.expect(each.told, window::No);
             EXPECT_EQ(support::endsProcess(each.step), each.ends);
