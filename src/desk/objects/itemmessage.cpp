@@ -189,12 +189,34 @@ IncomingItem openedItem(const QByteArray &bytes) {
     return item;
 }
 
+namespace {
+/// Where the quoted text that opens at a position closes, -1 where it does not.
+qsizetype closingQuote(const QString &text, qsizetype open) {
+    for (qsizetype at = open + 1; at < text.size(); ++at) {
+        if (text[at] == u'\\')
+            ++at;
+        else if (text[at] == u'"')
+            return at;
+    }
+    return -1;
+}
+
+QString unquoted(const QString &quoted) {
+    QString text;
+    for (qsizetype at = 1; at < quoted.size() - 1; ++at) {
+        at += quoted[at] == u'\\' && at + 2 < quoted.size() ? 1 : 0;
+        text += quoted[at];
+    }
+    return text;
+}
+} // namespace
+
 QList<Address> parseAddresses(const QString &text) {
     QList<Address> addresses;
     QString name;
     QString address;
-    bool isQuoted = false;
     bool isAngled = false;
+    bool isOpenQuote = false;
     const auto finish = [&] {
         name = name.simplified();
         address = address.trimmed();
@@ -206,12 +228,17 @@ QList<Address> parseAddresses(const QString &text) {
         address.clear();
         isAngled = false;
     };
-    for (const QChar letter : text) {
-        if (letter == u'"' && !isAngled)
-            isQuoted = !isQuoted;
-        else if (isQuoted)
-            name += letter;
-        else if (letter == u'<')
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        const QChar letter = text[at];
+        // A search that failed is not made again.
+        const qsizetype close = letter == u'"' && !isOpenQuote ? closingQuote(text, at) : -1;
+        isOpenQuote = isOpenQuote || (letter == u'"' && close < 0);
+        if (close >= 0) {
+            const bool isOfAddress = isAngled || text.mid(close + 1, 1) == u"@";
+            const QString quoted = text.mid(at, close + 1 - at);
+            (isAngled ? address : name) += isOfAddress ? quoted : unquoted(quoted);
+            at = close;
+        } else if (letter == u'<')
             isAngled = true;
         else if (letter == u'>')
             isAngled = false;

@@ -241,6 +241,26 @@ TEST_F(MailTest, ADraftGoesByWayOfTheOutbox) {
     EXPECT_EQ(message.replyTo.first().address, "service@example.org");
 }
 
+TEST_F(MailTest, AQuotedAddressGoesOutAsItIs) {
+    const std::pair<const char *, QStringList> cases[] = {
+        {"\"q, r\"@example.org", {"\"q, r\"@example.org"}},
+        {"Q <\"q, \\\"r>\"@example.org>; bo@example.org", {"\"q, \\\"r\"@example.org", "bo@example.org"}},
+        {"\"Boss, B.\" <b@example.org>, bo@example.org", {"b@example.org", "bo@example.org"}},
+        {"19\" screens <b@example.org>; bo@example.org", {"b@example.org", "bo@example.org"}}};
+    for (const auto &[to, expected] : cases) {
+        const Handle mail = newItem(folder(16), "IPM.Note", "Quoted");
+        mail.put("To", to);
+        mail.call("Send");
+        session().call("DeliverNow");
+        QStringList addresses;
+        const desk::Message sent = sentMessage();
+        for (const desk::Address &address : sent.to)
+            addresses << address.address;
+        EXPECT_EQ(addresses.join(u'|').toStdString(), expected.join(u'|').toStdString()) << to;
+        QFile::remove(file("outgoing/" + outgoing().first()));
+    }
+}
+
 TEST_F(MailTest, AMailNeedsARecipientAndConsent) {
     const Handle mail = newItem(folder(16), "IPM.Note", "Nobody");
     EXPECT_EQ(failureOf([&] { mail.call("Send"); }), failures::invalidCall);
