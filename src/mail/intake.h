@@ -23,7 +23,7 @@ bool fncIsMailOrPost(const host::Item &oui);
 /// Handles an item that the scan met. REQUIRES: `fncIsNewMailItem`.
 void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);
 
-/// Handles an item that has just come into a watched folder.
+/// Handles an item that has just come into a watched folder. Of several clients that watch it, one does.
 void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);
 
 /// Moves a converted message to the subfolder "Converted", which is made where it is missing. A message that can't be
