@@ -88,6 +88,10 @@ TEST_F(SideBySide, NobodySeesHalfOfAnImportAndAKilledOneLeavesNone) {
         }
         ASSERT_EQ(ask(whole).toStdString(), wholeLists);
         seen.insert(ask("SELECT strComment FROM tblCallers LIMIT 1"));
+        const Process exporter = start({"export", "-"});
+        ASSERT_EQ(finish(*exporter), 0);
+        const QByteArray exported = exporter->readAllStandardOutput();
+        EXPECT_NE(exported.contains("\ta\t"), exported.contains("\tb\t"));
     }
     for (const Process &writer : writers)
         finish(*writer);

@@ -31,7 +31,7 @@ class Installation {
     /// the system could not read.
     void set(const QString &name, const QString &value);
 
-    /// All settings and lists.
+    /// All settings and lists as of one moment: another program's import is in it as a whole or not at all.
     [[nodiscard]] QByteArray exported() const;
     /// Stores the settings of the sections, and brings each list that the file has in line with it. All or nothing.
     /// Tells what it did, section by section.
