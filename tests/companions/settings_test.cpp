@@ -118,7 +118,8 @@ TEST_F(Settings, RefusesAValueThatTheSystemCouldNotRead) {
     run({"set", "ServiceStart", "9:00"});
     const std::pair<const char *, const char *> cases[] = {
         {"ServiceStart", "soon"},         {"ServiceStart", ""},         {"DayServiceEnd", "Friday"},
-        {"OnlineTrackingTimes", "40000"}, {"AutoTrackingTickets", "x"}, {" ", "x"}};
+        {"OnlineTrackingTimes", "40000"}, {"AutoTrackingTickets", "x"}, {" ", "x"},
+        {"ServiceStart", "8.30"}};
     for (const auto &[name, value] : cases)
         EXPECT_EQ(run({"set", name, value}).status, 1) << name << "=" << value;
     EXPECT_EQ(get("ServiceStart"), "9:00\n");

@@ -31,6 +31,12 @@ constexpr Known known[] = {
     {"RootFolderPath", Known::Text, "path of the ticket folder"},
 };
 
+/// The system takes the time of a date with one too. A date alone, such as 8.30, would be midnight to it.
+bool isTimeOfDay(const QString &value) {
+    const std::optional<DateTime> moment = parseDateTime(value);
+    return moment && (moment->isZero() || *moment != moment->dateOnly());
+}
+
 } // namespace
 
 std::span<const Known> knownSettings() { return known; }
@@ -48,7 +54,7 @@ std::optional<QString> problemWith(const QString &name, const QString &value) {
     const Known *setting = findKnown(name);
     if (!setting)
         return std::nullopt;
-    if (setting->kind == Known::Moment && !parseDateTime(value.trimmed()))
+    if (setting->kind == Known::Moment && !isTimeOfDay(value.trimmed()))
         return QString("%1 needs a time of day, such as 8:00:00 AM, and \"%2\" is none.").arg(name, value);
     if (setting->kind == Known::Number && !value.trimmed().isEmpty() &&
         Attempt([&] { static_cast<void>(toInt16(value.trimmed())); }))
