@@ -42,9 +42,10 @@ TEST_F(FindDatabase, AnEmptyServersTextIsDeletedAndTheSearchGoesOn) {
 
     put("DBConnection.txt", "");
     blnAllowDBCreation = true;
-    answers.expectSheet("frmChooseConnection", "cmdOK");
+    answers.expectSheet("frmChooseConnection", "cmdOK", {{"chkExampleData", "1"}});
     EXPECT_EQ(fncGetConnection(), fileConnection());
     EXPECT_TRUE(exists("Orvelle.mdb"));
+    EXPECT_TRUE(frmChooseConnection.get().blnLoadExampleData);
     EXPECT_EQ(frmChooseConnection.get().strSQLScriptFileName, "ORVLDB.sql");
 }
 
@@ -86,13 +87,6 @@ TEST_F(FindDatabase, ClosingTheChoiceLeavesNoDatabaseAndExampleDataIsOfferedOnce
     answers.expectSheet("frmChooseConnection", "cmdOK");
     fncGetConnection();
     EXPECT_EQ(answers.shown()[1].field("chkExampleData"), nullptr);
-}
-
-TEST_F(FindDatabase, ExampleDataIsLoadedWhenTicked) {
-    start(true);
-    answers.expectSheet("frmChooseConnection", "cmdOK", {{"chkExampleData", "1"}});
-    fncGetConnection();
-    EXPECT_TRUE(frmChooseConnection.get().blnLoadExampleData);
 }
 
 using SharedConnection = Installation;

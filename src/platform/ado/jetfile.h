@@ -4,8 +4,8 @@
 /// - declared types VARCHAR(255), LONGTEXT, SMALLINT, INTEGER, CURRENCY, DATETIME, BOOLEAN, DOUBLE;
 /// - money as a whole number of ten-thousandths, dates as days since 30 December 1899, true as -1;
 /// - a column that numbers itself is INTEGER PRIMARY KEY AUTOINCREMENT;
-/// - captions in the table `jet_properties` (written by `platform/dao`), by which a file is known as made here: it keeps
-///   a log beside it (WAL), any other file stays in the mode it has.
+/// - captions in the table `jet_properties` (written by `platform/dao`).
+/// A file with that table was made here and keeps a log beside it (WAL); any other stays in the mode it has.
 /// A text column takes texts longer than 255 characters whole: nothing that a mail brings may fail or be cut for it.
 ///
 /// Look-ups by one column keep an index of their own, named "lookup" with the table's and the column's names. The
