@@ -243,4 +243,68 @@ TEST_F(SessionTest, AContactIsFoundByTheIdentifierOrByTheAddress) {
     EXPECT_EQ(fncGetSenderName(host::Item()), "");
 }
 
+// Where an identifier of a contact or a folder stands in those of its entry and its list depends on the list's kind.
+TEST_F(SessionTest, EveryCutOfTheIdentifiersIsTriedInEachList) {
+    const auto fake = [](const char *type) { return std::make_shared<support::FakeObject>(type); };
+    const auto idOf = [](char list, int length) {
+        QString id;
+        while (id.size() < length)
+            id += list + QString::number(id.size());
+        return id.left(length);
+    };
+    const QString entryID = idOf('e', 200);
+    const QString byShortCut = entryID.mid(146, 48);
+    const QString byLongCut = entryID.mid(54, 140);
+    struct Case {
+        const char *what;
+        /// The identifiers of the lists' folders, and that of the contact.
+        QStringList folders;
+        QString contact;
+        /// The contact, or the number of the list whose folder has the address.
+        QString found;
+    };
+    for (const Case &each :
+         {Case{"short", {idOf('1', 150).mid(102)}, byShortCut, "contact"},
+          Case{"whole list", {idOf('1', 150)}, byShortCut, "contact"},
+          Case{"long", {idOf('1', 150).mid(58)}, byLongCut, "contact"},
+          Case{"long in the second list", {idOf('1', 150), idOf('2', 150).mid(58)}, byLongCut, "contact"},
+          Case{"long, but a folder of short lists alone", {idOf('1', 150)}, byLongCut, "1"},
+          Case{"by address, in the last list", {idOf('1', 150), idOf('2', 150).mid(102)}, "", "2"},
+          Case{"no folder", {idOf('1', 150).mid(57)}, byShortCut, ""}}) {
+        SCOPED_TRACE(each.what);
+        const auto contact = fake("ContactItem");
+        contact->properties["FullName"] = "contact";
+        const auto session = fake("NameSpace");
+        session->calls["GetItemFromID"] = [&](const ValueList &asked) -> Value {
+            if (toText(asked[0]) != each.contact || asked.size() == 2)
+                throw Failure(failures::notFound);
+            return automation::ObjectPtr(contact);
+        };
+        session->calls["GetFolderFromID"] = [&](const ValueList &asked) -> Value {
+            if (!each.folders.contains(toText(asked[0])))
+                throw Failure(failures::notFound);
+            const auto hit = fake("ContactItem");
+            hit->properties["FullName"] = toText(asked[0]).left(1) == "1" ? "1" : "2";
+            const auto items = fake("Items");
+            items->properties["Find"] = automation::ObjectPtr(hit);
+            const auto folder = fake("MAPIFolder");
+            folder->properties["Items"] = automation::ObjectPtr(items);
+            return automation::ObjectPtr(folder);
+        };
+        const auto lists = fake("AddressLists");
+        lists->properties["Count"] = 2;
+        lists->calls["Item"] = [&](const ValueList &index) -> Value {
+            const auto list = fake("AddressList");
+            list->properties["ID"] = idOf(toText(index[0]).front().toLatin1(), 150);
+            return automation::ObjectPtr(list);
+        };
+        scripting::components->add("SafeTessmark.AddressLists", [&] { return automation::ObjectPtr(lists); });
+        onsMAPI = host::NameSpace(automation::ObjectPtr(session));
+        const auto entry = fake("AddressEntry");
+        entry->properties = {{"ID", entryID}, {"Address", "cal@example.org"}};
+        const host::ContactItem found = fncFindContact(host::AddressEntry(automation::ObjectPtr(entry)));
+        EXPECT_EQ(found ? found.FullName() : QString(), each.found);
+    }
+}
+
 } // namespace
