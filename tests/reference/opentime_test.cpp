@@ -69,7 +69,7 @@ TEST_F(OpenTimeTest, FollowsTheServiceWeek) {
 }
 
 TEST_F(OpenTimeTest, WithoutSettingsTheDayIsEmpty) {
-    objSettings->OtherSettings->DicList->RemoveAll();
+    objSettings->OtherSettings = Ref<cOtherSettings>::make();
     EXPECT_EQ(fncCalcOpenTime(moment("2026-03-03 09:00:00"), moment("2026-03-24 09:00:00")), 0);
 }
 

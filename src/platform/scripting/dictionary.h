@@ -50,12 +50,6 @@ class Dictionary {
             m_places.insert(folded(m_keys.at(i)), i);
     }
 
-    void RemoveAll() {
-        m_keys.clear();
-        m_items.clear();
-        m_places.clear();
-    }
-
     [[nodiscard]] const QStringList &Keys() const { return m_keys; }
     [[nodiscard]] const QList<T> &Items() const { return m_items; }
 

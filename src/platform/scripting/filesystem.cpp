@@ -2,7 +2,6 @@
 
 #include "platform/scripting/diskfailure.h"
 #include "platform/scripting/path.h"
-#include "platform/scripting/replacement.h"
 #include "platform/value/random.h"
 
 #include <QDateTime>
@@ -11,9 +10,7 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstdio>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -100,44 +97,17 @@ void FileSystemObject::DeleteFile(const QString &path, bool force) const {
         throw diskFailure(errno, QStringLiteral("delete"), path, failures::fileNotFound);
 }
 
-void FileSystemObject::CopyFile(const QString &source, const QString &destination, bool overwrite) const {
-    const QByteArray content = readFile(source);
-    if (!overwrite && FileExists(destination))
-        throw diskFailure(EEXIST, QStringLiteral("copy to"), destination);
-    Replacement(nativePath(destination)).commit(content);
-}
-
-void FileSystemObject::MoveFile(const QString &source, const QString &destination) const {
-    if (!isFile(source))
-        missingFile(source);
-    // The machine's own rename would replace a file that another process has made in the meantime.
-    if (renameat2(AT_FDCWD, encoded(source).constData(), AT_FDCWD, encoded(destination).constData(),
-                  RENAME_NOREPLACE) == 0)
-        return;
-    if (errno != EXDEV && errno != EINVAL)
-        throw diskFailure(errno, QStringLiteral("move %1 to").arg(source), destination);
-    CopyFile(source, destination, false);
-    DeleteFile(source, true);
-}
-
-void FileSystemObject::CreateFolder(const QString &path) const {
-    constexpr mode_t everybody = 0777;
-    if (mkdir(encoded(path).constData(), everybody) != 0)
-        throw diskFailure(errno, QStringLiteral("make the folder"), path);
-}
-
 Ref<TextStream> FileSystemObject::CreateTextFile(const QString &path, bool overwrite, bool unicode) const {
     if (!overwrite && FileExists(path))
         throw diskFailure(EEXIST, QStringLiteral("make"), path);
-    return Ref<TextStream>::make(nativePath(path), QString(), unicode);
+    return Ref<TextStream>::make(nativePath(path), unicode);
 }
 
 Ref<TextStream> FileSystemObject::OpenTextFile(const QString &path, qint32 mode, bool create, qint32 format) const {
     constexpr qint32 reading = 1;
     constexpr qint32 writing = 2;
-    constexpr qint32 appending = 8;
     constexpr qint32 unicodeFormat = -1;
-    if (mode != reading && mode != writing && mode != appending)
+    if (mode != reading && mode != writing)
         throw Failure(failures::invalidCall, QStringLiteral("A text file can't be opened in mode %1.").arg(mode));
     const bool there = FileExists(path);
     if (!there && !create)
@@ -146,8 +116,7 @@ Ref<TextStream> FileSystemObject::OpenTextFile(const QString &path, qint32 mode,
         CreateTextFile(path, false, format == unicodeFormat)->Close();
     if (mode == reading)
         return Ref<TextStream>::make(decodeText(readFile(path)));
-    const QString kept = there && mode == appending ? decodeText(readFile(path)) : QString();
-    return Ref<TextStream>::make(nativePath(path), kept, format == unicodeFormat);
+    return Ref<TextStream>::make(nativePath(path), format == unicodeFormat);
 }
 
 } // namespace scripting

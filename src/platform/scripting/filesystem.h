@@ -28,7 +28,6 @@ class Folder {
     [[nodiscard]] virtual Ref<Folder> ParentFolder() const;
     /// In the order of their names. Fails with 70 or 76.
     [[nodiscard]] virtual QList<Ref<Folder>> SubFolders() const;
-    [[nodiscard]] DateTime DateLastModified() const;
 
   private:
     QString m_path;
@@ -65,14 +64,10 @@ class FileSystemObject {
 
     /// Without force, a file that may not be written fails with 70.
     virtual void DeleteFile(const QString &path, bool force = false) const;
-    void CopyFile(const QString &source, const QString &destination, bool overwrite = true) const;
-    /// Fails with 58 when the destination is there.
-    void MoveFile(const QString &source, const QString &destination) const;
-    void CreateFolder(const QString &path) const;
 
     /// A new file that is written when the stream is closed; the old one stays whole until then.
     Ref<TextStream> CreateTextFile(const QString &path, bool overwrite = true, bool unicode = false) const;
-    /// \param mode  1 reading, 2 writing anew, 8 adding at the end.
+    /// \param mode  1 reading, 2 writing anew.
     /// \param create  makes a missing file; without it that fails with 53.
     /// \param format  0 ANSI, -1 Unicode, -2 the system's default, which is ANSI.
     Ref<TextStream> OpenTextFile(const QString &path, qint32 mode = 1, bool create = false, qint32 format = 0) const;

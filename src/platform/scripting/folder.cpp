@@ -2,7 +2,6 @@
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -31,7 +30,5 @@ QList<Ref<Folder>> Folder::SubFolders() const {
         folders.append(Ref<Folder>::make(pathText(folder.absoluteFilePath(name))));
     return folders;
 }
-
-DateTime Folder::DateLastModified() const { return DateTime::fromQt(QFileInfo(nativePath(m_path)).lastModified()); }
 
 } // namespace scripting

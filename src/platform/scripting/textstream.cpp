@@ -12,8 +12,8 @@ constexpr qint32 badFileNumber = 52;
 
 TextStream::TextStream(QString text) : m_text(std::move(text)) {}
 
-TextStream::TextStream(const QString &path, QString text, bool unicode)
-    : m_target(std::make_unique<Replacement>(path)), m_text(std::move(text)), m_unicode(unicode), m_writing(true) {}
+TextStream::TextStream(const QString &path, bool unicode)
+    : m_target(std::make_unique<Replacement>(path)), m_unicode(unicode), m_writing(true) {}
 
 TextStream::~TextStream() {
     (void)Attempt([&] { Close(); });
@@ -37,19 +37,6 @@ QString TextStream::ReadAll() {
     return rest;
 }
 
-QString TextStream::ReadLine() {
-    require(false);
-    if (AtEndOfStream())
-        throw Failure(failures::inputPastEnd);
-    const qsizetype found = m_text.indexOf(u'\n', m_position);
-    const qsizetype end = found < 0 ? m_text.size() : found;
-    QString line = m_text.mid(m_position, end - m_position);
-    if (line.endsWith(u'\r'))
-        line.chop(1);
-    m_position = found < 0 ? end : end + 1;
-    return line;
-}
-
 bool TextStream::AtEndOfStream() const {
     require(false);
     return m_position >= m_text.size();
@@ -59,8 +46,6 @@ void TextStream::Write(const QString &text) {
     require(true);
     m_text += text;
 }
-
-void TextStream::WriteLine(const QString &text) { Write(text + QStringLiteral("\r\n")); }
 
 void TextStream::Close() {
     if (!m_open)

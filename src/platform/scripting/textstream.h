@@ -25,20 +25,16 @@ class TextStream {
   public:
     /// Open for reading a text.
     explicit TextStream(QString text);
-    /// Open for writing a file anew, beginning with a text. \param path  a machine's path. Fails with 70 or 76.
-    TextStream(const QString &path, QString text, bool unicode);
+    /// Open for writing a file anew. \param path  a machine's path. Fails with 70 or 76.
+    TextStream(const QString &path, bool unicode);
     ~TextStream();
     TextStream(const TextStream &) = delete;
     TextStream &operator=(const TextStream &) = delete;
 
     /// The rest of the text; fails with 62 where there is none, 54 on a stream for writing.
     QString ReadAll();
-    /// The next line without its end.
-    QString ReadLine();
     [[nodiscard]] bool AtEndOfStream() const;
     void Write(const QString &text);
-    /// With a carriage return and a line feed.
-    void WriteLine(const QString &text = {});
     void Close();
 
   private:
