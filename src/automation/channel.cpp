@@ -238,6 +238,8 @@ void Channel::serve(Frame frame) {
     case FrameKind::Call:
     case FrameKind::Connect:
     case FrameKind::Event:
+    case FrameKind::Through:
+    case FrameKind::TryPut:
         answer(frame);
         break;
     case FrameKind::Disconnect:
@@ -257,7 +259,10 @@ void Channel::serve(Frame frame) {
 }
 
 void Channel::answer(const Frame &request) {
+    const bool isAwaited = request.kind != FrameKind::TryPut;
     const auto refuse = [&](const Failure &failure) {
+        if (!isAwaited)
+            return;
         post({.kind = FrameKind::Refusal,
               .call = request.call,
               .number = failure.number(),
@@ -270,7 +275,9 @@ void Channel::answer(const Frame &request) {
             throw Failure(failures::callRejected);
         if (request.staleObject)
             throw Failure(failures::disconnected);
-        post({.kind = FrameKind::Answer, .call = request.call, .values = carryOut(request)});
+        const ValueList result = carryOut(request);
+        if (isAwaited)
+            post({.kind = FrameKind::Answer, .call = request.call, .values = result});
     } catch (const Failure &failure) {
         refuse(failure);
     } catch (...) {

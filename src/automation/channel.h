@@ -88,6 +88,7 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
     void receive();
     void end(qint32 number, bool byPeer);
     void serve(wire::Frame frame);
+    /// Carries out a request and answers it, where it is one that somebody waits for.
     void answer(const wire::Frame &request);
     void settle(wire::Frame frame);
     [[nodiscard]] Front front() const;

@@ -15,9 +15,9 @@ namespace {
 
 class ClientConnection;
 
-/// What is known of an object without asking, all of it from one moment. It stands until anything but a property is
-/// asked for or the peer raises an event, since either may change it, and in no case for longer than the same answers
-/// could have been on their way.
+/// What is known of an object without asking: what is constant, and what is from one moment. This stands until anything
+/// but a property is asked for or the peer raises an event, since either may change it, and in no case for longer than
+/// the same answers could have been on their way.
 class Knowledge {
   public:
     void keep(quint64 moment, std::vector<KnownValue> values);
@@ -36,6 +36,7 @@ class Knowledge {
     quint64 m_moment = 0;
     std::chrono::steady_clock::time_point m_since;
     std::vector<KnownValue> m_values;
+    std::vector<KnownValue> m_constants;
     std::vector<std::pair<Question, Value>> m_answers;
 };
 
@@ -53,6 +54,8 @@ class RemoteObject final : public Object, public std::enable_shared_from_this<Re
     Value call(const QString &member, const ValueList &arguments) override;
     [[nodiscard]] SubscriptionPtr connect(const QString &event, EventHandler handler) override;
     void ahead(const std::vector<Question> &questions) override;
+    Value callThrough(const Path &path, const QString &member, const ValueList &arguments) override;
+    void tryPut(const Path &path, const QString &member, const Value &value) override;
 
     [[nodiscard]] const std::shared_ptr<ClientConnection> &connection() const { return m_connection; }
     [[nodiscard]] Handle handle() const { return m_handle; }
@@ -77,6 +80,8 @@ class ClientConnection final : public Channel {
     ObjectPtr greet();
     /// A request, with the handles that were released since the last one before it.
     Frame ask(Frame frame);
+    /// A request that nobody waits for.
+    void tell(const Frame &frame);
     /// Several calls of one object at once.
     void askAhead(RemoteObject &object, const std::vector<Question> &questions);
     /// Moves on when something happens that may change what is known.
@@ -147,6 +152,13 @@ Frame ClientConnection::ask(Frame frame) {
     if (asked == m_moment)
         learn(std::move(answer.along));
     return answer;
+}
+
+void ClientConnection::tell(const Frame &frame) {
+    moveOn();
+    enqueueReleases();
+    // What is too long to be sent fails as it would have failed there.
+    Attempt([&] { post(frame); });
 }
 
 void ClientConnection::askAhead(RemoteObject &object, const std::vector<Question> &questions) {
@@ -299,6 +311,9 @@ void Knowledge::startAt(quint64 moment) {
 
 void Knowledge::keep(quint64 moment, std::vector<KnownValue> values) {
     startAt(moment);
+    const auto constants = std::ranges::stable_partition(values, [](const KnownValue &v) { return !v.isConstant; });
+    m_constants.assign(std::move_iterator(constants.begin()), std::move_iterator(constants.end()));
+    values.erase(constants.begin(), constants.end());
     m_values = std::move(values);
 }
 
@@ -312,13 +327,17 @@ bool Knowledge::standsAt(quint64 moment) const {
 }
 
 std::optional<Value> Knowledge::value(quint64 moment, const QString &member) const {
-    if (m_values.empty() || !standsAt(moment))
+    const auto among = [&](const std::vector<KnownValue> &values) -> std::optional<Value> {
+        for (const KnownValue &known : values) {
+            if (known.member.compare(member, Qt::CaseInsensitive) == 0)
+                return known.value;
+        }
         return std::nullopt;
-    for (const KnownValue &known : m_values) {
-        if (known.member.compare(member, Qt::CaseInsensitive) == 0)
-            return known.value;
-    }
-    return std::nullopt;
+    };
+    std::optional<Value> constant = among(m_constants);
+    if (constant || m_values.empty() || !standsAt(moment))
+        return constant;
+    return among(m_values);
 }
 
 std::optional<Value> Knowledge::answer(quint64 moment, const QString &member, const ValueList &arguments) const {
@@ -357,6 +376,17 @@ Value RemoteObject::call(const QString &member, const ValueList &arguments) {
 void RemoteObject::ahead(const std::vector<Question> &questions) {
     const std::shared_ptr<RemoteObject> alive = shared_from_this();
     m_connection->askAhead(*this, questions);
+}
+
+Value RemoteObject::callThrough(const Path &path, const QString &member, const ValueList &arguments) {
+    return ask(FrameKind::Through, member, wire::packed(path, arguments));
+}
+
+void RemoteObject::tryPut(const Path &path, const QString &member, const Value &value) {
+    m_connection->tell({.kind = FrameKind::TryPut,
+                        .target = m_handle,
+                        .text = member,
+                        .values = wire::packed(path, {value})});
 }
 
 SubscriptionPtr RemoteObject::connect(const QString &event, EventHandler handler) {

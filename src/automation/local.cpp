@@ -92,7 +92,7 @@ std::vector<KnownValue> LocalObject::sentAlong() {
     std::vector<KnownValue> values;
     for (const auto &[name, property] : members().sentAlong()) {
         const std::optional<Failure> failure = Attempt([&] {
-            values.push_back({name, readProperty(m_exposed, property)});
+            values.push_back({name, readProperty(m_exposed, property), property.constant});
         });
         // What can't be told now is asked for, and fails then.
         if (!failure && values.back().value.isObject())

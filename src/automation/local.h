@@ -7,7 +7,8 @@
 /// - each signal as an event, whose `bool *` parameters are by reference; a signal `CloseEvent` is the event `Close`,
 /// for
 ///   events that have the name of another member.
-/// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object.
+/// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object; a
+/// client need not ask again for those among them that are CONSTANT.
 /// Names match without regard to case. Types that cross: `Value`, `QString`, `bool`, `qint16`, `int`, `double`,
 /// `Currency`, `DateTime`; objects travel as a `Value`. A property, function or signal with any other type stays
 /// internal to the host, as do slots and everything that `QObject` itself declares.

@@ -195,7 +195,8 @@ void MemberTable::addProperties(const QMetaObject &metaObject) {
         const QMetaProperty property = metaObject.property(i);
         const std::optional<Kind> kind = kindOf(property.metaType());
         if (kind && property.isReadable())
-            m_members[QString::fromLatin1(property.name())].property = {i, *kind, property.isWritable()};
+            m_members[QString::fromLatin1(property.name())].property = {i, *kind, property.isWritable(),
+                                                                            property.isConstant()};
     }
 }
 

@@ -37,6 +37,7 @@ class MemberTable {
         int index;
         Kind kind;
         bool writable;
+        bool constant;
     };
     struct Function {
         int index;

@@ -31,6 +31,8 @@ using SubscriptionPtr = std::unique_ptr<Subscription>;
 struct KnownValue {
     QString member;
     Value value;
+    /// Whether it is the same for as long as the object is there.
+    bool isConstant = false;
 };
 
 /// A call with its arguments, or a property.
@@ -38,6 +40,10 @@ struct Question {
     QString member;
     ValueList arguments;
 };
+
+/// The way from one object to another: the first question is asked of the one it starts from, each further one of the
+/// object that the question before gave.
+using Path = std::vector<Question>;
 
 /// One object of a host, seen through its members.
 class Object {
@@ -69,6 +75,14 @@ class Object {
     /// is asked again when its turn comes.
     virtual void ahead(const std::vector<Question> &) {}
 
+    /// A call of the object that the path leads to, without meeting those on the way; all of it crosses to another
+    /// process at once. Fails as the first question that does, with 91 where one of the path gives Nothing.
+    virtual Value callThrough(const Path &path, const QString &member, const ValueList &arguments);
+
+    /// Writes a property of the object that the path leads to, of this one where it is empty, if that can be done.
+    /// Nobody waits for it or learns of a failure; what is asked afterwards finds it written.
+    virtual void tryPut(const Path &path, const QString &member, const Value &value);
+
     /// Connects a handler to an event. Handlers run synchronously, in the order of their connection, while the raiser
     /// waits; a handler may use any object, the raising one included. A `Failure` that leaves a handler is dropped.
     /// Fails with 438 for an unknown event.
@@ -77,5 +91,9 @@ class Object {
     /// Whether both stand for the same object of the host.
     [[nodiscard]] virtual bool isSame(const Object &other) const { return this == &other; }
 };
+
+/// The object at the end of a path; null for an empty path. Fails as the first question that does, with 91 where one
+/// gives Nothing.
+ObjectPtr follow(Object &from, const Path &path);
 
 } // namespace automation

@@ -41,6 +41,7 @@ class ServerConnection final : public Channel {
     };
 
     Value perform(const Frame &frame);
+    Value performThrough(const Frame &frame);
     Value greet(const Frame &frame);
     Object &held(Handle handle) const;
     void connectEvent(const Frame &frame);
@@ -102,12 +103,28 @@ Value ServerConnection::perform(const Frame &frame) {
         return {};
     case FrameKind::Call:
         return held(frame.target).call(frame.text, frame.values);
+    case FrameKind::Through:
+    case FrameKind::TryPut:
+        return performThrough(frame);
     case FrameKind::Connect:
         connectEvent(frame);
         return {};
     default:
         throw Failure(failures::callRejected);
     }
+}
+
+Value ServerConnection::performThrough(const Frame &frame) {
+    ValueList values = frame.values;
+    const std::optional<Path> path = wire::unpack(values);
+    if (!path)
+        throw Failure(failures::invalidCall);
+    const ObjectPtr found = follow(held(frame.target), *path);
+    Object &object = found ? *found : held(frame.target);
+    if (frame.kind == FrameKind::Through)
+        return object.call(frame.text, values);
+    object.put(frame.text, values.value(0));
+    return {};
 }
 
 Value ServerConnection::greet(const Frame &frame) {

@@ -76,6 +76,7 @@ class Writer {
         for (const KnownValue &known : reference.along) {
             text(known.member);
             value(known.value);
+            number(known.isConstant);
         }
     }
     template <class Number>
@@ -197,6 +198,7 @@ class Reader {
         for (quint32 i = 0; i < count && m_whole; ++i) {
             QString member = text();
             values.push_back({std::move(member), value()});
+            values.back().isConstant = number<quint8>() != 0;
             m_whole = m_whole && !values.back().value.isObject();
         }
         m_isAlong = false;
@@ -211,9 +213,43 @@ class Reader {
     bool m_isAlong = false;
 };
 
-bool isKnown(FrameKind kind) { return kind >= FrameKind::Hello && kind <= FrameKind::Refusal; }
+bool isKnown(FrameKind kind) { return kind >= FrameKind::Hello && kind <= FrameKind::TryPut; }
+
+/// More steps than any use has.
+constexpr qint32 longestPath = 8;
 
 } // namespace
+
+ValueList packed(const Path &path, const ValueList &behind) {
+    ValueList values{static_cast<qint32>(path.size())};
+    for (const Question &step : path)
+        values << step.member << static_cast<qint32>(step.arguments.size()) << step.arguments;
+    return values << behind;
+}
+
+std::optional<Path> unpack(ValueList &values) {
+    const auto count = [&](qint32 most) -> std::optional<qint32> {
+        const auto *number = values.isEmpty() ? nullptr : std::get_if<qint32>(&values.constFirst().held());
+        if (!number || *number < 0 || *number > most)
+            return std::nullopt;
+        return std::get<qint32>(values.takeFirst().held());
+    };
+    const std::optional<qint32> steps = count(longestPath);
+    Path path;
+    for (qint32 i = 0; steps && i < *steps; ++i) {
+        const auto *member = values.isEmpty() ? nullptr : std::get_if<QString>(&values.constFirst().held());
+        if (!member)
+            return std::nullopt;
+        path.push_back({*member, {}});
+        values.removeFirst();
+        const std::optional<qint32> arguments = count(static_cast<qint32>(values.size()) - 1);
+        if (!arguments)
+            return std::nullopt;
+        path.back().arguments = values.first(*arguments);
+        values.remove(0, *arguments);
+    }
+    return steps ? std::optional(path) : std::nullopt;
+}
 
 void encode(std::vector<char> &bytes, const Frame &frame, ObjectTable &objects) {
     const std::size_t start = bytes.size();

@@ -3,8 +3,8 @@
 /// A frame is its length in bytes (32 bits, without itself) and a body. All bodies have one layout: kind (8 bits),
 /// call, target and number (32 bits each), a text, a count (32 bits) and so many values. A text is a count of UTF-16
 /// units and the units; a value is a tag and what the tag calls for. A reference to an object is its handle, the name
-/// of its type, a count (32 bits) and so many members with their values, none of them an object. Both ends run on one
-/// machine, so numbers are in its own order.
+/// of its type, a count (32 bits) and so many members with their values, none of them an object, each followed by
+/// whether it is constant (8 bits). Both ends run on one machine, so numbers are in its own order.
 #pragma once
 
 #include "automation/object.h"
@@ -14,7 +14,7 @@
 namespace automation::wire {
 
 /// Changes whenever the layout or the meaning of a frame does; the two ends must agree.
-constexpr qint32 protocolVersion = 2;
+constexpr qint32 protocolVersion = 3;
 
 /// The largest body. A longer frame ends the connection.
 constexpr quint32 largestBody = 64U << 20U;
@@ -39,6 +39,8 @@ enum class FrameKind : quint8 {
     Pong = 10,      ///< not answered
     Answer = 11,    ///< call: what it answers, values: the result
     Refusal = 12,   ///< call: what it answers, number and text: the failure
+    Through = 13,   ///< as Call, of the object at the end of a path; values: the path, packed, and the arguments
+    TryPut = 14,    ///< as Put, of the object at the end of a path; values: the path, packed, and one value; not answered
 };
 
 /// What came along with a reference.
@@ -75,6 +77,14 @@ class ObjectTable {
     /// The object that a reference stands for; null for a handle that is not held.
     virtual ObjectPtr take(const Reference &reference) = 0;
 };
+
+/// The values that stand for a path with those behind it: the number of its steps, for each step its member, the number
+/// of its arguments and the arguments.
+ValueList packed(const Path &path, const ValueList &behind);
+
+/// Takes a path from the front of the values that `packed` gave, and leaves those behind it. Nothing where they are
+/// malformed, or where the path has more steps than any use.
+std::optional<Path> unpack(ValueList &values);
 
 /// Appends a frame to the bytes. Fails with 7 when it would be too long, or as `ObjectTable::give` does; the bytes are
 /// then as they were.

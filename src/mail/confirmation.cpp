@@ -19,8 +19,8 @@ host::MailItem fncClosedMail(const host::MailItem &oui, const QString &strTicket
     Attempt([&] { oui.Close(closeSaving); });
     host::MailItem found = oui;
     Attempt([&] {
-        const host::Items drafts = onsMAPI->GetDefaultFolder(defaultfolder::drafts).Items();
-        const host::Item draft = drafts.Find("[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
+        const host::MAPIFolder oufDrafts = onsMAPI->GetDefaultFolder(defaultfolder::drafts);
+        const host::Item draft = oufDrafts.FindItem("[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
         if (draft)
             found = host::MailItem(draft.object());
     });
@@ -42,17 +42,20 @@ void subSendSafely(const host::MailItem &oui, const host::MAPIFolder &oufOutbox)
 void subSendConfirmation(const host::Item &oui, const QString &strTicketID, const QString &strTo) {
     const bool blnSafe = fncSetupSafeUtils();
     const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(oui); }, SafeItem());
+    if (oui)
+        oui.readAhead({"Body", "Subject", "Sender"});
     const QString strBody = AttemptOr([&] { return safe.Body(); }, QString());
     const QString strSubject = AttemptOr([&] { return safe.Subject(); }, QString());
+    const QString strCaller = AttemptOr([&] { return strTo.isEmpty() ? safe.Sender().Address() : strTo; }, QString());
 
     host::MAPIFolder oufOutbox;
     Attempt([&] { oufOutbox = onsMAPI->GetDefaultFolder(defaultfolder::outbox); });
     host::MailItem ouiMail;
-    Attempt([&] { ouiMail = host::MailItem(oufOutbox.Items().Add("IPM.Note").object()); });
-    Attempt([&] { ouiMail.Body(fncConfirmationBody(strTicketID, strBody, strSubject)); });
-    Attempt([&] { ouiMail.Subject(fncConfirmationSubject(strTicketID, strBody, strSubject)); });
-    Attempt([&] { ouiMail.To(strTo.isEmpty() ? safe.Sender().Address() : strTo); });
-    Attempt([&] { ouiMail.ReadReceiptRequested(false); });
+    Attempt([&] { ouiMail = host::MailItem(oufOutbox.AddItem("IPM.Note").object()); });
+    ouiMail.tryPut("Body", fncConfirmationBody(strTicketID, strBody, strSubject));
+    ouiMail.tryPut("Subject", fncConfirmationSubject(strTicketID, strBody, strSubject));
+    ouiMail.tryPut("To", strCaller);
+    ouiMail.tryPut("ReadReceiptRequested", false);
     Attempt([&] { subSetEmailFrom(ouiMail); });
     Attempt([&] { subSetSentFolder(ouiMail); });
     if (!blnSafe) {

@@ -36,7 +36,7 @@ void subFindTicketFolder() {
 host::PostItem fncNewTicketItem() {
     host::PostItem ouiPost;
     const auto failure =
-        Attempt([&] { ouiPost = host::PostItem(oufTickets->Items().Add(strTicketMessageClass).object()); });
+        Attempt([&] { ouiPost = host::PostItem(oufTickets->AddItem(strTicketMessageClass).object()); });
     if (ouiPost.isNothing())
         subAssistantMessage(ouaOutlook, fncFormsCacheMessage(failure ? failure->description() : QString()));
     return ouiPost;
@@ -72,7 +72,7 @@ void subNote(const host::Item &ouiMail, const QString &strTicketID) {
 QString fncTicketID(const host::Item &ouiMail) {
     return AttemptOr(
         [&] {
-            const host::UserProperty oup = ouiMail.UserProperties().Find(strProperty);
+            const host::UserProperty oup = ouiMail.FindProperty(strProperty);
             cTicket objTicket;
             objTicket.TicketID = oup ? toText(oup.value()) : QString();
             const bool blnFree = !objTicket.TicketID.isEmpty() && objTicket.GetPostItem().isNothing();
@@ -102,9 +102,9 @@ QString fncSaveRow(const host::PostItem &ouiPost, const QString &strEarlierID) {
 }
 
 void subMarkConverted(const host::MailItem &ouiMail, const QString &strTicketID) {
-    Attempt([&] { ouiMail.FlagStatus(flagComplete); });
-    Attempt([&] { ouiMail.FlagRequest("Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now())); });
-    Attempt([&] { ouiMail.BillingInformation(strTicketID); });
+    ouiMail.tryPut("FlagStatus", flagComplete);
+    ouiMail.tryPut("FlagRequest", "Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
+    ouiMail.tryPut("BillingInformation", strTicketID);
     Attempt([&] { ouiMail.Save(); });
 }
 } // namespace

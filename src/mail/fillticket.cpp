@@ -18,25 +18,21 @@ constexpr qint32 smtpAddress = 0x39FE001E;
 constexpr qint32 businessTelephone = 0x3A08001E;
 constexpr qint32 department = 0x3A18001E;
 
-void subSetProperty(const host::UserProperties &oups, const QString &strName, const QString &strText) {
-    Attempt([&] { oups.Item(strName).setValue(strText); });
-}
-
 void subFillFromContact(const host::UserProperties &oups, const host::ContactItem &contact) {
-    Attempt([&] { subSetProperty(oups, "Caller name", contact.FullName()); });
-    Attempt([&] { subSetProperty(oups, "Caller phone", contact.BusinessTelephoneNumber()); });
-    Attempt([&] { subSetProperty(oups, "Caller category", contact.CompanyName()); });
+    Attempt([&] { oups.trySet("Caller name", contact.FullName()); });
+    Attempt([&] { oups.trySet("Caller phone", contact.BusinessTelephoneNumber()); });
+    Attempt([&] { oups.trySet("Caller category", contact.CompanyName()); });
 }
 
 void subFillCaller(const host::UserProperties &oups, const host::AddressEntry &sender) {
-    Attempt([&] { subSetProperty(oups, "Caller name", sender.Name()); });
+    Attempt([&] { oups.trySet("Caller name", sender.Name()); });
     QString strAddress = AttemptOr([&] { return sender.Address(); }, QString());
     const bool blnOfSystem =
         !strAddress.contains(QChar(u'@')) || AttemptOr([&] { return sender.Type() == "EX"; }, false);
     if (blnOfSystem) {
         Attempt([&] { strAddress = toText(sender.Fields(smtpAddress)); });
-        Attempt([&] { subSetProperty(oups, "Caller phone", toText(sender.Fields(businessTelephone))); });
-        Attempt([&] { subSetProperty(oups, "Caller category", toText(sender.Fields(department))); });
+        Attempt([&] { oups.trySet("Caller phone", toText(sender.Fields(businessTelephone))); });
+        Attempt([&] { oups.trySet("Caller category", toText(sender.Fields(department))); });
     } else {
         Attempt([&] {
             const host::ContactItem contact = fncFindContact(sender, strAddress);
@@ -44,7 +40,7 @@ void subFillCaller(const host::UserProperties &oups, const host::AddressEntry &s
                 subFillFromContact(oups, contact);
         });
     }
-    subSetProperty(oups, "Caller email", strAddress);
+    oups.trySet("Caller email", strAddress);
 }
 
 /// The mail's text for the ticket's page.
@@ -67,13 +63,13 @@ QString fncPage() {
 void subSetBody(const host::PostItem &ouiPost, const QString &strHTML) {
     const bool blnHasFormat = fncOutlookVersion() >= firstWithBodyFormat;
     if (blnHasFormat)
-        Attempt([&] { ouiPost.BodyFormat(formatHTML); });
-    Attempt([&] { ouiPost.HTMLBody(strHTML); });
+        ouiPost.tryPut("BodyFormat", formatHTML);
+    ouiPost.tryPut("HTMLBody", strHTML);
     if (!blnHasFormat)
         return;
-    Attempt([&] { ouiPost.BodyFormat(formatRichText); });
-    Attempt([&] { ouiPost.BodyFormat(formatHTML); });
-    Attempt([&] { ouiPost.HTMLBody(strHTML); });
+    ouiPost.tryPut("BodyFormat", formatRichText);
+    ouiPost.tryPut("BodyFormat", formatHTML);
+    ouiPost.tryPut("HTMLBody", strHTML);
 }
 } // namespace
 
@@ -83,12 +79,13 @@ void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiP
     const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(ouiMail); }, SafeItem());
     subFillCaller(oups, AttemptOr([&] { return safe.Sender(); }, host::AddressEntry()));
 
+    ouiMail.readAhead({"HTMLBody", "Subject", "Importance"});
     const QString strText = fncTextOf(safe);
+    const QString strSubject = AttemptOr([&] { return ouiMail.Subject(); }, QString());
+    Attempt([&] { ouiPost.tryPut("Importance", ouiMail.Importance()); });
     if (!strText.isEmpty())
         subSetBody(ouiPost, fncPage().replace("[BODY]", strText));
-    const QString strSubject = AttemptOr([&] { return ouiMail.Subject(); }, QString());
     if (!strSubject.isEmpty())
-        Attempt([&] { ouiPost.Subject(strSubject); });
-    Attempt([&] { ouiPost.Importance(ouiMail.Importance()); });
+        ouiPost.tryPut("Subject", strSubject);
     subSetOutlookValue(oups, "Date due", Clock::now(), propertytype::date);
 }

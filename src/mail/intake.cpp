@@ -76,7 +76,7 @@ bool fncIsElsewhere(const Failure &failure) {
 bool fncBegin(const host::Item &oui) {
     bool blnFree = true;
     const auto failure = Attempt([&] {
-        const host::UserProperty oup = oui.UserProperties().Find(strProperty);
+        const host::UserProperty oup = oui.FindProperty(strProperty);
         blnFree = oup.isNothing() || toText(oup.value()).isEmpty();
         if (blnFree)
             subMark(oui, strWorkingMark);

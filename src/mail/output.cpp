@@ -30,9 +30,9 @@ void subAttachFiles(const host::Item &ouiItem, const host::MailItem &ouiMail) {
 void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 OutputOption, const host::Item &ouiItem) {
     host::MailItem ouiMail;
     Attempt([&] { ouiMail = host::MailItem(ouaOutlook->CreateItem(0).object()); });
-    Attempt([&] { ouiMail.Body("Test"); });
+    ouiMail.tryPut("Body", "Test");
     if (fncOutlookVersion() >= firstWithBodyFormat)
-        Attempt([&] { ouiMail.BodyFormat(formatHTML); });
+        ouiMail.tryPut("BodyFormat", formatHTML);
     Attempt([&] { ouiMail.HTMLBody(objTicket.ToHTML(OutputOption)); });
     if (strTo.isEmpty()) {
         Attempt([&] { ouiMail.PrintOut(); });
@@ -41,8 +41,8 @@ void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 Outp
     subAttachFiles(ouiItem, ouiMail);
     Attempt([&] { subSetEmailFrom(ouiMail); });
     Attempt([&] { subSetSentFolder(ouiMail); });
-    Attempt([&] { ouiMail.To(strTo); });
-    Attempt([&] { ouiMail.Subject("Ticket: " + objTicket.Subject + " {" + objTicket.TicketID + "}"); });
+    ouiMail.tryPut("To", strTo);
+    ouiMail.tryPut("Subject", "Ticket: " + objTicket.Subject + " {" + objTicket.TicketID + "}");
     Attempt([&] { ouiMail.Display(); });
 }
 

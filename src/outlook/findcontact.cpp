@@ -70,7 +70,7 @@ class ContactSearch {
         Attempt([&] {
             // An address is a stranger's text: a quote in it must not end the filter's.
             const QString strQuoted = QString(m_address).replace("'", "''");
-            const host::Item oui = ouf.Items().Find("[Email1Address] ='" + strQuoted + "'");
+            const host::Item oui = ouf.FindItem("[Email1Address] ='" + strQuoted + "'");
             if (oui)
                 m_found = host::ContactItem(oui.object());
         });

@@ -81,7 +81,7 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
     const bool given = !ouiTicket.isNothing();
     host::Item item = ouiTicket;
     if (!given) {
-        const auto failure = Attempt([&] { item = oufTickets->Items().Add(strTicketMessageClass); });
+        const auto failure = Attempt([&] { item = oufTickets->AddItem(strTicketMessageClass); });
         if (item.isNothing()) {
             subAssistantMessage(ouaOutlook, fncFormsCacheMessage(failure ? failure->description() : QString()));
             return;
@@ -115,5 +115,5 @@ bool cTicket::SaveToOutlookIfUnchanged(const host::Item &ouiTicket) const try {
 }
 
 host::Item cTicket::GetPostItem() const {
-    return AttemptOr([&] { return oufTickets->Items().Find("[Ticket ID] =" + fncQuoted(TicketID)); }, host::Item());
+    return AttemptOr([&] { return oufTickets->FindItem("[Ticket ID] =" + fncQuoted(TicketID)); }, host::Item());
 }

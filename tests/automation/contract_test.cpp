@@ -317,6 +317,47 @@ TEST_P(Contract, WhatCameWithAReferenceIsNotAskedAgain) {
     }));
 }
 
+TEST_P(Contract, WhatIsConstantIsAskedOnce) {
+    const ObjectPtr child = root->get("Child").object();
+    for (int i = 0; i < 3; ++i) {
+        child->put("Name", QString::number(i));
+        EXPECT_EQ(child->get("Kind"), Value("sample"));
+    }
+    EXPECT_EQ(root->get("ChildKindReads"), Value(isRemote() ? 1 : 3));
+}
+
+TEST_P(Contract, APathLeadsThroughObjectsThatAreNotMet) {
+    const Path toNew{{"NewChild", {"new"}}};
+    EXPECT_EQ(root->callThrough(toNew, "Describe", {}), Value("inner new"));
+    EXPECT_EQ(root->callThrough({}, "Add", {1, 2}), Value(3));
+    EXPECT_EQ(root->callThrough({{"Echo", {root->get("Child")}}}, "Name", {}), Value("unnamed"));
+    root->tryPut({{"Child", {}}}, "Name", "put");
+    EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
+    EXPECT_EQ(root->get("LivingChildren"), Value(0)) << "what was met on the way is kept";
+    const std::pair<Path, qint32> failing[] = {{{{"Nowhere", {}}}, failures::memberMissing},
+                                               {{{"Fail", {5, "refused"}}}, 5},
+                                               {{{"Number", {}}}, failures::objectRequired},
+                                               {{{"Echo", {Value::nothing()}}}, failures::objectNotSet}};
+    for (const auto &[path, number] : failing) {
+        EXPECT_EQ(failureOf([&] { root->callThrough(path, "Name", {}); }), number);
+        root->tryPut(path, "Name", "nowhere");
+    }
+    EXPECT_EQ(failureOf([&] { root->callThrough({{"Child", {}}}, "Nowhere", {}); }), failures::memberMissing);
+}
+
+TEST_P(Contract, WhatIsTriedIsDoneBeforeTheNextQuestionAndFailsInSilence) {
+    const ObjectPtr child = root->get("Child").object();
+    EXPECT_EQ(child->get("Name"), Value("unnamed"));
+    const SubscriptionPtr renamed = child->connect("Renamed", note("renamed"));
+    child->tryPut({}, "Name", "one");
+    child->tryPut({}, "Nowhere", "two");
+    root->tryPut({}, "Number", "no number");
+    root->tryPut({}, "Number", 7);
+    EXPECT_EQ(child->get("Name"), Value("one"));
+    EXPECT_EQ(root->get("Number"), Value(7));
+    EXPECT_EQ(noted, QStringList{"renamed"});
+}
+
 TEST_P(Contract, QuestionsAskedAheadGetTheirOwnAnswers) {
     root->put("Number", 7);
     root->ahead({{"Describe", {}}, {"Add", {1, 2}}, {"Fail", {5, "refused"}}, {"NewChild", {"ahead"}}, {"Number", {}}});

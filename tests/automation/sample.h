@@ -11,8 +11,9 @@ using automation::Exposed;
 /// Types that do not cross, and so stay internal.
 class Inner : public Exposed {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Name")
+    Q_CLASSINFO("SentAlong", "Name Kind")
     Q_PROPERTY(QString Name READ name WRITE setName)
+    Q_PROPERTY(QString Kind READ kind CONSTANT)
     Q_PROPERTY(QStringList Lines READ lines)
 
   public:
@@ -21,6 +22,11 @@ class Inner : public Exposed {
         return m_name;
     }
     [[nodiscard]] int nameReads() const { return m_reads; }
+    [[nodiscard]] QString kind() const {
+        ++m_kindReads;
+        return QStringLiteral("sample");
+    }
+    [[nodiscard]] int kindReads() const { return m_kindReads; }
     virtual void setName(const QString &name);
     [[nodiscard]] QStringList lines() const { return {}; }
 
@@ -35,6 +41,7 @@ class Inner : public Exposed {
   private:
     QString m_name = QStringLiteral("unnamed");
     mutable int m_reads = 0;
+    mutable int m_kindReads = 0;
 };
 
 class Sample : public Inner {
@@ -50,6 +57,7 @@ class Sample : public Inner {
     Q_PROPERTY(Value Child READ child)
     Q_PROPERTY(int LivingChildren READ livingChildren)
     Q_PROPERTY(int ChildNameReads READ childNameReads)
+    Q_PROPERTY(int ChildKindReads READ childKindReads)
 
   public:
     Sample();
@@ -59,6 +67,7 @@ class Sample : public Inner {
     [[nodiscard]] Value child();
     [[nodiscard]] int livingChildren() const { return *m_living; }
     [[nodiscard]] int childNameReads() const { return m_child->nameReads(); }
+    [[nodiscard]] int childKindReads() const { return m_child->kindReads(); }
     /// Fails with 5 for an empty name.
     void setName(const QString &name) override;
 

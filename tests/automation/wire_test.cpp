@@ -28,7 +28,7 @@ class Objects : public ObjectTable {
     }
     [[nodiscard]] ObjectPtr first() const { return m_objects.front(); }
 
-    std::vector<KnownValue> along{{"Name", "first"}, {"Count", 3}};
+    std::vector<KnownValue> along{{"Name", "first"}, {"Count", 3, true}};
 
   private:
     std::vector<ObjectPtr> m_objects{std::make_shared<support::FakeObject>("Plain"),
@@ -75,6 +75,31 @@ TEST_F(Wire, AFrameIsReadAsItWasWritten) {
     ASSERT_EQ(read->along[0].values.size(), 2U);
     EXPECT_EQ(read->along[0].values[1].member, "Count");
     EXPECT_EQ(read->along[0].values[1].value, Value(3));
+    EXPECT_FALSE(read->along[0].values[0].isConstant);
+    EXPECT_TRUE(read->along[0].values[1].isConstant);
+}
+
+TEST_F(Wire, APathIsUnpackedAsItWasPackedOrNotAtAll) {
+    const Path path{{"Items", {}}, {"Find", {"filter", 3}}};
+    ValueList values = packed(path, {"last"});
+    const std::optional<Path> read = unpack(values);
+    ASSERT_TRUE(read && read->size() == 2);
+    EXPECT_EQ((*read)[1].member, "Find");
+    EXPECT_EQ((*read)[1].arguments, path[1].arguments);
+    EXPECT_EQ(values, ValueList{"last"});
+    const ValueList malformed[] = {{},
+                                   {"1"},
+                                   {-1},
+                                   {1},
+                                   {1, "Item"},
+                                   {1, 2, 0},
+                                   {1, "Item", 1},
+                                   {1, "Item", -1},
+                                   {1000000},
+                                   {2, "a", 0},
+                                   {1, "Item", 2147483647, "x"}};
+    for (ValueList wrong : malformed)
+        EXPECT_FALSE(unpack(wrong)) << wrong.size();
 }
 
 TEST_F(Wire, NoObjectComesAlongWithAnother) {

@@ -68,7 +68,7 @@ void subOpenTicket(const QString &strTicketID) {
         objSettings->GetSettings(false);
     }
     // A reply can name a ticket that is closed, or none at all.
-    const host::Item oui = oufTickets->Items().Find("[Ticket ID] = " + fncQuoted(strTicketID));
+    const host::Item oui = oufTickets->FindItem("[Ticket ID] = " + fncQuoted(strTicketID));
     if (oui)
         oui.Display();
 }

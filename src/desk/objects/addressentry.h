@@ -11,10 +11,10 @@ namespace desk::objects {
 class AddressEntry : public SessionObject {
     Q_OBJECT
     Q_CLASSINFO("SentAlong", "Name Address Type ID")
-    Q_PROPERTY(QString Name READ name)
-    Q_PROPERTY(QString Address READ address)
-    Q_PROPERTY(QString Type READ type)
-    Q_PROPERTY(QString ID READ id)
+    Q_PROPERTY(QString Name READ name CONSTANT)
+    Q_PROPERTY(QString Address READ address CONSTANT)
+    Q_PROPERTY(QString Type READ type CONSTANT)
+    Q_PROPERTY(QString ID READ id CONSTANT)
 
   public:
     AddressEntry(std::weak_ptr<desk::Session> session, QString name, QString address, QString type, QString id);

@@ -11,7 +11,7 @@ class AddressList : public SessionObject {
     Q_OBJECT
     Q_CLASSINFO("SentAlong", "ID")
     Q_PROPERTY(QString Name READ name)
-    Q_PROPERTY(QString ID READ id)
+    Q_PROPERTY(QString ID READ id CONSTANT)
 
   public:
     AddressList(std::weak_ptr<desk::Session> session, ContactsFolder folder);

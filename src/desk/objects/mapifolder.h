@@ -13,7 +13,7 @@ class MAPIFolder : public SessionObject {
     Q_CLASSINFO("SentAlong", "Name StoreID")
     Q_PROPERTY(QString Name READ name WRITE setName)
     Q_PROPERTY(QString EntryID READ entryId)
-    Q_PROPERTY(QString StoreID READ storeId)
+    Q_PROPERTY(QString StoreID READ storeId CONSTANT)
     Q_PROPERTY(QString FolderPath READ folderPath)
     Q_PROPERTY(Value Parent READ parent)
     Q_PROPERTY(int DefaultItemType READ defaultItemType)

@@ -20,6 +20,12 @@ class MAPIFolder : public Handle {
     /// `Folders.Item(name)`; fails for a missing folder.
     [[nodiscard]] MAPIFolder Folders(const QString &name) const;
     [[nodiscard]] host::Items Items() const;
+    /// `Items().Add(messageClass)`.
+    [[nodiscard]] Item AddItem(const QString &messageClass) const {
+        return callThrough({{"Items", {}}}, "Add", {messageClass});
+    }
+    /// `Items().Find(filter)`.
+    [[nodiscard]] Item FindItem(const QString &filter) const { return callThrough({{"Items", {}}}, "Find", {filter}); }
     /// 0 mail, 6 posts.
     [[nodiscard]] qint32 DefaultItemType() const { return number("DefaultItemType"); }
     [[nodiscard]] bool WebViewOn() const { return flag("WebViewOn"); }

@@ -32,6 +32,17 @@ Value Handle::call(const QString &member, const ValueList &arguments) const {
     return checked().call(member, arguments);
 }
 
+Value Handle::callThrough(const automation::Path &path, const QString &member, const ValueList &arguments) const {
+    return checked().callThrough(path, member, arguments);
+}
+
+void Handle::tryPut(const QString &member, const Value &value) const { tryPut({}, member, value); }
+
+void Handle::tryPut(const automation::Path &path, const QString &member, const Value &value) const {
+    if (m_object)
+        m_object->tryPut(path, member, value);
+}
+
 automation::SubscriptionPtr Handle::connect(const QString &event, automation::EventHandler handler) const {
     return checked().connect(event, std::move(handler));
 }

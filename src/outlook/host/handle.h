@@ -29,6 +29,9 @@ class Handle {
     /// Says which properties are read next, in whatever order: they come in one go where the host is another process.
     void readAhead(const QStringList &members) const;
     Value call(const QString &member, const ValueList &arguments = {}) const;
+    /// Writes a property where that can be done, and goes on at once: nobody learns of a failure, not even of that of
+    /// Nothing.
+    void tryPut(const QString &member, const Value &value) const;
     [[nodiscard]] automation::SubscriptionPtr connect(const QString &event, automation::EventHandler handler) const;
 
     /// Identity: the same object of the host, or both Nothing.
@@ -40,6 +43,10 @@ class Handle {
     [[nodiscard]] bool flag(const QString &member) const { return toBool(get(member)); }
 
     void ahead(const std::vector<automation::Question> &questions) const;
+    /// A call of an object that is met on the way only; one question where the host is another process.
+    [[nodiscard]] Value callThrough(const automation::Path &path, const QString &member,
+                                    const ValueList &arguments) const;
+    void tryPut(const automation::Path &path, const QString &member, const Value &value) const;
 
   private:
     [[nodiscard]] automation::Object &checked() const;

@@ -35,6 +35,8 @@ class UserProperties : public Handle {
     }
     /// By name or by position from 1; fails for a missing one.
     [[nodiscard]] UserProperty Item(const Value &index) const { return call("Item", {index}); }
+    /// Writes the value of the one with the name, as `tryPut` does.
+    void trySet(const QString &name, const Value &value) const { tryPut({{"Item", {name}}}, "Value", value); }
 };
 
 class Attachment : public Handle {
@@ -109,6 +111,10 @@ class Item : public Handle {
     [[nodiscard]] MAPIFolder Parent() const;
     [[nodiscard]] host::Attachments Attachments() const { return get("Attachments"); }
     [[nodiscard]] host::UserProperties UserProperties() const { return get("UserProperties"); }
+    /// `UserProperties().Find(name)`.
+    [[nodiscard]] UserProperty FindProperty(const QString &name) const {
+        return callThrough({{"UserProperties", {}}}, "Find", {name});
+    }
     [[nodiscard]] Inspector GetInspector() const;
 
     void Save() const { call("Save"); }
