@@ -13,6 +13,10 @@
 #include "reference/settings.h"
 #include "reference/texts.h"
 
+#include <QFile>
+#include <QScopeGuard>
+#include <QUuid>
+
 namespace settings {
 
 namespace {
@@ -22,15 +26,28 @@ constexpr char settingsSection[] = "settings";
 constexpr int nameColumn = 1;
 constexpr int valueColumn = 2;
 
-/// Creates the database as a first start does: the tables, then the settings with their first values.
+/// Makes the database as a first start does: the tables, then the settings with their first values. It gets its name
+/// when it is whole, so that nobody works on half of it. Where another program was first, the database is that one's.
 void createDatabase() {
-    if (!fncCreateAccessDB(strDBPath + "\\" + strDBFileName))
+    const QString name = std::exchange(strDBFileName.get(), QUuid::createUuid().toString(QUuid::Id128) + ".first");
+    const QString unnamed = *strDBPath + "\\" + *strDBFileName;
+    const QString named = *strDBPath + "\\" + name;
+    const auto finish = qScopeGuard([&] {
+        subCloseConnection();
+        strDBFileName = name;
+        for (const char *ending : {"", "-wal", "-shm"})
+            QFile::remove(ado::machinePath(unnamed) + ending);
+    });
+    if (!fncCreateAccessDB(unnamed))
         throw Failure(failures::unspecified, QString("The database could not be created in %1. Check the rights to the "
                                                      "folder and the room on its disk.")
                                                  .arg(ado::machinePath(fncProgramFolder())));
     subCreateSettings();
     objSettings->SaveSettings();
     subCloseConnection();
+    const auto failure = Attempt([&] { ado::moveJetFile(unnamed, named); });
+    if (failure && !QFile::exists(ado::machinePath(named)))
+        throw Failure(*failure);
 }
 
 QString findDatabase(Installation::Missing missing) {
