@@ -165,13 +165,14 @@ void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender) t
             return;
         const auto dicWork = objTicket.WorkDescs->dicWorkDesc;
         dicWork->Add(QString::number(dicWork->Count() + 1), objWork);
-        // The item goes first. Another client may add a row of its own meanwhile, and only the item's save tells: then
-        // the log is read anew. A table that has the row already would no longer fit it.
-        if (intTry == mostTries)
-            objTicket.SaveToOutlook(false, false, ouiPost);
-        else if (!objTicket.SaveToOutlookIfUnchanged(ouiPost))
+        // Another client may add a row of its own meanwhile, and only the item's save tells: then the log is read anew.
+        const auto failure = Attempt([&] { objTicket.SaveBoth(ouiPost); });
+        if (failure && host::isChangedElsewhere(*failure) && intTry < mostTries)
             continue;
-        objTicket.SaveToDB();
+        if (failure) {
+            objTicket.SaveToDB();
+            objTicket.SaveToOutlook(false, false, ouiPost);
+        }
         // Shows the ticket as changed in the folder.
         ouiPost.UnRead(true);
         return;

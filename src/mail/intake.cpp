@@ -68,10 +68,6 @@ void subMark(const host::Item &oui, const QString &strMark) {
     oui.Save();
 }
 
-bool fncIsElsewhere(const Failure &failure) {
-    return failure.number() == failures::itemChanged || failure.number() == failures::itemGone;
-}
-
 /// False for a reply that another client files or has filed. One that can't be marked is filed all the same.
 bool fncBegin(const host::Item &oui) {
     bool blnFree = true;
@@ -81,14 +77,14 @@ bool fncBegin(const host::Item &oui) {
         if (blnFree)
             subMark(oui, strWorkingMark);
     });
-    return blnFree && !(failure && fncIsElsewhere(*failure));
+    return blnFree && !(failure && host::isChangedElsewhere(*failure));
 }
 
 /// The mark goes last: a reply that somebody takes back into the folder is a new one there.
 void subEnd(const host::Item &oui, const host::MAPIFolder &oufReceived) {
     const auto failure = Attempt([&] { oui.Move(oufReceived); });
     // Somebody has put it elsewhere in the meantime.
-    if (failure && !fncIsElsewhere(*failure))
+    if (failure && !host::isChangedElsewhere(*failure))
         throw Failure(*failure);
     Attempt([&] { subMark(oui, ""); });
 }

@@ -56,19 +56,24 @@ class cTicket {
     /// stays Nothing then. With `blnDisplay` the item is saved and shown, otherwise closed with saving. A given item
     /// comes out unread.
     void SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTicket) const;
-    /// The same for a given item that is not shown. Returns false, with nothing saved, where somebody else has saved or
-    /// taken the item away since it was opened.
-    [[nodiscard]] bool SaveToOutlookIfUnchanged(const host::Item &ouiTicket) const;
     /// Fills the record from the row that the recordset stands on. A Null where none may be ends the reading: what was
     /// read stays.
     void ReadFromDB(const Ref<ado::Recordset> &adrRecord);
     /// Writes the row, all its columns, and appends the work rows that are new. A ticket that has no row gets one, and
     /// one without a number gets the row's.
     void SaveToDB();
+    /// `SaveToDB` and `SaveToOutlook` of a ticket that has both and is not shown, without a report: both are saved or
+    /// none. Fails as the one that can't be saved; with 0x80040109 or 0x8004010A where somebody else has saved the
+    /// item, or taken it away, since it was opened.
+    void SaveBoth(const host::Item &ouiTicket);
     /// The plain-text digest.
     [[nodiscard]] QString ToString() const;
     /// The page for a mail to the caller (1), to the responsible (2) or for printing (3).
     [[nodiscard]] QString ToHTML(qint32 OutputOption) const;
     /// The ticket folder's item of this number, or Nothing.
     [[nodiscard]] host::Item GetPostItem() const;
+
+  private:
+    [[nodiscard]] Ref<ado::Recordset> OpenRow() const;
+    void WriteRow(const Ref<ado::Recordset> &adrTickets);
 };

@@ -9,8 +9,6 @@
 #include "reference/settings.h"
 #include "reference/texts.h"
 
-#include <QScopeGuard>
-
 namespace {
 /// What the 16-bit column of open minutes gets at most.
 constexpr qint32 mostMinutesOpen = 31000;
@@ -77,14 +75,12 @@ void writeColumns(const Row &row, const cTicket &objTicket) {
 /// Writes the new row and its number into it, both or none: a row without its number would not be found again, and the
 /// next save would add another. Gives the number.
 QString addRow(ado::Recordset &adrTickets, const Row &row, const QString &strTicketID) {
-    adoConnection->BeginTrans();
-    auto undo = qScopeGuard([] { Attempt([] { adoConnection->RollbackTrans(); }); });
+    ado::Transaction transaction(**adoConnection);
     adrTickets.Update();
     const QString strNumber = strTicketID.isEmpty() ? row.plain("intTicketID") : strTicketID;
     row.set("strTicketID", strNumber);
     adrTickets.Update();
-    adoConnection->CommitTrans();
-    undo.dismiss();
+    transaction.commit();
     return strNumber;
 }
 
@@ -104,13 +100,12 @@ Ref<cResponsible> readResponsible(const Row &row) {
 }
 } // namespace
 
-void cTicket::SaveToDB() try {
-    const auto adrTickets =
-        fncReturnRecordset("Select * from tblTickets where strTicketID = " + fncQuoted(TicketID), false, true, false);
-    if (!adrTickets) {
-        subAssistantMessage(ouaOutlook, "Failed to open tblTickets for writing!" + (strLineEnd + LNGCHECKPERM));
-        return;
-    }
+Ref<ado::Recordset> cTicket::OpenRow() const {
+    return fncReturnRecordset("Select * from tblTickets where strTicketID = " + fncQuoted(TicketID), false, true,
+                              false);
+}
+
+void cTicket::WriteRow(const Ref<ado::Recordset> &adrTickets) {
     subTrace("Writing Ticket '" + Subject + "' to database");
     const bool added = adrTickets->IsEOF() || TicketID.isEmpty();
     if (added)
@@ -122,6 +117,15 @@ void cTicket::SaveToDB() try {
     else
         adrTickets->Update();
     subTrace("Writing work items to database");
+}
+
+void cTicket::SaveToDB() try {
+    const auto adrTickets = OpenRow();
+    if (!adrTickets) {
+        subAssistantMessage(ouaOutlook, "Failed to open tblTickets for writing!" + (strLineEnd + LNGCHECKPERM));
+        return;
+    }
+    WriteRow(adrTickets);
     WorkDescs->WriteToDB(TicketID);
 } catch (const Failure &failure) {
     if (failure.number() != failures::unspecified)

@@ -102,16 +102,19 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
     subErrorHandler(failure, "SaveToOutlook");
 }
 
-bool cTicket::SaveToOutlookIfUnchanged(const host::Item &ouiTicket) const try {
+void cTicket::SaveBoth(const host::Item &ouiTicket) {
+    // Other clients wait here, so that of two that write to one ticket the second meets what the first has saved.
+    ado::Transaction transaction(**adoConnection);
+    const auto adrTickets = OpenRow();
+    if (!adrTickets)
+        throw Failure(failures::unspecified);
+    WriteRow(adrTickets);
+    WorkDescs->AppendToDB(TicketID);
     subTrace("Saving values to Outlook object. Subject  = " + Subject);
     writeItem(ouiTicket, *this);
     ouiTicket.UnRead(true);
     ouiTicket.Close(closeSaving);
-    return true;
-} catch (const Failure &failure) {
-    if (failure.number() != failures::itemChanged && failure.number() != failures::itemGone)
-        subErrorHandler(failure, "SaveToOutlook");
-    return false;
+    transaction.commit();
 }
 
 host::Item cTicket::GetPostItem() const {

@@ -47,6 +47,8 @@ class cWorkDescs {
     [[nodiscard]] qint16 MinutesTotal() const;
     /// Appends to `tblWork` the rows that it does not have yet. They are told by their position alone.
     void WriteToDB(const QString &strTicketID) const;
+    /// The same without a report: fails as the database does.
+    void AppendToDB(const QString &strTicketID) const;
     /// Replaces all rows from `tblWork`; a ticket number that is no number leaves them.
     void ReadFromDB(const QString &strTicketID);
 };

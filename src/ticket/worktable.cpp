@@ -7,8 +7,6 @@
 #include "database/connection.h"
 #include "reference/texts.h"
 
-#include <QScopeGuard>
-
 namespace {
 /// One less than the column holds.
 constexpr int longestDescription = 254;
@@ -39,6 +37,12 @@ Ref<cWorkDescription> readRow(ado::Recordset &adrWork) {
 } // namespace
 
 void cWorkDescs::WriteToDB(const QString &strTicketID) const try {
+    AppendToDB(strTicketID);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cWorkDescs_WriteToDB");
+}
+
+void cWorkDescs::AppendToDB(const QString &strTicketID) const {
     const QList<Ref<cWorkDescription>> rows = dicWorkDesc->Items();
     if (rows.isEmpty())
         return;
@@ -46,15 +50,11 @@ void cWorkDescs::WriteToDB(const QString &strTicketID) const try {
     if (openWork(ticket)->RecordCount() >= rows.size())
         return;
     // Counted once more with the table to itself: of two clients that count at once each would append the same rows.
-    adoConnection->BeginTrans();
-    auto undo = qScopeGuard([] { Attempt([] { adoConnection->RollbackTrans(); }); });
+    ado::Transaction transaction(**adoConnection);
     const Ref<ado::Recordset> adrWork = openWork(ticket);
     for (qsizetype row = adrWork->RecordCount(); row < rows.size(); ++row)
         appendRow(*adrWork, *rows[row], ticket);
-    adoConnection->CommitTrans();
-    undo.dismiss();
-} catch (const Failure &failure) {
-    subErrorHandler(failure, "cWorkDescs_WriteToDB");
+    transaction.commit();
 }
 
 void cWorkDescs::ReadFromDB(const QString &strTicketID) try {

@@ -7,6 +7,7 @@
 #include "mail/createticket.h"
 #include "mail/intake.h"
 #include "support/helpdesk.h"
+#include "ticket/worklog.h"
 
 #include <QFile>
 
@@ -360,21 +361,33 @@ TEST_F(FolderMonitor, AReplyThatTwoWatchersMeetIsFiledOnceWheneverTheSecondComes
     EXPECT_TRUE(first.run.alive() && second.run.alive());
 }
 
-TEST_F(FolderMonitor, TwoRepliesToOneTicketAtTheSameMomentBothStandInItsLog) {
+TEST_F(FolderMonitor, WhatOthersDoToATicketWhileAReplyIsNotedStandsBesideIt) {
     const auto questions = countQuestions();
     auto &first = start();
     deliver({.subject = "a problem"});
     auto &second = start();
-    questions->before = [&](const QString &question) {
-        if (question != "PostItem.Close()")
-            return;
-        questions->before = nullptr;
-        second.in([] { subAddEmailWorkItem("1", "Second"); });
+    const auto meanwhile = [&](const QString &step, const std::function<void()> &others) {
+        questions->before = [=](const QString &question) {
+            if (question != step)
+                return;
+            questions->before = nullptr;
+            others();
+        };
+        first.in([] { subAddEmailWorkItem("1", "First"); });
+        EXPECT_EQ(questions->before, nullptr) << step.toStdString();
     };
-    first.in([] { subAddEmailWorkItem("1", "First"); });
-    EXPECT_EQ(rows("SELECT * FROM tblWork", {"strPersonName"}), (QStringList{"Second", "First"}));
-    const QString log = property(ticket(), "WorkDescriptions0");
-    EXPECT_TRUE(log.contains("First") && log.contains("Second")) << log.toStdString();
+    // The first has read the log, and next has written its row.
+    meanwhile("PostItem.Subject", [&] { second.in([] { subAddEmailWorkItem("1", "Second"); }); });
+    meanwhile("PostItem.Close()", [&] {
+        const host::Item seen = ticket();
+        seen.put("Categories", "seen");
+        seen.Save();
+    });
+    EXPECT_EQ(rows("SELECT * FROM tblWork", {"strPersonName"}), (QStringList{"Second", "First", "First"}));
+    cWorkDescs objLog;
+    objLog.FromString(property(ticket(), "WorkDescriptions0"));
+    EXPECT_EQ(objLog.dicWorkDesc->Count(), 3);
+    EXPECT_EQ(ticket().get("Categories"), Value("seen"));
 }
 
 // ---- the ends of the road

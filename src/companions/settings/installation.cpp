@@ -190,14 +190,9 @@ Installation::Installation(Missing missing) : m_connection(Ref<ado::Connection>:
 }
 
 void Installation::asAWhole(const std::function<void()> &changes) const {
-    m_connection->BeginTrans();
-    try {
-        changes();
-        m_connection->CommitTrans();
-    } catch (const Failure &) {
-        static_cast<void>(Attempt([&] { m_connection->RollbackTrans(); }));
-        throw;
-    }
+    ado::Transaction transaction(*m_connection);
+    changes();
+    transaction.commit();
 }
 
 Ref<ado::Recordset> Installation::open(const QString &source, ado::LockType lock) const {

@@ -8,6 +8,11 @@ namespace host {
 class MAPIFolder;
 class Inspector;
 
+/// Whether an item could not be saved or moved since somebody else has saved it, or taken it away, in the meantime.
+[[nodiscard]] inline bool isChangedElsewhere(const Failure &failure) {
+    return failure.number() == failures::itemChanged || failure.number() == failures::itemGone;
+}
+
 class UserProperty : public Handle {
   public:
     using Handle::Handle;

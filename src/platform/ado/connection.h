@@ -30,7 +30,7 @@ class Connection {
     [[nodiscard]] bool IsOpen() const { return m_provider != nullptr; }
 
     /// What is written until `CommitTrans` is done as a whole, or not at all. A connection that is closed before it
-    /// rolls it back.
+    /// rolls it back. One inside of another is a part of it.
     void BeginTrans() { provider()->begin(); }
     void CommitTrans() { provider()->commit(); }
     void RollbackTrans() { provider()->rollback(); }
@@ -42,6 +42,28 @@ class Connection {
     QString m_connectionString;
     int m_commandTimeout = 10;
     std::shared_ptr<Provider> m_provider;
+};
+
+/// A transaction for the time of a scope: rolled back unless it was committed. REQUIRES: the connection outlives it.
+class Transaction {
+  public:
+    explicit Transaction(Connection &connection) : m_connection(connection) { m_connection.BeginTrans(); }
+    ~Transaction() {
+        if (m_isOpen)
+            Attempt([this] { m_connection.RollbackTrans(); });
+    }
+    Transaction(const Transaction &) = delete;
+    Transaction &operator=(const Transaction &) = delete;
+
+    /// What fails to be committed is rolled back.
+    void commit() {
+        m_connection.CommitTrans();
+        m_isOpen = false;
+    }
+
+  private:
+    Connection &m_connection;
+    bool m_isOpen = true;
 };
 
 } // namespace ado

@@ -132,9 +132,20 @@ class JetFile final : public Provider {
             syncLog();
     }
 
-    void begin() override { m_database.run("BEGIN IMMEDIATE"); }
-    void commit() override { m_database.run("COMMIT"); }
-    void rollback() override { m_database.run("ROLLBACK"); }
+    void begin() override {
+        m_database.run(m_depth == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT inner");
+        ++m_depth;
+    }
+    void commit() override {
+        m_database.run(m_depth <= 1 ? "COMMIT" : "RELEASE inner");
+        --m_depth;
+    }
+    void rollback() override {
+        m_depth = std::max(m_depth - 1, 0);
+        m_database.run(m_depth == 0 ? "ROLLBACK" : "ROLLBACK TO inner");
+        if (m_depth > 0)
+            m_database.run("RELEASE inner");
+    }
 
   private:
     void syncLog() {
@@ -259,6 +270,8 @@ class JetFile final : public Provider {
     QSet<QString> m_money;
     bool m_haveMoney = false;
     std::optional<int> m_changesBeforeRun;
+    /// Transactions that are open, one inside of the other.
+    int m_depth = 0;
 };
 
 } // namespace

@@ -295,6 +295,18 @@ TEST_P(Contract, DoesATransactionAsAWholeOrNotAtAll) {
     m_connection->Close();
     m_connection->Open();
     EXPECT_EQ(column(open(), "strText"), "c");
+    {
+        ado::Transaction outer(*m_connection);
+        ado::Transaction(*m_connection).commit();
+        addTexts({"e"});
+        {
+            const ado::Transaction undone(*m_connection);
+            addTexts({"f"});
+        }
+        EXPECT_EQ(column(openRecordset(m_engine->connect(), "tblAll"), "strText"), "c") << "the outer one is open";
+        EXPECT_EQ(column(open(), "strText"), "c,e");
+    }
+    EXPECT_EQ(column(open(), "strText"), "c");
 }
 
 TEST_P(Contract, ChangesMadeTogetherStandAloneAllTheSame) {
