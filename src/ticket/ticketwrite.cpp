@@ -4,6 +4,7 @@
 
 #include "core/dialogs.h"
 #include "core/runtime.h"
+#include "database/connection.h"
 #include "outlook/host/folders.h"
 #include "outlook/properties.h"
 #include "outlook/session.h"
@@ -103,6 +104,7 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
 }
 
 void cTicket::SaveBoth(const host::Item &ouiTicket) {
+    subSetupConnection();
     // Other clients wait here, so that of two that write to one ticket the second meets what the first has saved.
     ado::Transaction transaction(**adoConnection);
     const auto adrTickets = OpenRow();
