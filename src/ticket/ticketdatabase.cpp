@@ -22,6 +22,10 @@ class Row {
     explicit Row(const Ref<ado::Recordset> &adrRS) : m_adrRS(adrRS) {}
 
     void set(const QString &strColumn, const Value &varValue) const { m_adrRS->Fields(strColumn).SetValue(varValue); }
+    /// As much as the column takes: what a mail brings may be longer, and the item keeps it whole.
+    void setText(const QString &strColumn, const QString &strText) const {
+        set(strColumn, fncCut(strText, ado::longestText));
+    }
     [[nodiscard]] Value value(const QString &strColumn) const { return m_adrRS->Fields(strColumn).Value(); }
     /// Fails with 94 on Null.
     [[nodiscard]] QString plain(const QString &strColumn) const { return toText(value(strColumn)); }
@@ -33,10 +37,10 @@ class Row {
 
 void writeCaller(const Row &row, const cCaller &objCaller) {
     row.set("strCustomerCategory", fncCut(objCaller.Category, longestCategory));
-    row.set("strCustomerComment", objCaller.Comment);
-    row.set("strCustomerEmail", objCaller.Email);
-    row.set("strCustomerName", objCaller.FullName);
-    row.set("strCustomerPhone", objCaller.Telephone);
+    row.setText("strCustomerComment", objCaller.Comment);
+    row.setText("strCustomerEmail", objCaller.Email);
+    row.setText("strCustomerName", objCaller.FullName);
+    row.setText("strCustomerPhone", objCaller.Telephone);
 }
 
 void writeOpenTime(const Row &row, const cTicket &objTicket) {
@@ -50,7 +54,7 @@ void writeOpenTime(const Row &row, const cTicket &objTicket) {
 void writeColumns(const Row &row, const cTicket &objTicket) {
     row.set("strDescriptionHTML", neverEmpty(objTicket.HTMLDescription));
     row.set("strDescription", neverEmpty(objTicket.Description));
-    row.set("strTicketSubject", objTicket.Subject);
+    row.setText("strTicketSubject", objTicket.Subject);
     if (objTicket.ProblemType && objTicket.ProblemType->ID > 0)
         row.set("intTicketType", objTicket.ProblemType->ID);
     if (objTicket.Caller)
@@ -67,7 +71,7 @@ void writeColumns(const Row &row, const cTicket &objTicket) {
     row.set("curRate", objTicket.Rate);
     if (!objTicket.TicketID.isEmpty())
         row.set("strTicketID", objTicket.TicketID);
-    row.set("strTicketStatus", objTicket.TicketStatus);
+    row.setText("strTicketStatus", objTicket.TicketStatus);
     row.set("strWeekdayName", weekdayName(objTicket.DateCreated.weekdayFromMonday()));
     row.set("strMonthName", monthName(objTicket.DateCreated.month()));
 }

@@ -18,7 +18,7 @@ Ref<ado::Recordset> openWork(qint32 lngTicketID) {
 
 void appendRow(ado::Recordset &adrWork, const cWorkDescription &objWork, qint32 lngTicketID) {
     adrWork.AddNew();
-    adrWork.Fields("strPersonName").SetValue(objWork.User);
+    adrWork.Fields("strPersonName").SetValue(fncCut(objWork.User, ado::longestText));
     adrWork.Fields("intMinutesWorked").SetValue(objWork.Minutes);
     adrWork.Fields("dteWorkedDate").SetValue(objWork.WorkDate);
     adrWork.Fields("strWorkDescription").SetValue(fncTrim(fncCut(objWork.Description, longestDescription)));

@@ -191,6 +191,8 @@ TEST_F(Settings, AnImportIsDoneAsAWholeOrNotAtAll) {
         {head + "[problem types]\nA\t\tnan\n" + end, "Line 5 can't be taken: \"nan\" is no number"},
         {head + "[responsibles]\nAnn\tx\t1e40\n" + end, "Line 5 can't be taken: 1e40 is too large"},
         {head + "[settings]\nKBPath\ta\nkbpath\tb\n" + end, "Line 6 can't be taken: \"kbpath\" comes twice"},
+        {head + "[responsibles]\nAnn\t" + QByteArray(256, 'e') + "\t\n" + end, "Line 5 can't be taken: The text has"},
+        {head + "[settings]\n" + QByteArray(256, 'n') + "\tv\n" + end, "Line 5 can't be taken: a name takes 255"},
         {head + "[responsibles]\nAnn\n" + end, "Line 5 can't be taken: the row of [responsibles] has 1 fields"},
         {head + "[callers]\nCy\t\t\t\t\ncy\t\t\t\t\n" + end, "Line 6 can't be taken: \"cy\" comes twice"},
         {head + "[caller categories]\n\\e\n" + end, "Line 5 can't be taken: the row of [caller categories] has no"},
@@ -257,7 +259,7 @@ TEST_F(Settings, TakesAwkwardValuesThereAndBack) {
         set->Update();
         callers->AddNew();
         for (const char *column : {"strFullName", "strEmail", "strComment", "strCategory"})
-            callers->Fields(column).SetValue(awkward[at]);
+            callers->Fields(column).SetValue(awkward[at].left(255));
         callers->Update();
     }
     for (const qint64 scaled : {std::numeric_limits<qint64>::max() - 1, qint64{-1}, qint64{0}}) {

@@ -59,7 +59,7 @@ Value heldValue(const QString &column, const Row &row, const QString &text) {
     try {
         const Value value = fieldValue(column, text);
         if (value.isNull() || column.startsWith("str"))
-            return value;
+            return ado::columnValue(ado::ColumnType::Text, value);
         return column.startsWith("cur") ? Value(toCurrency(value)) : Value(toInt16(value));
     } catch (const Failure &failure) {
         if (failure.number() != failures::overflow)
@@ -131,6 +131,8 @@ void checkNames(const Section &section) {
     for (const Row &row : section.rows) {
         if (row.fields[0].isEmpty())
             refuseLine(row.line, QString("the row of [%1] has no name").arg(section.name));
+        if (row.fields[0].size() > ado::longestText)
+            refuseLine(row.line, QString("a name takes %1 characters at most").arg(ado::longestText));
         if (met.contains(folded(row.fields[0])))
             refuseLine(row.line, QString("\"%1\" comes twice in [%2]").arg(row.fields[0], section.name));
         met.insert(folded(row.fields[0]));

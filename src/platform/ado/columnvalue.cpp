@@ -1,3 +1,4 @@
+#include "platform/ado/errors.h"
 #include "platform/ado/provider.h"
 #include "platform/value/convert.h"
 
@@ -29,7 +30,16 @@ Value columnValue(ColumnType type, const Value &value) {
     if (value.isNull() || value.isEmpty())
         return Value::Null{};
     switch (type) {
-    case ColumnType::Text:
+    case ColumnType::Text: {
+        const QString text = toText(value);
+        if (text.size() > longestText)
+            throw Failure(constraintFailed, QString("The text has %1 characters, and the column takes %2 at most. "
+                                                    "Shorten it and try again: %3 ...")
+                                                .arg(text.size())
+                                                .arg(longestText)
+                                                .arg(text.left(50)));
+        return holdable(text);
+    }
     case ColumnType::Memo:
         return holdable(toText(value));
     case ColumnType::Short:

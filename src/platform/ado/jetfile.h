@@ -6,7 +6,6 @@
 /// - a column that numbers itself is INTEGER PRIMARY KEY AUTOINCREMENT;
 /// - captions in the table `jet_properties` (written by `platform/dao`).
 /// A file with that table was made here and keeps a log beside it (WAL); any other stays in the mode it has.
-/// A text column takes texts longer than 255 characters whole: nothing that a mail brings may fail or be cut for it.
 ///
 /// Look-ups by one column keep an index of their own, named "lookup" with the table's and the column's names. The
 /// schema promises only the primary keys; these come with the first look-up and may be dropped at any time.

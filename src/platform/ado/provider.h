@@ -13,7 +13,7 @@ namespace ado {
 /// The types that a column's values are held to.
 enum class ColumnType {
     Unknown,    ///< an expression, or a column of a foreign file: values as they are stored
-    Text,       ///< up to 255 characters by its declaration; a longer text is kept whole rather than lost
+    Text,       ///< up to `longestText` characters
     Memo,       ///< long text; takes no empty text where the schema says so
     Short,      ///< 16 bits; overflows with 6
     Long,       ///< 32 bits; overflows with 6
@@ -23,6 +23,9 @@ enum class ColumnType {
     Flag,       ///< true is -1
     Double,
 };
+
+/// What a text column takes, in UTF-16 units.
+constexpr qsizetype longestText = 255;
 
 struct Column {
     QString name;

@@ -21,7 +21,8 @@ class Field {
     /// The value at the current row, with what was set since. Fails with `noCurrentRecord` where there is none.
     [[nodiscard]] ::Value Value() const;
     /// Changes the value of the current row; `Update` writes it. The value is turned into the column's type: 6 for a
-    /// number that the column does not hold, 13 for a value that is none of its kind.
+    /// number that the column does not hold, 13 for a value that is none of its kind, `constraintFailed` for a text
+    /// that is too long.
     void SetValue(const ::Value &value);
 
   private:

@@ -37,6 +37,7 @@ constexpr TypeName typeNames[] = {
 };
 
 QString emptyTextRule(const QString &column) { return column + " takes no empty text"; }
+QString longTextRule(const QString &column) { return column + " takes no longer text"; }
 
 /// A new name in a directory lasts from here on.
 void syncDirectory(const QString &directory) {
@@ -93,8 +94,11 @@ QString Schema::definition(const Field &field) {
         return QString("%1 INTEGER PRIMARY KEY AUTOINCREMENT CHECK (%1 BETWEEN 1 AND 2147483647)").arg(name);
     }
     QString text = name + ' ' + type->name;
-    if (field.Type == dbText)
-        text += QString("(%1)").arg(field.Size > 0 ? field.Size : 255);
+    if (field.Type == dbText) {
+        const qint32 size = field.Size > 0 ? field.Size : qint32{ado::longestText};
+        text += QString("(%1) CONSTRAINT %2 CHECK (length(%3) <= %1)")
+                    .arg(QString::number(size), quotedName(longTextRule(field.Name)), name);
+    }
     if ((field.Type == dbText || field.Type == dbMemo) && !field.AllowZeroLength)
         text += QString(" CONSTRAINT %1 CHECK (%2 <> '')").arg(quotedName(emptyTextRule(field.Name)), name);
     return text;

@@ -29,8 +29,8 @@ class JetFileTest : public ::testing::Test {
 TEST_F(JetFileTest, SaysWhatIsWrongWithTheFile) {
     {
         const Ref<ado::Connection> connection = m_engine.connect();
-        for (int at = 0; at < 20; ++at)
-            addRow(connection, QString(2000, u'x'));
+        for (int at = 0; at < 160; ++at)
+            addRow(connection, QString(250, u'x'));
     }
     // Another program's, so that not even its mode is ours to change.
     const QByteArray whole = contentOf(m_engine.file()).replace("jet_properties", "other_property");
@@ -87,7 +87,10 @@ TEST_F(JetFileTest, AFullDiskLeavesTheRowAsItWas) {
     limit.SetActiveConnection(connection);
     limit.SetCommandText("PRAGMA max_page_count = 4");
     limit.Execute();
-    expectFailure([&] { addRow(connection, QString(100000, u'x')); }, failures::unspecified, {"full"});
+    const Ref<ado::Recordset> set = openRecordset(connection, "tblAll");
+    set->AddNew();
+    set->Fields("strMemo").SetValue(QString(100000, u'x'));
+    expectFailure([&] { set->Update(); }, failures::unspecified, {"full"});
     addRow(connection, "b");
     EXPECT_EQ(rows(), 2);
 }

@@ -87,6 +87,7 @@ TEST_F(Definition, AFileMadeHereTakesRowsAndHoldsItsRules) {
         const Ref<Database> database = create();
         const Ref<TableDef> table = addTable(database, "tblOne");
         table->AppendField(table->CreateField("strMemo", dbMemo));
+        table->AppendField(table->CreateField("strText", dbText, 5));
         database->Close();
     }
     const auto connection = Ref<ado::Connection>::make();
@@ -101,6 +102,9 @@ TEST_F(Definition, AFileMadeHereTakesRowsAndHoldsItsRules) {
     set->Fields("strMemo").SetValue("");
     EXPECT_EQ(failureOf([&] { set->Update(); }), ado::constraintFailed);
     set->Fields("strMemo").SetValue("x");
+    set->Fields("strText").SetValue("abcdef");
+    EXPECT_EQ(failureOf([&] { set->Update(); }), ado::constraintFailed);
+    set->Fields("strText").SetValue("abcde");
     set->Update();
     EXPECT_EQ(set->Fields("intID").Value(), Value(qint32{1}));
 
