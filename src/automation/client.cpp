@@ -383,10 +383,8 @@ Value RemoteObject::callThrough(const Path &path, const QString &member, const V
 }
 
 void RemoteObject::tryPut(const Path &path, const QString &member, const Value &value) {
-    m_connection->tell({.kind = FrameKind::TryPut,
-                        .target = m_handle,
-                        .text = member,
-                        .values = wire::packed(path, {value})});
+    m_connection->tell(
+        {.kind = FrameKind::TryPut, .target = m_handle, .text = member, .values = wire::packed(path, {value})});
 }
 
 SubscriptionPtr RemoteObject::connect(const QString &event, EventHandler handler) {

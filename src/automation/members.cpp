@@ -196,7 +196,7 @@ void MemberTable::addProperties(const QMetaObject &metaObject) {
         const std::optional<Kind> kind = kindOf(property.metaType());
         if (kind && property.isReadable())
             m_members[QString::fromLatin1(property.name())].property = {i, *kind, property.isWritable(),
-                                                                            property.isConstant()};
+                                                                        property.isConstant()};
     }
 }
 

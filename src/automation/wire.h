@@ -40,7 +40,7 @@ enum class FrameKind : quint8 {
     Answer = 11,    ///< call: what it answers, values: the result
     Refusal = 12,   ///< call: what it answers, number and text: the failure
     Through = 13,   ///< as Call, of the object at the end of a path; values: the path, packed, and the arguments
-    TryPut = 14,    ///< as Put, of the object at the end of a path; values: the path, packed, and one value; not answered
+    TryPut = 14,    ///< as Put, of the object at the end of a path; values: the path, packed, the value; not answered
 };
 
 /// What came along with a reference.

@@ -14,6 +14,6 @@ QString fncCreateSingleTicket(const host::Item &ouiMail);
 /// \param oups  the ticket's properties.
 void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups);
 
-/// Notes in the ticket's work log that a mail has come, also while other clients write to that log. Nothing happens for a
-/// number that is no ticket's, or for a ticket that can't be read.
+/// Notes in the ticket's work log that a mail has come, also while other clients write to that log. Nothing happens for
+/// a number that is no ticket's, or for a ticket that can't be read.
 void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender);

@@ -36,7 +36,7 @@ struct Change {
 /// Fails, with the line, for a row without a name and one that comes twice.
 void checkNames(const Section &section);
 
-/// The same, and for a number that is none or does not fit its column.
+/// The same, and for a value that is none of its column's kind, or does not fit it.
 void checkList(const ListTable &table, const Section &section);
 
 /// Brings the whole table, open for writing, in line with the section: adds what is new, writes what changed, deletes

@@ -25,9 +25,8 @@ struct ProgramSetup {
 
 class ProgramRun {
   public:
-    /// \param ended  called once when the run has ended, from inside of it: a question that it ended under is still
-    /// open
-    ///        then and has to be closed.
+    /// \param ended  called once when the run has ended, from inside of it: a question that it ended under is open
+    ///               then, and has to be closed.
     explicit ProgramRun(ProgramSetup setup, std::function<void()> ended = {});
     /// Ends the run.
     ~ProgramRun();
