@@ -20,8 +20,9 @@ class Counting : public automation::Object {
 
         void ask(const QString &question) {
             append(question);
-            if (before)
-                before(question);
+            // A copy, since a step that is done takes itself away.
+            if (const auto step = before)
+                step(question);
             if (failing.contains(question))
                 throw Failure(failing[question], QStringLiteral("failed on demand"));
         }
