@@ -370,8 +370,9 @@ TEST_F(FolderMonitor, WhatOthersDoToATicketWhileAReplyIsNotedStandsBesideIt) {
         questions->before = [=](const QString &question) {
             if (question != step)
                 return;
+            const auto comeIn = others; // what this step holds goes with it
             questions->before = nullptr;
-            others();
+            comeIn();
         };
         first.in([] { subAddEmailWorkItem("1", "First"); });
         EXPECT_EQ(questions->before, nullptr) << step.toStdString();

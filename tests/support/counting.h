@@ -20,9 +20,8 @@ class Counting : public automation::Object {
 
         void ask(const QString &question) {
             append(question);
-            // A copy, since a step that is done takes itself away.
-            if (const auto step = before)
-                step(question);
+            if (before)
+                before(question);
             if (failing.contains(question))
                 throw Failure(failing[question], QStringLiteral("failed on demand"));
         }
