@@ -4,6 +4,7 @@
 #include "platform/value/failure.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 
@@ -85,21 +86,26 @@ class MboxSource final : public MessageSource {
     bool m_hasFailed = false;
 };
 
-QStringList filesIn(const QString &path, const QStringList &patterns = {}) {
-    const QDir folder(path);
-    QStringList names = folder.entryList(patterns, QDir::Files);
+QStringList filesIn(const QString &path, const QStringList &patterns = {},
+                    QDirIterator::IteratorFlags flags = QDirIterator::NoIteratorFlags) {
+    QStringList paths;
+    for (QDirIterator files(path, patterns, QDir::Files, flags); files.hasNext();)
+        paths += files.next();
     // By code units: the same on every machine, whatever its language.
-    std::sort(names.begin(), names.end());
-    for (QString &name : names)
-        name = folder.filePath(name);
-    return names;
+    std::sort(paths.begin(), paths.end());
+    return paths;
 }
 
 QStringList messagesIn(const QString &path) {
     const QDir folder(path);
     if (folder.exists("cur") && folder.exists("new"))
         return filesIn(folder.filePath("new")) + filesIn(folder.filePath("cur"));
-    return filesIn(path, {"*.eml"});
+    QStringList files = filesIn(path, {"*.eml"}, QDirIterator::Subdirectories);
+    if (files.isEmpty())
+        throw Failure(
+            failures::fileNotFound,
+            QString("The folder \"%1\" is no Maildir and has no .eml files, nor have those below it.").arg(path));
+    return files;
 }
 
 } // namespace

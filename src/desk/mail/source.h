@@ -22,14 +22,15 @@ struct SourceMessage {
 /// A run over the messages at a path, each read only when it is asked for.
 ///
 /// What stands at the path is found out by looking: a folder with "cur" and "new" is a Maildir (the flags in its names
-/// mean nothing here), any other folder is one of .eml files, taken in the order of their names; a file that begins
-/// with "From " is an mbox, any other file one message.
+/// mean nothing here), any other folder is one of .eml files, taken with those of the folders below it in the order of
+/// their paths; a file that begins with "From " is an mbox, any other file one message.
 class MessageSource {
   public:
     /// A longer message is reported as an error and passed over.
     static constexpr qint64 MaximumSize = qint64(256) * 1024 * 1024;
 
-    /// Fails with 53 when nothing is there, with 70 when it can't be read.
+    /// Fails with 53 when nothing is there, or no message in a folder that is no Maildir, with 70 when it can't be
+    /// read.
     static std::unique_ptr<MessageSource> open(const QString &path, qint64 maximumSize = MaximumSize);
 
     /// The messages of an mbox on a device that is open and can be searched. Where it can't be read any further, the

@@ -53,12 +53,14 @@ TEST_F(Sources, AnEmlFileIsOneMessageWhateverItBeginsWith) {
     EXPECT_EQ(bytesOf(write("a.eml", bytes)), QList<QByteArray>{bytes});
 }
 
-TEST_F(Sources, AFolderInTheOrderOfNames) {
+TEST_F(Sources, AFolderWithThoseBelowItInTheOrderOfNames) {
     write("b.eml", "2");
     write("a.eml", "1");
     write("C.EML", "0");
+    write("a/deeper/x.eml", "below");
     write("notes.txt", "no mail");
-    EXPECT_EQ(bytesOf(path()), (QList<QByteArray>{"0", "1", "2"}));
+    QFile::link(path(), path("a/round"));
+    EXPECT_EQ(bytesOf(path()), (QList<QByteArray>{"0", "1", "below", "2"}));
 }
 
 TEST_F(Sources, AMaildirWhateverItsFlags) {
@@ -71,6 +73,8 @@ TEST_F(Sources, AMaildirWhateverItsFlags) {
 
 TEST_F(Sources, NothingThere) {
     EXPECT_EQ(failureOf([&] { MessageSource::open(path("none")); }), failures::fileNotFound);
+    write("empty/notes.txt", "no mail");
+    EXPECT_EQ(failureOf([&] { MessageSource::open(path("empty")); }), failures::fileNotFound);
 }
 
 struct MboxCase {
