@@ -4,8 +4,7 @@
 /// - each `Q_PROPERTY` as a property, writable when it has a WRITE function;
 /// - each public `Q_INVOKABLE` as a member to call; default arguments may be left out, and overloads are told apart by
 ///   the number of arguments only;
-/// - each signal as an event, whose `bool *` parameters are by reference; where an event has the name of another
-/// member,
+/// - each signal as an event, whose `bool *` parameters are by reference; for an event that has another member's name,
 ///   the signal `CloseEvent` is the event `Close`.
 /// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object; a
 /// client need not ask again for those among them that are CONSTANT.
