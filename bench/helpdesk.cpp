@@ -5,6 +5,7 @@
 #include "database/connection.h"
 #include "database/creation.h"
 #include "desk/objects/itemmessage.h"
+#include "desk/objects/mailrules.h"
 #include "desk/objects/session.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
@@ -27,13 +28,20 @@ int numberFrom(const char *variable, int otherwise) {
     return given > 0 ? given : otherwise;
 }
 
-Situation::Situation() : m_folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/intake-XXXXXX")) {
+namespace {
+/// On a disk as those of real helpdesks, unless ORVELLE_BENCH_DIR names another place.
+QString benchFolder() { return qEnvironmentVariable("ORVELLE_BENCH_DIR", QStringLiteral(ORVELLE_BENCH_FOLDER)); }
+} // namespace
+
+Situation::Situation() : m_folder(benchFolder() + QStringLiteral("/intake-XXXXXX")) {
     QDir(m_folder.path()).mkpath(QStringLiteral("program"));
     QFile::copy(QStringLiteral(ORVELLE_HOME_FILES "/OrvelleForm.fdm"), path("program/OrvelleForm.fdm"));
     desk::DeskOptions options;
     options.profile = path("profile");
     options.user = QStringLiteral("Alma Tester");
     m_desk = std::make_unique<desk::Desk>(options);
+    // A few people send thousands of mails here, and each confirmation is to go out.
+    desk::saveMailRules(m_desk->session().profile(), {.mostAnHour = 1'000'000});
     const host::Application application(m_desk->application());
     const host::NameSpace mapi = application.GetNamespace("MAPI");
     m_tickets = mapi.Folders("Public Folders").Folders().Add("Helpdesk", 6);
@@ -59,24 +67,38 @@ MailWork Situation::work() {
     return done;
 }
 
-void Situation::makeDatabase() const {
+void Situation::withDatabase(const std::function<void()> &step) const {
     ProgramCopy copy;
     const ProgramCopy::Scope scope(copy);
     strProgramFolderOverride = programFolder();
     registry::fileOverride = path("profile/registry.ini");
-    for (const QString &progId : safeobjects::progIds())
-        scripting::Components::setInstalled(progId, true);
     strDBPath = programFolder() + "\\";
     strDBFileName = "Orvelle.mdb";
     LoadLanguages(1);
     subCreateSettings();
-    fncCreateAccessDB(strDBPath + strDBFileName);
-    objSettings->EmailFolders->FromString("\\\\Mailbox - Alma Tester\\Inbox");
-    objSettings->OtherSettings->SetValue("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
-    objSettings->OtherSettings->SetValue("ConvertedEmailMessage", "Your mail is ticket [TICKETID].");
-    objSettings->SaveSettings();
+    step();
     subCloseConnection();
     copy.clear();
+}
+
+void Situation::makeDatabase() const {
+    withDatabase([] {
+        for (const QString &progId : safeobjects::progIds())
+            scripting::Components::setInstalled(progId, true);
+        fncCreateAccessDB(strDBPath + strDBFileName);
+        objSettings->EmailFolders->FromString("\\\\Mailbox - Alma Tester\\Inbox");
+        objSettings->OtherSettings->SetValue("ConvertedEmailSubject", "Helpdesk Ticket {[TICKETID]}");
+        objSettings->OtherSettings->SetValue("ConvertedEmailMessage", "Your mail is ticket [TICKETID].");
+        objSettings->SaveSettings();
+    });
+}
+
+void Situation::set(const QString &name, const QString &value) const {
+    withDatabase([&] {
+        objSettings->OtherSettings->FromRS(fncReturnRecordset("tblOtherSettings", true, true, false));
+        objSettings->OtherSettings->SetValue(name, value);
+        objSettings->OtherSettings->ToRS(fncReturnRecordset("tblOtherSettings", false, true, false));
+    });
 }
 
 void Feeder::put(const QByteArray &message) {
@@ -189,7 +211,7 @@ class BareFile {
     sqlite3_stmt *m_insert = nullptr;
 };
 
-Floor::Floor() : m_folder(QStringLiteral(ORVELLE_BENCH_FOLDER "/floor-XXXXXX")) {
+Floor::Floor() : m_folder(benchFolder() + QStringLiteral("/floor-XXXXXX")) {
     for (std::size_t file = 0; file < std::tuple_size_v<MailWork>; ++file)
         m_files.push_back(std::make_unique<BareFile>(m_folder.filePath(QString::number(file))));
 }

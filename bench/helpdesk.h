@@ -29,6 +29,9 @@ class Situation {
     [[nodiscard]] QString programFolder() const;
     [[nodiscard]] QString mailboxFile() const { return path("profile/mailbox.store"); }
 
+    /// Gives a setting of the helpdesk its value, before the program starts.
+    void set(const QString &name, const QString &value) const;
+
     /// Whether a copy of the program watches the folder: its flag item lies there.
     [[nodiscard]] bool watched() const { return m_intake.Items().Count() == 1; }
     [[nodiscard]] qint32 converted() const;
@@ -37,6 +40,8 @@ class Situation {
 
   private:
     void makeDatabase() const;
+    /// Runs a step with the database of the program open.
+    void withDatabase(const std::function<void()> &step) const;
 
     QTemporaryDir m_folder;
     std::unique_ptr<desk::Desk> m_desk;

@@ -400,6 +400,15 @@ class Client::Implementation {
         connection->start();
         try {
             root = connection->greet();
+        } catch (const Failure &failure) {
+            connection->leave();
+            if (failure.number() != failures::peerGone)
+                throw;
+            throw Failure(
+                failures::peerGone,
+                QStringLiteral("The host at %1 ended the connection before it began. It is being ended, or it "
+                               "serves as many programs as it can: end some of them and try again.")
+                    .arg(socketPath));
         } catch (...) {
             connection->leave();
             throw;

@@ -102,6 +102,7 @@ ListeningPlace::ListeningPlace(const QString &socketPath) : m_path(socketPath) {
         ::chmod(file.constData(), S_IRUSR | S_IWUSR) != 0 || ::listen(socket.number(), SOMAXCONN) != 0)
         cannotListen(m_path);
     m_socket = std::move(socket);
+    m_reserve = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
 }
 
 ListeningPlace::~ListeningPlace() {
@@ -110,9 +111,20 @@ ListeningPlace::~ListeningPlace() {
         ::unlink(QFile::encodeName(m_path).constData());
 }
 
-Descriptor ListeningPlace::accept() const {
+Descriptor ListeningPlace::accept() {
     for (;;) {
+        if (!m_reserve.isOpen())
+            m_reserve = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
         Descriptor client(::accept4(m_socket.number(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+        if (!client.isOpen() && (errno == EMFILE || errno == ENFILE) && m_reserve.isOpen()) {
+            m_reserve.close();
+            // That no handle is left is said also where nobody waits.
+            const bool hadOne = Descriptor(::accept4(m_socket.number(), nullptr, nullptr, SOCK_CLOEXEC)).isOpen();
+            m_reserve = Descriptor(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+            if (!hadOne)
+                return {};
+            continue;
+        }
         if (!client.isOpen() && (errno == EINTR || errno == ECONNABORTED))
             continue;
         if (!client.isOpen() || isOwnUser(client.number()))

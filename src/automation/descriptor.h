@@ -41,13 +41,16 @@ class ListeningPlace {
     ListeningPlace &operator=(const ListeningPlace &) = delete;
 
     [[nodiscard]] int number() const { return m_socket.number(); }
-    /// The next waiting client, or none; one of another user is turned away.
-    [[nodiscard]] Descriptor accept() const;
+    /// The next waiting client, or none; one of another user is turned away. Where this process is out of file handles
+    /// all that wait are turned away at once: nothing would tell when to take them in.
+    [[nodiscard]] Descriptor accept();
 
   private:
     QString m_path;
     Descriptor m_lock;
     Descriptor m_socket;
+    /// Given up to turn a client away where there is no other handle left.
+    Descriptor m_reserve;
 };
 
 /// Connects to the host that listens at the path. Fails with 429 when there is none, or one of another user.

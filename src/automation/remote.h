@@ -57,6 +57,8 @@ class Server {
     void onClientGone(std::function<void(ClientNumber)> handler);
 
     [[nodiscard]] int clientCount() const;
+    /// Grows with everything that any client sends: a client that is at work shows it here.
+    [[nodiscard]] quint64 heard() const;
 
   private:
     class Implementation;

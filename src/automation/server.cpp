@@ -214,6 +214,12 @@ class Server::Implementation : public std::enable_shared_from_this<Implementatio
 
     std::function<void(ClientNumber)> m_gone;
     [[nodiscard]] int clientCount() const { return static_cast<int>(m_connections.size()); }
+    [[nodiscard]] quint64 heard() const {
+        quint64 all = m_heardOfGone;
+        for (const std::shared_ptr<ServerConnection> &connection : m_connections)
+            all += connection->heard();
+        return all;
+    }
 
   private:
     class Listener final : public Source {
@@ -243,6 +249,7 @@ class Server::Implementation : public std::enable_shared_from_this<Implementatio
 
     void drop(ServerConnection &connection) {
         const ClientNumber number = connection.number();
+        m_heardOfGone += connection.heard() + 1;
         std::erase_if(m_connections, [&](const auto &known) { return known.get() == &connection; });
         Hub::ofThisThread().later([self = weak_from_this(), number] {
             const std::shared_ptr<Implementation> server = self.lock();
@@ -257,6 +264,7 @@ class Server::Implementation : public std::enable_shared_from_this<Implementatio
     std::shared_ptr<Listener> m_listener;
     std::vector<std::shared_ptr<ServerConnection>> m_connections;
     ClientNumber m_lastNumber = 0;
+    quint64 m_heardOfGone = 0;
 };
 
 Server::Server(std::function<ObjectPtr()> root, const QString &socketPath, Patience patience)
@@ -269,5 +277,7 @@ Server::~Server() { m_implementation->stop(); }
 void Server::onClientGone(std::function<void(ClientNumber)> handler) { m_implementation->m_gone = std::move(handler); }
 
 int Server::clientCount() const { return m_implementation->clientCount(); }
+
+quint64 Server::heard() const { return m_implementation->heard(); }
 
 } // namespace automation

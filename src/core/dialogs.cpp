@@ -17,7 +17,12 @@ constexpr qint32 intIconInformation = 4;
 
 /// Brings the host's window to the front, so that the message is seen.
 void subActivateHost(const host::Application &oua) {
-    (void)Attempt([&] { scripting::Shell().AppActivate(toText(oua.ActiveWindow().get("Caption"))); });
+    (void)Attempt([&] {
+        const host::Handle window = oua.ActiveWindow();
+        // The shell reaches the windows of this process alone. One of another process comes forward by its own hand.
+        if (!scripting::Shell().AppActivate(toText(window.get("Caption"))))
+            window.call("Activate");
+    });
 }
 
 host::Handle fncAssistant(const host::Application &oua) {

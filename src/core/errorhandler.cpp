@@ -72,6 +72,8 @@ void subErrorHandler(const QString &strDescription, qint32 lngNumber, qint32 int
 }
 
 void subMailErrorReport() {
+    // A mail that is saved and not shown would be found by nobody.
+    const WholeStep whole;
     const host::MailItem oui = AttemptOr([] { return ouaOutlook.get().CreateItem(0); }, host::Item());
     const QString strSubject = QStringLiteral("Error in %1 %2.%3.%4 (%5)")
                                    .arg(strProgramTitle)

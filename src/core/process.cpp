@@ -34,11 +34,18 @@ bool fncIsEnding() { return blnEnding; }
 
 void subQuit() { subReleaseAll(); }
 
+void subReleaseOnce() {
+    if (blnEnding)
+        return;
+    blnEnding = true;
+    if (const auto subRelease = processHooks->subReleaseAll)
+        (void)Attempt(subRelease);
+}
+
 void subReleaseAll() {
-    if (!blnEnding) {
-        blnEnding = true;
-        if (const auto subRelease = processHooks->subReleaseAll)
-            (void)Attempt(subRelease);
-    }
+    if (runSteps->intDepth > 0)
+        subAskEnd();
+    else
+        subReleaseOnce();
     throw ProcessEnd{};
 }

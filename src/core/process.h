@@ -3,6 +3,7 @@
 /// What belongs to a higher folder (the settings, the toolbar, the connection) stands in that folder's module.
 #pragma once
 
+#include "core/steps.h"
 #include "outlook/host/host.h"
 #include "platform/value/processlocal.h"
 
@@ -38,9 +39,6 @@ QString fncProgramFolder();
 /// The program folder of this copy, in place of the rule above, when not empty. Tests set it.
 extern ProcessLocal<QString> strProgramFolderOverride;
 
-/// Unwinds to the entry from outside when the process is to end. It is no `Failure`, so no tolerant step takes it.
-struct ProcessEnd {};
-
 /// What the lower folders need from the top of the system. The program's entry sets it.
 struct ProcessHooks {
     std::function<void()> subReleaseAll;
@@ -55,8 +53,11 @@ extern ProcessLocal<ProcessHooks> processHooks;
 
 /// Ends the process in the orderly way.
 [[noreturn]] void subQuit();
-/// Releases everything in the fixed order, each step whether or not the one before failed, and ends the process. A
-/// second call, from inside the first or after it, only ends.
+/// Releases everything in the fixed order, each step whether or not the one before failed, and ends the process. Inside
+/// a step of the run the steps unwind first, so that nothing is released under one of its own methods. A second call,
+/// from inside the first or after it, only ends.
 [[noreturn]] void subReleaseAll();
-/// True from the first `subReleaseAll` on.
+/// The release alone; once.
+void subReleaseOnce();
+/// True from the release on.
 bool fncIsEnding();

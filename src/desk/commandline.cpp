@@ -22,15 +22,25 @@ const QList<Command> &commands() {
                                     {"folder add", 1, 1, {"home-page"}},
                                     {"list", 1, 1, {"columns", "count"}},
                                     {"show", 1, 1, {}},
-                                    {"delete", 1, 1, {}}};
+                                    {"delete", 1, 1, {}},
+                                    {"rules", 0, 0, {"most-an-hour", "sort-automatic", "own-addresses"}},
+                                    {"backup", 1, 1, {"replace"}},
+                                    {"restore", 1, 1, {"without-public"}},
+                                    {"mailbox add", 1, 1, {}},
+                                    {"mailbox list", 0, 0, {}},
+                                    {"mailbox remove", 1, 1, {}}};
     return all;
 }
 
 const Command &commandOf(QStringList &arguments) {
     QString name = arguments.isEmpty() ? QStringLiteral("run") : arguments.takeFirst();
-    if (name == QStringLiteral("folder")) {
+    static const QHash<QString, QString> groups{
+        {"folder", "What is to be done with the folder? Known is: folder add PATH."},
+        {"mailbox", "What is to be done with the mailbox? Known are: mailbox add FILE, mailbox list, mailbox remove "
+                    "FILE|NAME."}};
+    if (groups.contains(name)) {
         if (arguments.isEmpty())
-            throw UsageError(QStringLiteral("What is to be done with the folder? Known is: folder add PATH."));
+            throw UsageError(groups.value(name));
         name += u' ' + arguments.takeFirst();
     }
     for (const Command &command : commands()) {
@@ -49,9 +59,15 @@ CommandLine parseCommandLine(const QStringList &arguments) {
         option.setValueName(QStringLiteral("value"));
         return option;
     };
-    const QList<QCommandLineOption> options{valued("profile"), valued("user"),    valued("public"), named("json"),
-                                            named("help"),     named("h"),        valued("folder"), valued("home-page"),
-                                            valued("open"),    valued("columns"), named("count"),   named("mail")};
+    const QList<QCommandLineOption> options{valued("profile"),       valued("user"),
+                                            valued("public"),        named("json"),
+                                            named("help"),           named("h"),
+                                            valued("folder"),        valued("home-page"),
+                                            valued("open"),          valued("columns"),
+                                            named("count"),          named("mail"),
+                                            valued("most-an-hour"),  valued("sort-automatic"),
+                                            valued("own-addresses"), named("replace"),
+                                            named("without-public")};
     const QStringList common{"profile", "user", "public", "json", "h", "help"};
 
     QCommandLineParser parser;
@@ -85,6 +101,13 @@ CommandLine parseCommandLine(const QStringList &arguments) {
         line.columns.append(column.trimmed());
     line.count = parser.isSet(QStringLiteral("count"));
     line.mail = parser.isSet(QStringLiteral("mail"));
+    for (const char *rule : {"most-an-hour", "sort-automatic", "own-addresses"}) {
+        const QString name = QString::fromLatin1(rule);
+        if (parser.isSet(name))
+            line.rules.insert(name, parser.value(name));
+    }
+    line.replace = parser.isSet(QStringLiteral("replace"));
+    line.withoutPublic = parser.isSet(QStringLiteral("without-public"));
     return line;
 }
 
@@ -103,6 +126,22 @@ QString helpText() {
                                                           (Subject, SenderName, ...) and custom properties
   orvelle-desk [OPTIONS] show ENTRYID                     one item with all that it holds
   orvelle-desk [OPTIONS] delete ENTRYID                   an item into the deleted items, and from there for ever
+  orvelle-desk [OPTIONS] rules [--most-an-hour N] [--sort-automatic yes|no] [--own-addresses A,B,...]
+                                                          the rules for automatic mail, changed where told to: how many
+                                                          mails programs may send to one address within an hour (0 for
+                                                          any number); whether automatic mail goes into folders of its
+                                                          own instead of the Inbox; further addresses that lead here
+  orvelle-desk [OPTIONS] backup DIR [--replace]           mailbox, public folders, settings and forms as of one moment
+                                                          into a new folder, read again and found whole; with
+                                                          --replace in the place of the backup that is there
+  orvelle-desk [OPTIONS] restore DIR [--without-public]   such a backup back into the profile, once it is found whole
+                                                          and no desk is running; what was there is kept beside it.
+                                                          --without-public leaves the public folders as they are
+  orvelle-desk [OPTIONS] mailbox add FILE                 opens another person's mailbox too: FILE is the mailbox.store
+                                                          of their profile; a running desk opens it at once
+  orvelle-desk [OPTIONS] mailbox list                     the mailboxes added, and what is wrong with each
+  orvelle-desk [OPTIONS] mailbox remove FILE|NAME         takes one from the list; a running desk lets go of it when it
+                                                          is ended
 
 Paths of folders are written \\Top\Folder; or with slashes, /Top/Folder. Commands work beside a running desk and without one.
 

@@ -3,6 +3,7 @@
 
 #include "desk/objects/profile.h"
 
+#include <QMap>
 #include <QStringList>
 
 #include <stdexcept>
@@ -16,7 +17,7 @@ class UsageError : public std::runtime_error {
 };
 
 struct CommandLine {
-    /// "run", "deliver", "folders", "folder add", "list" or "show".
+    /// "run", "deliver", "folders" and so on.
     QString command;
     QStringList arguments;
     DeskOptions desk;
@@ -29,6 +30,10 @@ struct CommandLine {
     QStringList columns;
     bool count = false;
     bool mail = false;
+    /// The rules that are to be changed, by the names of their options.
+    QMap<QString, QString> rules;
+    bool replace = false;
+    bool withoutPublic = false;
 };
 
 /// Reads the arguments behind the program's name. Fails with UsageError.

@@ -12,5 +12,11 @@ int addFolderCommand(const CommandLine &line);
 int listCommand(const CommandLine &line);
 int showCommand(const CommandLine &line);
 int deleteCommand(const CommandLine &line);
+int rulesCommand(const CommandLine &line);
+int backupCommand(const CommandLine &line);
+int restoreCommand(const CommandLine &line);
+int addMailboxCommand(const CommandLine &line);
+int listMailboxesCommand(const CommandLine &line);
+int removeMailboxCommand(const CommandLine &line);
 
 } // namespace desk

@@ -14,6 +14,8 @@ namespace {
 
 struct Report {
     QJsonArray delivered;
+    /// How many automatic messages went elsewhere, by the path of the folder.
+    std::map<QString, int> sorted;
     QJsonArray errors;
     /// The last failure to store a message.
     QString lastFailure;
@@ -31,12 +33,22 @@ bool isStores(const Failure &failure, const Report &report) {
     return numbers.contains(failure.number()) || failure.description() == report.lastFailure;
 }
 
-void store(const SourceMessage &message, const FolderPlace &place, Report &report) {
-    const std::optional<Failure> failure = Attempt([&] {
-        const ItemRecord item = deliver(*place.store, place.folder.id, message.bytes);
-        report.delivered.append(
-            QJsonObject{{"source", message.name}, {"entryId", item.entryId}, {"subject", item.subject}});
-    });
+void note(const SourceMessage &message, const FolderPlace &asked, const Delivered &delivered, Report &report) {
+    QJsonObject entry{
+        {"source", message.name}, {"entryId", delivered.item.entryId}, {"subject", delivered.item.subject}};
+    if (delivered.kind != AutomaticKind::None)
+        entry["automatic"] = nameOf(delivered.kind);
+    if (delivered.place.folder.id != asked.folder.id) {
+        const QString path = pathOf(*delivered.place.store, delivered.place.folder);
+        entry["folder"] = path;
+        ++report.sorted[path];
+    }
+    report.delivered.append(entry);
+}
+
+void store(Session &session, const SourceMessage &message, const FolderPlace &place, Report &report) {
+    const std::optional<Failure> failure =
+        Attempt([&] { note(message, place, deliver(session, place, message.bytes), report); });
     if (failure) {
         complain(report, message.name, failure->description());
         report.hasStopped = isStores(*failure, report);
@@ -54,15 +66,24 @@ void tellWhatIsLeft(const Report &report) {
     std::fprintf(stderr, "orvelle-desk: stopped, for no message can be stored. %s\n", done.toUtf8().constData());
 }
 
-void deliverAll(const QString &path, const FolderPlace &place, Report &report) {
+void deliverAll(Session &session, const QString &path, const FolderPlace &place, Report &report) {
     const std::unique_ptr<MessageSource> source = MessageSource::open(path);
     SourceMessage message;
     while (!report.hasStopped && source->next(message)) {
         if (message.error.isEmpty())
-            store(message, place, report);
+            store(session, message, place, report);
         else
             complain(report, message.name, message.error);
     }
+}
+
+void printCounts(const QString &folder, const Report &report) {
+    qsizetype rest = report.delivered.size();
+    for (const auto &[path, count] : report.sorted)
+        rest -= count;
+    printLine(QStringLiteral("Delivered to %1: %2").arg(folder).arg(rest));
+    for (const auto &[path, count] : report.sorted)
+        printLine(QStringLiteral("Delivered to %1: %2").arg(path).arg(count));
 }
 
 } // namespace
@@ -76,7 +97,7 @@ int deliverCommand(const CommandLine &line) {
     for (const QString &path : line.arguments) {
         if (report.hasStopped)
             break;
-        const auto failure = Attempt([&] { deliverAll(path, place, report); });
+        const auto failure = Attempt([&] { deliverAll(*session, path, place, report); });
         if (failure)
             complain(report, path, failure->description());
     }
@@ -86,7 +107,7 @@ int deliverCommand(const CommandLine &line) {
     if (line.json)
         printJson(QJsonObject{{"folder", folder}, {"delivered", report.delivered}, {"errors", report.errors}});
     else
-        printLine(QStringLiteral("Delivered to %1: %2").arg(folder).arg(report.delivered.size()));
+        printCounts(folder, report);
     return report.errors.isEmpty() ? 0 : 1;
 }
 

@@ -15,11 +15,19 @@ constexpr int wrongUsage = 2;
 
 int run(const desk::CommandLine &line) {
     using Command = int (*)(const desk::CommandLine &);
-    static const std::map<QString, Command> commands{
-        {"run", desk::runCommand},         {"deliver", desk::deliverCommand},
-        {"folders", desk::foldersCommand}, {"folder add", desk::addFolderCommand},
-        {"list", desk::listCommand},       {"show", desk::showCommand},
-        {"delete", desk::deleteCommand}};
+    static const std::map<QString, Command> commands{{"run", desk::runCommand},
+                                                     {"deliver", desk::deliverCommand},
+                                                     {"folders", desk::foldersCommand},
+                                                     {"folder add", desk::addFolderCommand},
+                                                     {"list", desk::listCommand},
+                                                     {"show", desk::showCommand},
+                                                     {"delete", desk::deleteCommand},
+                                                     {"mailbox add", desk::addMailboxCommand},
+                                                     {"mailbox list", desk::listMailboxesCommand},
+                                                     {"mailbox remove", desk::removeMailboxCommand},
+                                                     {"rules", desk::rulesCommand},
+                                                     {"backup", desk::backupCommand},
+                                                     {"restore", desk::restoreCommand}};
     return commands.at(line.command)(line);
 }
 

@@ -21,8 +21,11 @@ namespace {
 
 /// The end that a signal handler writes to.
 int signalPipe = -1;
+/// How often the program has been told to end.
+volatile std::sig_atomic_t signalCount = 0;
 
 void onSignal(int) {
+    signalCount = signalCount + 1;
     const char byte = 0;
     static_cast<void>(!::write(signalPipe, &byte, 1));
 }
@@ -36,8 +39,12 @@ class EndSignals {
             throw Failure(failures::unspecified, QStringLiteral("No pipe can be made."));
         signalPipe = ends[1];
         m_notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
-        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                         [] { QCoreApplication::quit(); });
+        QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [end = ends[0]] {
+            std::array<char, 16> taken;
+            while (::read(end, taken.data(), taken.size()) > 0) {
+            }
+            QCoreApplication::quit();
+        });
         struct sigaction action {};
         action.sa_handler = onSignal;
         for (const int signal : {SIGTERM, SIGINT, SIGHUP})
@@ -83,6 +90,8 @@ FolderPlace firstFolder(Session &session, const QString &asked) {
 int runCommand(const CommandLine &line) {
     const EndSignals signals;
     Desk desk(line.desk);
+    // The event loop may be far while many new items are told.
+    desk.session().isEnding = [] { return signalCount > 0; };
     desk.onProblem = complain;
     Session &session = desk.session();
     const FolderPlace place = firstFolder(session, line.open);
@@ -98,7 +107,10 @@ int runCommand(const CommandLine &line) {
         printJson(QJsonObject{{"ready", true}, {"socket", socket}});
     else
         printLine(QStringLiteral("ready ") + socket);
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    const int signalsBefore = signalCount;
+    desk.quit([&] { return signalCount > std::max(1, signalsBefore); });
+    return status;
 }
 
 } // namespace desk

@@ -4,14 +4,18 @@
 #include "core/errorhandler.h"
 #include "core/phrases.h"
 #include "core/process.h"
+#include "core/savetrouble.h"
 #include "core/trace.h"
 #include "mail/attachments.h"
+#include "mail/claim.h"
+#include "mail/leftover.h"
 #include "outlook/folderpath.h"
 #include "outlook/outlookfolder.h"
 #include "outlook/properties.h"
 #include "outlook/safeutils.h"
 #include "outlook/session.h"
 #include "reference/settings.h"
+#include "reference/texts.h"
 #include "ticket/ticket.h"
 
 #include <QScopeGuard>
@@ -62,10 +66,37 @@ constexpr char strProperty[] = "Orvelle row without item";
 constexpr qint32 hostText = 1;
 
 void subNote(const host::Item &ouiMail, const QString &strTicketID) {
-    Attempt([&] {
+    const auto failure = Attempt([&] {
         ouiMail.UserProperties().Add(strProperty, hostText).setValue(strTicketID);
         ouiMail.Save();
     });
+    // Where the mail takes no note, nobody would find the row again. A host that has gone may have saved the item.
+    const bool blnRefused =
+        failure && (failure->number() == failures::noDiskSpace || failure->number() == failures::accessDenied);
+    if (!blnRefused)
+        return;
+    cTicket objTicket;
+    objTicket.TicketID = strTicketID;
+    Attempt([&] { objTicket.TakeBackRow(); });
+}
+
+/// Deletes what an earlier try has left of a ticket item. False where it stays: another item would make two tickets of
+/// the mail.
+bool fncDropItem(const QString &strWork) {
+    if (strWork.isEmpty())
+        return true;
+    const auto failure = Attempt([&] {
+        const QString strFilter = QString("[%1] = %2").arg(QLatin1StringView(strWorkProperty), fncQuoted(strWork));
+        if (oufTickets->FindItem(strFilter).isNothing())
+            return;
+        for (const host::Item &ouiLeft : fncTicketsOfWork(strWork)) {
+            if (fncTicketIDOf(ouiLeft).isEmpty())
+                ouiLeft.Delete();
+        }
+    });
+    if (failure)
+        subTellSaveTrouble(Saving::Item, "Unable to save current item!", *failure);
+    return !failure;
 }
 
 /// Empty for a mail that was not tried before, also for a copy of one whose ticket has its item by now.
@@ -100,12 +131,24 @@ QString fncSaveRow(const host::PostItem &ouiPost, const QString &strEarlierID) {
     objTicket.SaveToDB();
     return objTicket.TicketID;
 }
+} // namespace
 
-void subMarkConverted(const host::MailItem &ouiMail, const QString &strTicketID) {
-    ouiMail.tryPut("FlagStatus", flagComplete);
-    ouiMail.tryPut("FlagRequest", "Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
-    ouiMail.tryPut("BillingInformation", strTicketID);
-    Attempt([&] { ouiMail.Save(); });
+namespace {
+/// What the item needs to be a ticket: the row, and with it the number. Gives the number; empty where there can be no
+/// row.
+QString fncNumberItem(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups,
+                      const QString &strEarlierID) {
+    if (!strEarlierID.isEmpty())
+        subSetOutlookValue(oups, "Ticket ID", strEarlierID, propertytype::text);
+    QString strTicketID = fncSaveRow(ouiPost, strEarlierID);
+    if (strTicketID.isEmpty())
+        return {};
+    auto rowAlone = qScopeGuard([&] { earliertry::subNote(ouiMail, strTicketID); });
+    subSetOutlookValue(oups, "Ticket ID", strTicketID, propertytype::text);
+    ouiPost.Sensitivity(personal);
+    ouiPost.Close(closeSaving);
+    rowAlone.dismiss();
+    return strTicketID;
 }
 } // namespace
 
@@ -113,9 +156,13 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     const QString strClass = ouiMail.MessageClass().toUpper();
     if (strClass != "IPM.NOTE" && strClass != "IPM.POST")
         return {};
+    const WholeStep whole;
     subAssistantWorking(ouaOutlook);
     subFindTicketFolder();
     subTrace("Adding a new ticket to the folder " + oufTickets->Name());
+    const QString strWork = fncWorkOf(ouiMail);
+    if (!earliertry::fncDropItem(strWork))
+        return {};
     const host::PostItem ouiPost = fncNewTicketItem();
     if (ouiPost.isNothing())
         return {};
@@ -123,33 +170,57 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     // time.
     auto unfinished = qScopeGuard([&] { Attempt([&] { ouiPost.Delete(); }); });
     const host::UserProperties oups = ouiPost.UserProperties();
+    // The item's first save is the one before its row: a client that dies behind it leaves these on it.
+    subHint(oups, strWorkProperty, strWork);
+    subHint(oups, strClaimProperty, cClaim::Own().ToString());
     subSetOutlookValue(oups, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
     subSetOutlookValue(oups, "Created at", Clock::now(), propertytype::date);
     subNoteMissingFiles(ouiPost, subCopyAttachements(ouiMail, ouiPost));
     subFillTicketFromMail(ouiMail, ouiPost, oups);
     const QString strEarlierID = earliertry::fncTicketID(ouiMail);
-    if (!strEarlierID.isEmpty())
-        subSetOutlookValue(oups, "Ticket ID", strEarlierID, propertytype::text);
-    const QString strTicketID = fncSaveRow(ouiPost, strEarlierID);
+    const QString strTicketID = fncNumberItem(ouiMail, ouiPost, oups, strEarlierID);
     if (strTicketID.isEmpty())
         return {};
-    auto rowAlone = qScopeGuard([&] { earliertry::subNote(ouiMail, strTicketID); });
-    subSetOutlookValue(oups, "Ticket ID", strTicketID, propertytype::text);
-    ouiPost.Sensitivity(personal);
-    ouiPost.Close(closeSaving);
     unfinished.dismiss();
-    rowAlone.dismiss();
+    subTrace("Setting flag on email that a ticket was created from!");
     if (!strEarlierID.isEmpty())
         earliertry::subForget(ouiMail);
-    subTrace("Setting flag on email that a ticket was created from!");
     if (strClass == "IPM.NOTE")
-        subMarkConverted(host::MailItem(ouiMail.object()), strTicketID);
+        subMarkConverted(ouiMail, strTicketID);
     return strTicketID;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncCreateSingleTicket");
 }
 
-void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender) try {
+QString fncFinishSingleTicket(const host::Item &ouiMail, const host::PostItem &ouiPost, const QString &strRowID) try {
+    subTrace("Finishing the ticket that another client began");
+    return fncNumberItem(ouiMail, ouiPost, ouiPost.UserProperties(), strRowID);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "fncFinishSingleTicket");
+}
+
+void subMarkConverted(const host::Item &ouiMail, const QString &strTicketID) {
+    ouiMail.tryPut("FlagStatus", flagComplete);
+    ouiMail.tryPut("FlagRequest", "Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
+    ouiMail.tryPut("BillingInformation", strTicketID);
+    Attempt([&] { ouiMail.Save(); });
+}
+
+namespace {
+/// The replies that are noted in the ticket's log, as its item says: as many as one property holds.
+QStringList fncNotedReplies(const host::Item &ouiPost) {
+    return fncHint(ouiPost, strRepliesProperty).split(u' ', Qt::SkipEmptyParts);
+}
+
+void subNoteReply(const host::Item &ouiPost, QStringList replies, const QString &strWork) {
+    constexpr qsizetype mostReplies = 16;
+    replies.append(strWork);
+    subHint(ouiPost, strRepliesProperty,
+            replies.sliced(std::max<qsizetype>(replies.size() - mostReplies, 0)).join(u' '));
+}
+} // namespace
+
+void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender, const QString &strWork) try {
     constexpr int mostTries = 20;
     subTrace("Adding work description about new email received");
     const auto objWork = Ref<cWorkDescription>::make();
@@ -163,6 +234,11 @@ void subAddEmailWorkItem(const QString &strTicketID, const QString &strSender) t
         host::Item ouiPost = objTicket.GetPostItem();
         if (ouiPost.isNothing() || !objTicket.ReadFromOutlook(ouiPost))
             return;
+        const QStringList noted = strWork.isEmpty() ? QStringList() : fncNotedReplies(ouiPost);
+        if (noted.contains(strWork))
+            return;
+        if (!strWork.isEmpty())
+            subNoteReply(ouiPost, noted, strWork);
         const auto dicWork = objTicket.WorkDescs->dicWorkDesc;
         dicWork->Add(QString::number(dicWork->Count() + 1), objWork);
         // Another client may add a row of its own meanwhile, and only the item's save tells: then the log is read anew.

@@ -1,10 +1,13 @@
 #include "mail/foldermonitor.h"
 
+#include "core/dialogs.h"
 #include "core/entry.h"
 #include "core/errorhandler.h"
 #include "core/process.h"
 #include "core/runtime.h"
+#include "mail/claim.h"
 #include "mail/intake.h"
+#include "mail/leftover.h"
 #include "outlook/folderpath.h"
 #include "outlook/safeutils.h"
 #include "reference/settings.h"
@@ -25,6 +28,8 @@ void subScan(const host::MAPIFolder &ouf) {
 
 /// The listening begins before the last look at the count, so that no message can come in unnoticed between the two.
 Ref<cIncomingMonitor> fncTakeFolder(const host::MAPIFolder &ouf) {
+    // A flag item that no monitor knows would keep the folder from everybody.
+    const WholeStep whole;
     auto monitor = Ref<cIncomingMonitor>::make();
     monitor->Watch(ouf.Items());
     if (monitor->ouiItems.Count() != 0)
@@ -32,9 +37,19 @@ Ref<cIncomingMonitor> fncTakeFolder(const host::MAPIFolder &ouf) {
     monitor->AddFlagItem();
     return monitor;
 }
+
+/// What is left of a program that died keeps a folder from being watched, and nobody would know why mails stay there.
+void subTellNotTaken(const QList<std::pair<QString, host::MAPIFolder>> &folders) {
+    const QString strWhy = folders.isEmpty() ? QString() : fncWhyNotWatched(folders);
+    if (strWhy.isEmpty())
+        return;
+    subTrace(strWhy);
+    subAssistantMessage(ouaOutlook, strWhy);
+}
 } // namespace
 
 cIncomingMonitor::~cIncomingMonitor() {
+    const WholeStep whole;
     m_itemAdd.reset();
     if (ouiFlagItem)
         Attempt([&] { ouiFlagItem.Delete(); });
@@ -43,9 +58,7 @@ cIncomingMonitor::~cIncomingMonitor() {
 void cIncomingMonitor::Watch(const host::Items &ois) {
     ouiItems = ois;
     m_ouf = ois.Parent();
-    m_itemAdd = ois.connect("ItemAdd", Entry([self = weak_from_this()](ValueList &arguments) {
-                                // The end of the process, which a report can bring, drops the monitor under its own
-                                // feet.
+    m_itemAdd = ois.connect("ItemAdd", EntryBetween([self = weak_from_this()](const ValueList &arguments) {
                                 if (const auto monitor = self.lock())
                                     monitor->ouiItems_ItemAdd(host::Item(arguments.value(0)));
                             }));
@@ -61,12 +74,14 @@ void cIncomingMonitor::AddFlagItem() {
     const host::PostItem oui(ouiItems.Add("IPM.Post").object());
     oui.Subject(strFlagSubject);
     oui.Body(strCurrentUserName);
+    subHint(oui, strClaimProperty, cClaim::Own().ToString());
     oui.Post();
     ouiFlagItem = oui;
 }
 
 void subMonitorMailFolders() try {
     colIncomingMonitors = fncCreateDic<Ref<cIncomingMonitor>>();
+    QList<std::pair<QString, host::MAPIFolder>> notTaken;
     for (const QString &strPath : objSettings->EmailFolders->DicList->Items()) {
         subTrace("Iterating through the monitored email folder - " + strPath);
         const host::MAPIFolder ouf = fncGetFolderFromPath(strPath);
@@ -75,8 +90,11 @@ void subMonitorMailFolders() try {
         subScan(ouf);
         if (const auto monitor = fncTakeFolder(ouf))
             colIncomingMonitors->Add(strPath, monitor);
+        else
+            notTaken.append({strPath, ouf});
     }
     subCleanupSafeUtils();
+    subTellNotTaken(notTaken);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subMonitorMailFolders");
 }

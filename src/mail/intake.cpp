@@ -2,9 +2,12 @@
 
 #include "core/dialogs.h"
 #include "core/process.h"
+#include "core/savetrouble.h"
+#include "mail/claim.h"
 #include "mail/confirmation.h"
 #include "mail/createticket.h"
 #include "mail/foldermonitor.h"
+#include "mail/reply.h"
 #include "outlook/properties.h"
 #include "outlook/safeutils.h"
 #include "reference/settings.h"
@@ -17,31 +20,24 @@ QString fncConfirmationTemplate() {
     return toText(objSettings->OtherSettings->GetValue("ConvertedEmailMessage", propertytype::text));
 }
 
-/// The ticket that the message answers; empty when it answers none.
-QString fncAnsweredTicket(const host::Item &oui) {
-    return fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
-}
-
-/// A store that is full or read-only makes every claim fail: one message is enough.
-ProcessLocal<bool> blnClaimTrouble;
-
 /// An item that went to another client and a store that is busy are the ordinary course of things.
 void subTellClaimTrouble(const Failure &failure) {
-    const bool blnTrouble = failure.number() == failures::noDiskSpace || failure.number() == failures::accessDenied;
-    if (!blnTrouble || blnClaimTrouble)
-        return;
-    blnClaimTrouble = true;
-    subAssistantMessage(ouaOutlook, failure.description());
+    if (failure.number() == failures::noDiskSpace || failure.number() == failures::accessDenied)
+        subTellSaveTrouble(Saving::Claim, {}, failure);
 }
 
 /// The only lock between clients: of two that save the mark, one save fails. Returns whether it was won.
-bool fncClaim(const host::Item &oui) {
+bool fncClaim(const host::Item &oui, const QString &strWork) {
     const auto failure = Attempt([&] {
         oui.BillingInformation(strWorkingMark);
+        subHint(oui, strClaimProperty, cClaim::Own().ToString());
+        subHint(oui, strWorkProperty, strWork);
         oui.Save();
     });
     if (failure)
         subTellClaimTrouble(*failure);
+    else
+        subSaveWorked(Saving::Claim);
     return !failure;
 }
 
@@ -56,40 +52,6 @@ void subReleaseClaim(const host::Item &oui) {
     });
 }
 
-/// Several clients may watch one folder: each took it when all found it empty. A reply has no claim, since its field
-/// goes under the ticket as it came; so the one who saves this mark files it. The scan does not look at the mark, so
-/// that the reply of a client that died here is filed by the next one that starts.
-namespace filing {
-constexpr char strProperty[] = "Orvelle files this reply";
-constexpr qint32 hostText = 1;
-
-void subMark(const host::Item &oui, const QString &strMark) {
-    oui.UserProperties().Add(strProperty, hostText).setValue(strMark);
-    oui.Save();
-}
-
-/// False for a reply that another client files or has filed. One that can't be marked is filed all the same.
-bool fncBegin(const host::Item &oui) {
-    bool blnFree = true;
-    const auto failure = Attempt([&] {
-        const host::UserProperty oup = oui.FindProperty(strProperty);
-        blnFree = oup.isNothing() || toText(oup.value()).isEmpty();
-        if (blnFree)
-            subMark(oui, strWorkingMark);
-    });
-    return blnFree && !(failure && host::isChangedElsewhere(*failure));
-}
-
-/// The mark goes last: a reply that somebody takes back into the folder is a new one there.
-void subEnd(const host::Item &oui, const host::MAPIFolder &oufReceived) {
-    const auto failure = Attempt([&] { oui.Move(oufReceived); });
-    // Somebody has put it elsewhere in the meantime.
-    if (failure && !host::isChangedElsewhere(*failure))
-        throw Failure(*failure);
-    Attempt([&] { subMark(oui, ""); });
-}
-} // namespace filing
-
 /// From the claimed message to its place in "Converted".
 void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &oufMonitored) {
     // Also a failure report, which ends the process, frees the claim: the message is tried again at the next scan.
@@ -102,6 +64,14 @@ void subConvert(const host::Item &oui, bool blnConfirm, const host::MAPIFolder &
         subSendConfirmation(oui, strTicketID, "");
     subKeepCopyUnderTicket(oui, strTicketID);
     subMoveToConverted(oui, oufMonitored);
+}
+} // namespace
+
+namespace {
+/// As much of the class as tells mails and posts from other items.
+QString fncClassStart(const host::Item &oui) {
+    constexpr qsizetype classLength = 8;
+    return oui.MessageClass().left(classLength).toUpper();
 }
 } // namespace
 
@@ -123,10 +93,13 @@ void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {
     });
 }
 
+bool fncIsFlagItem(const host::Item &oui) {
+    return fncClassStart(oui) == "IPM.POST" && oui.Subject() == strFlagSubject;
+}
+
 bool fncIsMailOrPost(const host::Item &oui) {
-    constexpr qsizetype classLength = 8;
-    const QString strClass = oui.MessageClass().left(classLength).toUpper();
-    return (strClass == "IPM.NOTE" || strClass == "IPM.POST") && oui.Subject() != strFlagSubject;
+    const QString strClass = fncClassStart(oui);
+    return strClass == "IPM.NOTE" || (strClass == "IPM.POST" && oui.Subject() != strFlagSubject);
 }
 
 bool fncIsNewMailItem(const host::Item &oui) {
@@ -134,37 +107,54 @@ bool fncIsNewMailItem(const host::Item &oui) {
                      false);
 }
 
+bool fncConfirms() { return !fncConfirmationTemplate().trimmed().isEmpty(); }
+
+void subConvertClaimed(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
+    subConvert(oui, fncConfirms(), oufMonitored);
+}
+
 void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
-    if (!fncClaim(oui))
-        return;
+    const TellOnce once;
+    const WholeStep whole;
     const QString strTicketID = fncAnsweredTicket(oui);
     if (strTicketID.isEmpty()) {
-        subConvert(oui, !fncConfirmationTemplate().trimmed().isEmpty(), oufMonitored);
+        if (fncClaim(oui, fncWorkOf(oui)))
+            subConvertClaimed(oui, oufMonitored);
         return;
     }
+    const QString strWork = fncWorkOfReply(oui);
+    subHint(oui, strFilingProperty, strWorkingMark);
+    if (!fncClaim(oui, strWork))
+        return;
     // The work row is written even where the message can't be filed.
     host::Item ouiFiled = oui;
     const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (oufReceived)
         Attempt([&] { ouiFiled = oui.Move(oufReceived); });
-    subAddEmailWorkItem(strTicketID, fncGetSenderName(ouiFiled));
+    subAddEmailWorkItem(strTicketID, fncGetSenderName(ouiFiled), strWork);
+    subEndFiling(ouiFiled);
 }
 
 void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
     constexpr qsizetype shortestTemplate = 4;
+    const TellOnce once;
     if (!AttemptOr([&] { return fncIsMailOrPost(oui); }, false))
         return;
+    const WholeStep whole;
     const QString strTicketID = fncAnsweredTicket(oui);
     if (strTicketID.isEmpty()) {
-        if (fncIsUnclaimed(oui) && fncClaim(oui))
+        if (fncIsUnclaimed(oui) && fncClaim(oui, fncWorkOf(oui)))
             subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, oufMonitored);
         return;
     }
     const host::MAPIFolder oufReceived = fncGetTicketSubFolder(strTicketID, receivedFolder);
-    if (oufReceived.isNothing() || !filing::fncBegin(oui))
+    if (oufReceived.isNothing())
         return;
-    subAddEmailWorkItem(strTicketID, fncGetSenderName(oui));
-    filing::subEnd(oui, oufReceived);
+    const QString strWork = fncWorkOfReply(oui);
+    if (!fncBeginFiling(oui, strWork))
+        return;
+    subAddEmailWorkItem(strTicketID, fncGetSenderName(oui), strWork);
+    subFileReply(oui, oufReceived);
 }
 
 void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) {

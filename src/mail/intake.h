@@ -17,8 +17,18 @@ bool fncUsesSubFolders();
 /// Files a copy of a converted message under its ticket where tickets have folders. No copy stays anywhere else.
 void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID);
 
+/// Whether the item is a flag item: a post of that subject. Anybody can write the subject on a mail, and a mail is
+/// converted like any other. Fails for an item that can't be read.
+bool fncIsFlagItem(const host::Item &oui);
+
 /// Whether the item is of a kind that is converted, and no flag item. Fails for an item that can't be read.
 bool fncIsMailOrPost(const host::Item &oui);
+
+/// Whether a mail that becomes a ticket is confirmed, as the scan decides it.
+bool fncConfirms();
+
+/// Makes a message that this client has claimed a ticket, up to its place in "Converted".
+void subConvertClaimed(const host::Item &oui, const host::MAPIFolder &oufMonitored);
 
 /// Handles an item that the scan met. REQUIRES: `fncIsNewMailItem`.
 void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored);

@@ -10,6 +10,7 @@
 #include "reference/ticketfolder.h"
 
 ProcessLocal<Ref<cSettings>> objSettings;
+ProcessLocal<std::optional<QLocale>> objWorkRegion;
 
 namespace {
 constexpr qint32 sqlServer = 3;
@@ -17,6 +18,21 @@ constexpr qint32 answerYes = 6;
 
 Ref<ado::Recordset> openTable(const QString &strSource, bool blnReadOnly) {
     return fncReturnRecordset(strSource, blnReadOnly, true, false);
+}
+
+/// A log in another order than the helpdesk's is worse than none, so a region that isn't one is no region to go on
+/// with.
+std::optional<QLocale> regionFrom(const QString &strName) {
+    if (strName.isEmpty())
+        return std::nullopt;
+    std::optional<QLocale> region = Region::named(strName);
+    if (!region)
+        throw Failure(
+            failures::invalidCall,
+            QString("The setting Region holds \"%1\", which is no region. Write one such as de_DE or en_GB in "
+                    "the settings program, or leave it empty for that of each machine.")
+                .arg(strName.left(50)));
+    return region;
 }
 
 void setDefaults(cOtherSettings &objOther) {
@@ -70,6 +86,7 @@ void cSettings::ReadLists() {
     Statuses->FromRS(openTable("SELECT * From tblStatuses ORDER BY strStatus", true));
     Callers->FromRS(openTable("SELECT * From tblCallers ORDER BY strFullName", true));
     OtherSettings->FromRS(openTable("tblOtherSettings", true));
+    objWorkRegion = regionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
 }
 
 void cSettings::subNoConnection() {

@@ -10,6 +10,8 @@
 #include "reference/responsibles.h"
 #include "reference/simplelist.h"
 
+#include <QLocale>
+
 class cOutlookFolder;
 namespace scripting {
 class TextStream;
@@ -67,6 +69,10 @@ class cSettings : public ReportTarget {
     /// Empty until the language was asked for.
     QString m_strLanguageFile;
 };
+
+/// By whose order the dates of work logs are written and read: the setting `Region`, the same for all copies of a
+/// helpdesk; nothing for the machine's own. Known once the settings have been read.
+extern ProcessLocal<std::optional<QLocale>> objWorkRegion;
 
 /// The one settings object; Nothing until it is made.
 extern ProcessLocal<Ref<cSettings>> objSettings;

@@ -62,6 +62,8 @@ class cTicket {
     /// Writes the row, all its columns, and appends the work rows that are new. A ticket that has no row gets one, and
     /// one without a number gets the row's.
     void SaveToDB();
+    /// Deletes the row of a ticket that can get no item. Fails where the database can't be written.
+    void TakeBackRow() const;
     /// `SaveToDB` and `SaveToOutlook` of a ticket that has both and is not shown, without a report. Where the item
     /// can't be saved, the row is taken back. Fails as the one that can't be saved; with 0x80040109 or 0x8004010A where
     /// somebody else has saved the item, or taken it away, since it was opened.

@@ -4,7 +4,9 @@
 
 #include "core/dialogs.h"
 #include "core/runtime.h"
+#include "core/savetrouble.h"
 #include "database/connection.h"
+#include "platform/ado/command.h"
 #include "reference/opentime.h"
 #include "reference/settings.h"
 #include "reference/texts.h"
@@ -131,14 +133,24 @@ void cTicket::SaveToDB() try {
     }
     WriteRow(adrTickets);
     WorkDescs->WriteToDB(TicketID);
+    subSaveWorked(Saving::Row);
 } catch (const Failure &failure) {
     if (failure.number() != failures::unspecified)
         subErrorHandler(failure, "SaveToDB");
     subTrace("The ticket was not written: " + failure.description());
-    subAssistantMessage(ouaOutlook, QStringLiteral("Failed to write current ticket to DB!\r\n"
-                                                   "Either the database seems to have read-only attribute, or\r\n"
-                                                   "the ticket seems to be locked by another user!\r\n\r\n"
-                                                   "Please try again with the proper settings!"));
+    subTellSaveTrouble(Saving::Row,
+                       QStringLiteral("Failed to write current ticket to DB!\r\n"
+                                      "Either the database seems to have read-only attribute, or\r\n"
+                                      "the ticket seems to be locked by another user!\r\n\r\n"
+                                      "Please try again with the proper settings!"),
+                       failure);
+}
+
+void cTicket::TakeBackRow() const {
+    ado::Command objCommand;
+    objCommand.SetActiveConnection(adoConnection.get());
+    objCommand.SetCommandText("Delete from tblTickets where strTicketID = " + fncQuoted(TicketID));
+    objCommand.Execute();
 }
 
 void cTicket::ReadFromDB(const Ref<ado::Recordset> &adrRecord) try {

@@ -4,6 +4,7 @@
 #include "core/phrases.h"
 #include "core/process.h"
 #include "core/trace.h"
+#include "reference/texts.h"
 
 namespace {
 /// The kind of folder that takes mails and posts.
@@ -23,6 +24,26 @@ QString fncGetTicketIDFromSubject(const QString &strSubject) {
 }
 
 namespace {
+/// Neither a control character nor one that is not seen but changes how others are.
+bool fncIsPlain(QChar chr) {
+    switch (chr.category()) {
+    case QChar::Other_Control:
+    case QChar::Other_Format:
+    case QChar::Other_NotAssigned:
+    case QChar::Separator_Line:
+    case QChar::Separator_Paragraph:
+        return false;
+    default:
+        return true;
+    }
+}
+
+bool fncIsPair(const QString &strText, qsizetype i) {
+    const qsizetype intHigh = strText[i].isHighSurrogate() ? i : i - 1;
+    return intHigh >= 0 && intHigh + 1 < strText.size() && strText[intHigh].isHighSurrogate() &&
+           strText[intHigh + 1].isLowSurrogate();
+}
+
 /// The host may take a number for a position: then it gives some other folder, and there is none of the name.
 host::MAPIFolder fncFind(const host::MAPIFolder &oufParent, const QString &strName) {
     return AttemptOr(
@@ -42,10 +63,26 @@ host::MAPIFolder fncAddOrFind(const host::MAPIFolder &oufParent, const QString &
 }
 } // namespace
 
+QString fncTicketFolderName(const QString &strTicketID) {
+    constexpr qsizetype longestName = 64;
+    QString strName = fncCut(strTicketID, longestName);
+    const QString strShown = strName.trimmed();
+    const qsizetype intFirst = strShown.isEmpty() ? strName.size() : strName.indexOf(strShown);
+    for (qsizetype i = 0; i < strName.size(); ++i) {
+        const QChar chr = strName[i];
+        const bool blnEdge = i < intFirst || i >= intFirst + strShown.size();
+        const bool blnHalf = chr.isSurrogate() && !fncIsPair(strName, i);
+        if (blnEdge || blnHalf || !fncIsPlain(chr) || chr == u'\\' || chr == u'/')
+            strName[i] = u'_';
+    }
+    return strName;
+}
+
 host::MAPIFolder fncGetTicketFolder(const QString &strTicketID) {
-    host::MAPIFolder ouf = fncFind(oufTickets, strTicketID);
+    const QString strName = fncTicketFolderName(strTicketID);
+    host::MAPIFolder ouf = fncFind(oufTickets, strName);
     if (ouf.isNothing())
-        ouf = fncAddOrFind(oufTickets, strTicketID);
+        ouf = fncAddOrFind(oufTickets, strName);
     if (ouf.isNothing())
         subTellNoSubFolder();
     return ouf;

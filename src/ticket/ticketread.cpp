@@ -5,6 +5,7 @@
 
 #include "core/dialogs.h"
 #include "core/runtime.h"
+#include "core/savetrouble.h"
 #include "outlook/properties.h"
 #include "outlook/safeutils.h"
 #include "reference/settings.h"
@@ -129,10 +130,11 @@ bool cTicket::ReadFromOutlook(const host::Item &ouiTicket) try {
     host::UserProperties properties;
     const ReadSteps steps = readSteps(*this, ouiTicket, properties);
     if (!ouiTicket.Saved()) {
-        if (Attempt([&] { ouiTicket.Save(); })) {
-            subAssistantMessage(ouaOutlook, "Unable to save current item!");
+        if (const auto failure = Attempt([&] { ouiTicket.Save(); })) {
+            subTellSaveTrouble(Saving::Item, "Unable to save current item!", *failure);
             return false;
         }
+        subSaveWorked(Saving::Item);
         return runTolerant(steps);
     }
     for (const auto &step : steps)

@@ -3,6 +3,7 @@
 #include "core/runtime.h"
 #include "platform/value/random.h"
 #include "reference/control.h"
+#include "reference/settings.h"
 
 namespace {
 /// Stands behind each row of the log's text, the last one included.
@@ -14,6 +15,8 @@ const QString &separator() {
 /// The columns of a list box's row.
 enum ListColumn { descriptionColumn, dateColumn, minutesColumn, userColumn };
 
+const QLocale &region() { return *objWorkRegion ? **objWorkRegion : Region::locale(); }
+
 /// The number, or the first behind it that is no row's yet: each road into a log counts in its own way.
 QString freeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc, qint32 number) {
     while (dicWorkDesc.Exists(QString::number(number)))
@@ -23,7 +26,7 @@ QString freeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc,
 } // namespace
 
 QString cWorkDescription::ToString() const {
-    return Description + u'\t' + toText(WorkDate) + u'\t' + QString::number(Minutes) + u'\t' + User;
+    return Description + u'\t' + formatDateTime(WorkDate, region()) + u'\t' + QString::number(Minutes) + u'\t' + User;
 }
 
 void cWorkDescription::AddRow(Control &ListBox) const {
@@ -48,8 +51,8 @@ void cWorkDescription::FromString(const QString &StringToParse) try {
     if (parts.size() != 4)
         return;
     Description = parts[descriptionColumn];
-    if (isDate(parts[dateColumn]))
-        WorkDate = toDateTime(parts[dateColumn]);
+    if (const std::optional<DateTime> date = parseDateTime(parts[dateColumn], region()))
+        WorkDate = *date;
     Minutes = isNumeric(parts[minutesColumn]) ? toInt16(parts[minutesColumn]) : qint16{0};
     User = parts[userColumn];
 } catch (const Failure &failure) {

@@ -9,6 +9,7 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStandardPaths>
+#include <QThread>
 #include <QUuid>
 
 namespace {
@@ -37,12 +38,13 @@ class SideBySide : public SettingsProgram {
     static constexpr char wholeLists[] = "300 300 1";
 
     /// By the bare library; by the command-line tool where the machine has it.
-    QString ask(const QString &statement) {
+    QString ask(const QString &statement) { return ask(statement, database()); }
+    static QString ask(const QString &statement, const QString &file) {
         const QString tool = QStandardPaths::findExecutable("sqlite3");
         QString answer;
         {
             QSqlDatabase bare = QSqlDatabase::addDatabase("QSQLITE", "bare");
-            bare.setDatabaseName(database());
+            bare.setDatabaseName(file);
             EXPECT_TRUE(bare.open());
             QSqlQuery query(bare);
             EXPECT_TRUE(query.exec(statement) && query.next());
@@ -51,7 +53,7 @@ class SideBySide : public SettingsProgram {
         QSqlDatabase::removeDatabase("bare");
         if (!tool.isEmpty() && answer == wholeLists) {
             QProcess process;
-            process.start(tool, {"-readonly", "-cmd", ".timeout 10000", database(), statement});
+            process.start(tool, {"-readonly", "-cmd", ".timeout 10000", file, statement});
             EXPECT_TRUE(process.waitForFinished(60000));
             answer = QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError()).trimmed();
         }
@@ -122,6 +124,75 @@ TEST_F(SideBySide, NoneOfTheirSettingsIsLost) {
     EXPECT_EQ(ask("SELECT count(*) FROM tblOtherSettings WHERE strPropName = 'both'"), "1");
     EXPECT_EQ(ask("SELECT count(*) FROM tblOtherSettings WHERE strPropName LIKE 'one %' AND strPropValue = '1'"), "12");
     EXPECT_EQ(ask("SELECT count(*) FROM tblOtherSettings WHERE strPropName LIKE 'two %' AND strPropValue = '2'"), "12");
+}
+
+/// Backups beside a program that imports now one set of lists, now the other: each holds one of them, whole.
+TEST_F(SideBySide, ABackupIsOfOneMomentAlsoWhereItWasCutOffBefore) {
+    const QStringList files{listsOf("a"), listsOf("b")};
+    ASSERT_EQ(finish(*start({"import", files[0]})), 0);
+    Process writer;
+    int cutOff = 0;
+    for (int round = 0; round < 16; ++round) {
+        if (!writer || writer->state() == QProcess::NotRunning)
+            writer = start({"import", files[round % 2]});
+        const Process backup = start({"backup", path("kept.mdb"), "--replace"});
+        if (round % 2 == 1) {
+            EXPECT_TRUE(backup->waitForStarted());
+            QThread::msleep(static_cast<unsigned>(round) * 2);
+            backup->kill();
+        }
+        finish(*backup);
+        cutOff += backup->exitStatus() == QProcess::CrashExit ? 1 : 0;
+        EXPECT_TRUE(round % 2 == 1 || backup->exitCode() == 0) << backup->readAllStandardError().toStdString();
+        QFile::remove(path("looked.mdb"));
+        ASSERT_TRUE(QFile::copy(path("kept.mdb"), path("looked.mdb")));
+        EXPECT_EQ(ask(whole, path("looked.mdb")).toStdString(), wholeLists) << round;
+    }
+    EXPECT_GT(cutOff, 0);
+    finish(*writer);
+}
+
+TEST_F(SideBySide, ABackupIsPutBackWholeOrNotAtAll) {
+    ASSERT_EQ(finish(*start({"set", "KBPath", "before"})), 0);
+    const QString kept = path("kept.mdb");
+    ASSERT_EQ(finish(*start({"backup", kept})), 0);
+    EXPECT_EQ(finish(*start({"backup", kept})), 1) << "nothing is written over unasked";
+    EXPECT_EQ(finish(*start({"backup", database(), "--replace"})), 1) << "least of all the database";
+    ASSERT_EQ(finish(*start({"set", "KBPath", "after"})), 0);
+    const auto value = [&] { return ask("SELECT strPropValue FROM tblOtherSettings WHERE strPropName = 'KBPath'"); };
+
+    const QByteArray good = contentOf(kept);
+    QByteArray flipped = good;
+    flipped[good.size() - 100] = static_cast<char>(flipped[good.size() - 100] ^ 1);
+    for (const QByteArray &bad : {flipped, good.left(good.size() / 2), QByteArray(), QByteArray("Dear all")}) {
+        writtenFile(kept, bad);
+        EXPECT_EQ(finish(*start({"restore", kept})), 1) << bad.size();
+        // Without its sum, what is no database at all is refused still.
+        QFile::rename(kept + ".sha256", kept + ".away");
+        EXPECT_TRUE(bad == flipped || finish(*start({"restore", kept})) == 1) << bad.size();
+        QFile::rename(kept + ".away", kept + ".sha256");
+        EXPECT_EQ(value(), "after");
+    }
+    writtenFile(kept, good);
+    {
+        QSqlDatabase open = QSqlDatabase::addDatabase("QSQLITE", "open");
+        open.setDatabaseName(database());
+        ASSERT_TRUE(open.open());
+        ASSERT_TRUE(QSqlQuery(open).exec("SELECT count(*) FROM tblTickets"));
+        EXPECT_EQ(finish(*start({"restore", kept})), 1) << "while a program has it open";
+    }
+    QSqlDatabase::removeDatabase("open");
+    const Process restore = start({"restore", kept});
+    EXPECT_EQ(finish(*restore), 0) << restore->readAllStandardError().toStdString();
+    EXPECT_EQ(value(), "before");
+    EXPECT_TRUE(QFile::exists(database() + ".before-restore-1"));
+    EXPECT_EQ(finish(*start({"set", "KBPath", "later"})), 0);
+
+    // After everything else was lost.
+    for (const char *ending : {"", "-wal", "-shm"})
+        QFile::remove(database() + ending);
+    EXPECT_EQ(finish(*start({"restore", kept})), 0);
+    EXPECT_EQ(value(), "before");
 }
 
 } // namespace

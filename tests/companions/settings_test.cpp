@@ -117,12 +117,16 @@ TEST_F(Settings, StoresValuesAsTheSystemReadsThem) {
 TEST_F(Settings, RefusesAValueThatTheSystemCouldNotRead) {
     run({"set", "ServiceStart", "9:00"});
     const std::pair<const char *, const char *> cases[] = {
-        {"ServiceStart", "soon"},         {"ServiceStart", ""},         {"DayServiceEnd", "Friday"},
-        {"OnlineTrackingTimes", "40000"}, {"AutoTrackingTickets", "x"}, {" ", "x"},
-        {"ServiceStart", "8.30"}};
+        {"ServiceStart", "soon"},     {"ServiceStart", ""},
+        {"DayServiceEnd", "Friday"},  {"OnlineTrackingTimes", "40000"},
+        {"AutoTrackingTickets", "x"}, {" ", "x"},
+        {"ServiceStart", "8.30"},     {"Region", "de"},
+        {"Region", "Germany"}};
     for (const auto &[name, value] : cases)
         EXPECT_EQ(run({"set", name, value}).status, 1) << name << "=" << value;
     EXPECT_EQ(get("ServiceStart"), "9:00\n");
+    for (const char *region : {"de-DE", ""})
+        EXPECT_EQ(run({"set", "Region", region}).status, 0) << region;
 }
 
 TEST_F(Settings, SaysWhatToDoAboutADatabaseThatCannotBeUsed) {

@@ -69,6 +69,25 @@ TEST_F(Dialogs, AMessageBoxAlsoTakesThePlaceOfAnAssistantThatFails) {
     EXPECT_EQ(fncAssistantYesNo(nullptr, "Open?", 4), 6);
 }
 
+/// The host is another process, whose window the shell can't reach; and nothing about it may keep a message back.
+TEST_F(Dialogs, TheHostsWindowIsBroughtToTheFrontBeforeAMessage) {
+    const auto window = std::make_shared<support::FakeObject>("Explorer");
+    host->properties["ActiveWindow"] = automation::ObjectPtr(window);
+    window->properties["Caption"] = "Inbox";
+    subAssistantWorking(oua);
+    EXPECT_EQ(window->log, QStringList{"Activate()"});
+    for (const char *failing : {"", "Activate", "Caption"}) {
+        window->log.clear();
+        window->failing = QStringList{failing};
+        answers.expect("told");
+        subAssistantMessage(oua, "told");
+        EXPECT_EQ(window->log, *failing == '\0' ? QStringList{"Activate()"} : QStringList()) << failing;
+    }
+    host->properties["ActiveWindow"] = Value::nothing();
+    answers.expect("told");
+    subAssistantMessage(oua, "told");
+}
+
 TEST_F(Dialogs, TheBoxGivesItsAnswerAndItsCheck) {
     struct Case {
         QString button;

@@ -1,6 +1,7 @@
 // Entering and ending the program, and its log.
 
 #include "core/entry.h"
+#include "core/steps.h"
 #include "core/trace.h"
 #include "support/environment.h"
 #include "support/program.h"
@@ -54,6 +55,56 @@ TEST_F(Process, AFailureThatReachesTheEntryIsReportedAndEndsTheCopy) {
     callback();
     callback();
     EXPECT_EQ(entered, 1);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(Process, WhateverElseIsThrownIsReportedToo) {
+    const std::map<const char *, std::function<void()>> cases = {
+        {"#7\r", [] { throw std::bad_alloc(); }},
+        {"a fault", [] { throw std::runtime_error("a fault"); }},
+        {"#-2147467259\r", [] { throw 5; }}};
+    for (const auto &[part, fault] : cases) {
+        support::inAnotherCopy([&] {
+            support::Answers answered;
+            answered.expect(part, window::No);
+            int ended = 0;
+            processHooks->ended = [&] { ++ended; };
+            enterProgram([&] { (void)Attempt(fault); });
+            EXPECT_EQ(ended, 1);
+        });
+    }
+}
+
+TEST_F(Process, WorkThatComesWhileAStepIsBusyWaitsForItAndTheEndDropsIt) {
+    QStringList order;
+    const auto work = EntryBetween([&](const QString &name) { order << name; });
+    const auto answered = Entry([&](const QString &name) { order << name; });
+    enterProgram([&] {
+        work(QString("later"));
+        auto now = answered;
+        now(QString("now"));
+        {
+            const LetsWorkIn waits;
+            work(QString("while a person is asked"));
+        }
+        order << "the step's end";
+    });
+    EXPECT_EQ(order, (QStringList{"now", "while a person is asked", "later", "the step's end"}));
+    order.clear();
+    const auto end = EntryOfEnd([&] { order << "the end"; });
+    enterProgram([&] {
+        {
+            const WholeStep whole;
+            end();
+            subEndIfAsked();
+            order << "in hand";
+        }
+        work(QString("dropped"));
+        subEndIfAsked();
+        ADD_FAILURE() << "the step went on";
+    });
+    EXPECT_EQ(order, (QStringList{"in hand", "the end"}));
+    EXPECT_EQ(releases, 1);
     EXPECT_EQ(ends, 1);
 }
 

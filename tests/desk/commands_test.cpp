@@ -14,9 +14,28 @@ namespace {
 using CommandsTest = DeskProgramTest;
 
 TEST_F(CommandsTest, WrongUsageIsTwo) {
-    for (const QString line :
-         {"nonsense", "folder", "folder remove x", "folder add", "folder add a b", "list", "list a b", "show",
-          "deliver", "folders extra", "list a --open b", "--unknown", "list a --columns"}) {
+    for (const QString line : {"nonsense",
+                               "folder",
+                               "folder remove x",
+                               "folder add",
+                               "folder add a b",
+                               "list",
+                               "list a b",
+                               "show",
+                               "deliver",
+                               "mailbox",
+                               "mailbox add",
+                               "mailbox list x",
+                               "folders extra",
+                               "list a --open b",
+                               "--unknown",
+                               "list a --columns",
+                               "rules x",
+                               "rules --most-an-hour",
+                               "rules --most-an-hour -1",
+                               "rules --most-an-hour ten",
+                               "rules --sort-automatic maybe",
+                               "rules --own-addresses nobody"}) {
         const Outcome outcome = run(line.split(u' '));
         EXPECT_EQ(outcome.status, 2) << line.toStdString();
         EXPECT_TRUE(outcome.out.isEmpty());
@@ -25,7 +44,8 @@ TEST_F(CommandsTest, WrongUsageIsTwo) {
     EXPECT_FALSE(QDir(profile()).exists());
     const Outcome help = run({"deliver", "--help"});
     EXPECT_EQ(help.status, 0);
-    for (const char *word : {"deliver", "folder add", "folders", "list", "show", "--profile", "--public", "--open"})
+    for (const char *word :
+         {"deliver", "folder add", "folders", "list", "show", "mailbox add", "--profile", "--public", "--open"})
         EXPECT_TRUE(help.out.contains(word)) << word;
 }
 
@@ -171,6 +191,37 @@ TEST_F(CommandsTest, ProfilesShareAPublicStore) {
     const Outcome other = run({"folders", "--profile", file("other"), "--user", "Bo Other", "--public", shared});
     EXPECT_TRUE(other.out.contains("\\\\Mailbox - Bo Other"));
     EXPECT_TRUE(other.out.contains("\\\\Public Folders\\Ours"));
+}
+
+TEST_F(CommandsTest, TheRulesForAutomaticMailAreSeenAndChanged) {
+    const QJsonObject usual{{"mostAnHour", 10}, {"sortAutomatic", false}, {"ownAddresses", QJsonArray()}};
+    EXPECT_EQ(json({"rules"}).object(), usual);
+    const QStringList change{"rules", "--sort-automatic", "yes", "--own-addresses", "a@example.org, b@example.org"};
+    EXPECT_EQ(run(change).status, 0);
+    EXPECT_EQ(run({"rules", "--most-an-hour", "0"}).status, 0);
+    const QJsonObject changed{
+        {"mostAnHour", 0}, {"sortAutomatic", true}, {"ownAddresses", QJsonArray{"a@example.org", "b@example.org"}}};
+    EXPECT_EQ(json({"rules"}).object(), changed);
+    EXPECT_TRUE(run({"rules"}).out.contains("any number"));
+
+    const QString person = written("person.eml", "From: cal@example.org\r\nSubject: Hello\r\n\r\nText");
+    const QString machine = written("machine.eml", "From: B@example.org\r\nSubject: Back\r\n\r\nText");
+    const QString own = "\\\\Mailbox - Alma Tester\\Automatic mail\\Own mail";
+    const QJsonObject report = json({"deliver", person, machine}).object();
+    EXPECT_EQ(report["folder"].toString(), inboxPath);
+    EXPECT_EQ(report["delivered"][1]["folder"].toString(), own);
+    EXPECT_EQ(report["delivered"][1]["automatic"].toString(), "own mail");
+    EXPECT_TRUE(report["delivered"][0]["folder"].isUndefined());
+    EXPECT_EQ(run({"deliver", person, machine}).out.trimmed(),
+              "Delivered to " + inboxPath.toUtf8() + ": 1\nDelivered to " + own.toUtf8() + ": 1");
+    EXPECT_EQ(count(inboxPath), 2);
+    EXPECT_EQ(run({"list", own, "--columns", "Subject,Automatic mail"}).out.count("own mail"), 2);
+
+    // What a hand wrote into the file and nobody can read is as if it were not there.
+    written("profile/desk.ini",
+            "[automatic]\nmostAnHour=lots\nsort=perhaps\nownAddresses=c@example.org, d@example.org\n");
+    EXPECT_EQ(json({"rules"}).object()["mostAnHour"].toInt(), 10);
+    EXPECT_EQ(json({"rules"}).object()["ownAddresses"].toArray().size(), 2);
 }
 
 } // namespace

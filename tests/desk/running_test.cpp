@@ -3,8 +3,11 @@
 #include "program.h"
 
 #include <QDirIterator>
+#include <QElapsedTimer>
 
 #include <set>
+
+#include <sys/resource.h>
 
 namespace {
 
@@ -91,6 +94,42 @@ TEST_F(RunningTest, ABarGoesWithItsClient) {
     EXPECT_EQ(toText(explorer()->get("CommandBars").object()->call("Item", {1}).object()->get("Name")), "Stays");
 }
 
+/// Those that are there go on, and there is room again as soon as one of them leaves.
+TEST_F(RunningTest, ADeskOutOfFileHandlesTurnsNewcomersAwayAtOnce) {
+    m_desk.setChildProcessModifier([] {
+        const rlimit few{60, 60};
+        ::setrlimit(RLIMIT_NOFILE, &few);
+    });
+    startDesk();
+    std::vector<std::unique_ptr<automation::Client>> clients;
+    std::optional<Failure> failure;
+    while (!failure && clients.size() < 100)
+        failure = Attempt([&] { clients.push_back(connect()); });
+    for (int newcomer = 0; newcomer < 5; ++newcomer) {
+        QElapsedTimer timer;
+        timer.start();
+        failure = Attempt([&] { static_cast<void>(connect()); });
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->number(), failures::peerGone);
+        EXPECT_TRUE(failure->description().contains(u"as many programs as it can"));
+        EXPECT_LT(timer.elapsed(), 2000);
+    }
+    EXPECT_FALSE(toText(clients.front()->root()->get("Version")).isEmpty());
+    const auto ticks = [&] {
+        const QList<QByteArray> stat = contentOf(QStringLiteral("/proc/%1/stat").arg(m_desk.processId())).split(' ');
+        return stat.value(13).toInt() + stat.value(14).toInt();
+    };
+    const int before = ticks();
+    QElapsedTimer idle;
+    idle.start();
+    while (idle.elapsed() < 500)
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 100);
+    EXPECT_LT(ticks() - before, 20) << "it spins";
+    clients.pop_back();
+    EXPECT_TRUE(eventually([&] { return !Attempt([&] { static_cast<void>(connect()); }); }));
+    EXPECT_EQ(endDesk(), 0);
+}
+
 TEST_F(RunningTest, TheFolderShownIsRemembered) {
     EXPECT_EQ(run({"folder", "add", "\\\\Public Folders\\Ours"}).status, 0);
     for (const QStringList &arguments : {QStringList{"--open", "\\\\Public Folders\\Ours"}, QStringList{}}) {
@@ -146,7 +185,7 @@ TEST_F(RunningTest, AKillInTheMiddleOfSendingLosesAndDoublesNothing) {
         for (int i = 0; i < messages; ++i) {
             const auto mail = client->root()->call("CreateItem", {0}).object();
             mail->put("Subject", QStringLiteral("number %1").arg(i));
-            mail->put("To", "bo@example.org");
+            mail->put("To", QStringLiteral("bo%1@example.org").arg(i));
             mail->call("Send", {});
         }
     }

@@ -96,4 +96,14 @@ TEST(FillConfirmation, ReplacesInTurnAndEverywhere) {
         EXPECT_EQ(fncFillConfirmation(each.text, "7", each.body, each.subject), each.expected) << each.text;
 }
 
+TEST(FillConfirmation, IsNoLongerThanAMillionWhateverTheMailSays) {
+    const QString many = QString("[SUBJECT]").repeated(50'000);
+    const QString text = QString("mail [TICKETID]: [BODY]");
+    EXPECT_EQ(fncFillConfirmation(text, "7", many, QString(250'000, u's')), "mail 7: ");
+    EXPECT_EQ(fncFillConfirmation(text, "7", many, QString(10, u's')).size(), 8 + 500'000);
+    EXPECT_EQ(fncFillConfirmation(text, "7", QString(1'000'001, u'b'), "s"), "mail 7: ");
+    EXPECT_EQ(fncFillConfirmation("[BODY][TICKETID]" + many, "7", "b", QString(21, u's')), "7") << "a long template";
+    EXPECT_EQ(fncFillConfirmation(QString(1'000'001, u't'), "7", "b", "s").size(), 1'000'001);
+}
+
 } // namespace

@@ -124,6 +124,77 @@ INSTANTIATE_TEST_SUITE_P(Questions, FaultsOfAReply,
                                                "", 0, 0}),
                          [](const auto &each) { return QString(each.param.name).replace(' ', '_').toStdString(); });
 
+/// A disk that is full from the ticket item's second save on: the half item can't be deleted either, the row not be
+/// noted on the mail, and when there is room again one mail is one ticket.
+struct FullDisk {
+    const char *name;
+    /// What is refused from the item's first save on.
+    QStringList questions;
+    int rowsMeanwhile;
+    int itemsMeanwhile;
+};
+
+class AFullDisk : public RefusingHost, public testing::WithParamInterface<FullDisk> {};
+
+TEST_P(AFullDisk, MakesOneTicketOfAMailInTheEnd) {
+    auto &copy = start();
+    m_questions->before = [isFull = false](const QString &each) mutable {
+        isFull = isFull || each == "PostItem.Sensitivity=";
+        if (isFull && GetParam().questions.contains(each))
+            throw Failure(failures::noDiskSpace, "the disk is full");
+    };
+    copy.answers.expect(" : fncCreateSingleTicket ", window::No);
+    deliver({.subject = "a mail", .files = {{"a.txt", "content"}}});
+    EXPECT_FALSE(copy.run.alive());
+    EXPECT_EQ(tickets().Items().Count(), GetParam().itemsMeanwhile);
+    EXPECT_EQ(rows("SELECT * FROM tblTickets", {"strTicketID"}).size(), GetParam().rowsMeanwhile);
+    m_questions->before = nullptr;
+    // The claim of a program that could not free it any more is what somebody takes away.
+    const host::Item mail = intake().Items().Find("[Subject] = 'a mail'");
+    mail.BillingInformation("");
+    mail.Save();
+
+    start();
+    ASSERT_EQ(subjects(tickets()), QStringList{"a mail"});
+    const host::Item ticket = tickets().Items().Item(1);
+    EXPECT_EQ(rows("SELECT * FROM tblTickets", {"strTicketID"}), QStringList{property(ticket, "Ticket ID")});
+    EXPECT_EQ(ticket.Attachments().Count(), 1);
+    EXPECT_EQ(ticket.BillingInformation(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Questions, AFullDisk,
+    testing::Values(FullDisk{"the_number", {"PostItem.Close()"}, 1, 0},
+                    FullDisk{"the_number_and_the_deletion", {"PostItem.Close()", "PostItem.Delete()"}, 1, 1},
+                    FullDisk{"the_number_and_the_mail", {"PostItem.Close()", "MailItem.Save()"}, 0, 0},
+                    FullDisk{"everything", {"PostItem.Close()", "PostItem.Delete()", "MailItem.Save()"}, 0, 1}),
+    [](const auto &each) { return each.param.name; });
+
+TEST_F(RefusingHost, TheReasonIsToldOnceUntilASaveWorks) {
+    auto &copy = start();
+    const auto refuseWith = [this](const QString &reason) {
+        m_questions->before = [reason](const QString &each) {
+            if (each == "PostItem.Save()" && !reason.isEmpty())
+                throw Failure(failures::noDiskSpace, reason);
+        };
+    };
+    const QString fixed = "Unable to save current item!\r\n";
+    refuseWith("the disk is full");
+    copy.answers.expect(fixed + "the disk is full");
+    deliver({.subject = "one"});
+    deliver({.subject = "two"});
+    refuseWith("you have no right");
+    copy.answers.expect(fixed + "you have no right");
+    deliver({.subject = "three"});
+    refuseWith({});
+    deliver({.subject = "four"});
+    EXPECT_EQ(subjects(tickets()), QStringList{"four"});
+    refuseWith("you have no right");
+    copy.answers.expect(fixed + "you have no right");
+    deliver({.subject = "five"});
+    EXPECT_EQ(copy.answers.asked().size(), 3);
+}
+
 class FaultsOfTheScan : public RefusingHost {
   protected:
     /// Ticket 1 is there, without a folder of its own.

@@ -17,6 +17,13 @@ class FolderMonitor : public support::Helpdesk {
   protected:
     [[nodiscard]] host::MAPIFolder converted() const { return intake().Folders("Converted"); }
     [[nodiscard]] host::Item ticket(qint32 index = 1) const { return tickets().Items().Item(index); }
+    /// A start that tells why it does not watch.
+    support::Copy &startWith(const QString &told) {
+        auto &copy = newCopy();
+        copy.answers.expect(told);
+        copy.run.start();
+        return copy;
+    }
 };
 
 TEST_F(FolderMonitor, AReportFreesTheClaimAndLeavesNoHalfTicket) {
@@ -70,7 +77,7 @@ TEST_F(FolderMonitor, TheScanConvertsWhatWaitsAndTakesTheEmptyFolder) {
 TEST_F(FolderMonitor, WhatTheScanRefusesKeepsTheFolderUnwatched) {
     put(intake(), "IPM.Appointment", "a meeting");
     deliver({.subject = "a mail"});
-    start();
+    startWith("- \"a meeting\": it is of the kind IPM.Appointment");
     EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
     EXPECT_EQ(subjects(intake()), QStringList{"a meeting"});
     deliver({.subject = "a later mail"});
@@ -98,7 +105,7 @@ TEST_F(FolderMonitor, ExactlyOneOfTwoCopiesWatches) {
 TEST_F(FolderMonitor, TheFlagOfADeadCopyKeepsTheFolderUntilItIsRemoved) {
     put(intake(), "IPM.Post", strFlagSubject);
     deliver({.subject = "a mail"});
-    start();
+    startWith("nothing tells whether the program of somebody, which had it, still runs");
     EXPECT_EQ(subjects(tickets()), QStringList{"a mail"});
     EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
     deliver({.subject = "unseen"});
@@ -131,6 +138,8 @@ TEST_P(ItemClasses, DecideWhatBecomesOfAnItem) {
     const host::Item item = put(intake(), each.messageClass, "an item");
     auto &copy = newCopy();
     EXPECT_EQ(copy.in([&] { return fncIsNewMailItem(item); }), each.isNew);
+    if (each.folder == QString("Support"))
+        copy.answers.expect(each.isNew ? "- a mail that no program has taken" : "which becomes no ticket");
     copy.run.start();
     EXPECT_EQ(subjects(tickets()).size(), each.tickets);
     const host::Item after = mapi().GetItemFromID(item.EntryID());
@@ -159,6 +168,19 @@ TEST_F(FolderMonitor, ItemsThatAreClaimedOrFlagsOrNothingAreNotNew) {
     const host::Item gone = put(intake(), "IPM.Note", "gone");
     gone.Delete();
     EXPECT_FALSE(isNew(gone));
+}
+
+// Anybody can write the subject of the flag item on a mail, and would stop the intake by it.
+TEST_F(FolderMonitor, AMailThatPosesAsTheFlagIsAMailLikeAnyOther) {
+    const support::Mail poser{.subject = strFlagSubject, .from = "x@example.org\r\nX-Message-Class: IPM.Post"};
+    deliver(poser);
+    start();
+    EXPECT_EQ(subjects(tickets()), QStringList{strFlagSubject}) << "met by the scan";
+    EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject}) << "the folder is watched";
+    deliver(poser);
+    EXPECT_EQ(subjects(tickets()).size(), 2) << "met by the watch";
+    EXPECT_EQ(subjects(converted()).size(), 2);
+    EXPECT_EQ(intake().Items().Item(1).MessageClass(), "IPM.Post");
 }
 
 TEST_F(FolderMonitor, AClaimThatAnotherClientWonLeavesTheItem) {
@@ -252,12 +274,64 @@ TEST_P(Replies, AreFiledByTheNumberInTheSubject) {
     EXPECT_EQ(subjects(intake()), QStringList{strFlagSubject});
 }
 
-INSTANTIATE_TEST_SUITE_P(Subjects, Replies,
-                         testing::Values(ReplyCase{"Re: Helpdesk Ticket {12}", true, "12"},
-                                         ReplyCase{"Re: Helpdesk Ticket {12}", false, ""},
-                                         ReplyCase{"{a b} {12}", true, "a b"}, ReplyCase{"only { opens", true, ""},
-                                         ReplyCase{"}{ the wrong way round", true, ""},
-                                         ReplyCase{"empty {} braces", true, ""}));
+INSTANTIATE_TEST_SUITE_P(
+    Subjects, Replies,
+    testing::Values(ReplyCase{"Re: Helpdesk Ticket {12}", true, "12"}, ReplyCase{"Re: Helpdesk Ticket {12}", false, ""},
+                    ReplyCase{"{a b} {12}", true, "a b"}, ReplyCase{"only { opens", true, ""},
+                    ReplyCase{"{ 12 }", true, "_12_"}, ReplyCase{"{   }", true, "___"},
+                    ReplyCase{"{a\\b/c}", true, "a_b_c"}, ReplyCase{"{..}", true, ".."},
+                    ReplyCase{"{12\xE2\x80\xAE}", true, "12_"},
+                    ReplyCase{"{1234567890123456789012345678901234567890123456789012345678901234567"
+                              "8901234567890}",
+                              true, "1234567890123456789012345678901234567890123456789012345678901234"},
+                    ReplyCase{"}{ the wrong way round", true, ""}, ReplyCase{"empty {} braces", true, ""}));
+
+struct NeedCase {
+    const char *setting;
+    const char *subject;
+    /// The folder that takes it; empty where it becomes a ticket.
+    const char *folder;
+};
+
+class RepliesThatNeedATicket : public FolderMonitor, public testing::WithParamInterface<NeedCase> {};
+
+TEST_P(RepliesThatNeedATicket, AreRepliesOnlyWhereThereIsOne) {
+    const NeedCase &each = GetParam();
+    setSetting("EmailSubFolders", "1");
+    setSetting("RepliesNeedTicket", each.setting);
+    setSetting("ConvertedEmailMessage", "Ticket [TICKETID] was made.");
+    for (const bool isScanned : {false, true}) {
+        auto &copy = start();
+        deliver({.subject = "open"});
+        deliver({.subject = "closed"});
+        // The item of a closed ticket has left the folder, its row is there.
+        tickets().Items().Find("[Subject] = 'closed'").Delete();
+        const qint32 before = tickets().Items().Count();
+        const qsizetype confirmed = outgoing().size();
+        if (isScanned)
+            copy.run.quit();
+        deliver({.subject = each.subject});
+        if (isScanned)
+            start().run.quit();
+        else
+            copy.run.quit();
+        const bool isTicket = *each.folder == '\0';
+        EXPECT_EQ(tickets().Items().Count() - before, isTicket ? 1 : 0);
+        EXPECT_EQ(outgoing().size() - confirmed, isTicket ? 1 : 0);
+        if (!isTicket) {
+            EXPECT_TRUE(tickets()
+                            .Folders(each.folder)
+                            .Folders("Received")
+                            .FindItem("[Subject] = '" + QString(each.subject) + "'"));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, RepliesThatNeedATicket,
+                         testing::Values(NeedCase{"1", "Re: {1}", "1"}, NeedCase{"1", "Re: {2}", "2"},
+                                         NeedCase{"1", "Re: {99}", ""}, NeedCase{"1", "see {my notes}", ""},
+                                         NeedCase{"1", "{' or '1'='1}", ""}, NeedCase{"0", "Re: {99}", "99"},
+                                         NeedCase{"", "see {my notes}", "my notes"}));
 
 TEST_F(FolderMonitor, AReplyAddsAWorkRowAndMarksTheTicketUnread) {
     setSetting("EmailSubFolders", "1");
@@ -276,6 +350,30 @@ TEST_F(FolderMonitor, AReplyAddsAWorkRowAndMarksTheTicketUnread) {
     EXPECT_TRUE(property(ticket(), "WorkDescriptions0").contains("Rita Reply"));
     EXPECT_EQ(subjects(tickets().Folders("1").Folders("Received")), (QStringList{"a problem", "Re: a problem {1}"}));
     EXPECT_TRUE(outgoing().isEmpty());
+}
+
+/// One copy runs in the United States, the other in Britain, and the day is no help: 5 March is a date in both orders.
+TEST_F(FolderMonitor, CopiesOfDifferentRegionsReadEachOthersWorkLogs) {
+    setSetting("EmailSubFolders", "1");
+    setSetting("Region", "de-DE");
+    auto &american = start();
+    deliver({.subject = "a problem"});
+    deliver({.subject = "Re: {1}"});
+    american.run.quit();
+    Region::set(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    auto &british = start();
+    deliver({.subject = "Re: {1}"});
+    const QString text = property(ticket(), "WorkDescriptions0");
+    EXPECT_EQ(text.count("\t05.03.2024"), 2) << text.toStdString();
+    british.in([&] {
+        cWorkDescs log;
+        log.FromString(text);
+        ASSERT_EQ(log.dicWorkDesc->Count(), 2);
+        for (const auto &work : log.dicWorkDesc->Items())
+            EXPECT_EQ(work->WorkDate.isoText(), "2024-03-05 12:00:00");
+    });
+    for (const QString &row : rows("SELECT * FROM tblWork", {"dteWorkedDate"}))
+        EXPECT_TRUE(row.startsWith(QStringLiteral("05/03/2024"))) << row.toStdString();
 }
 
 struct ReplyRoad {
@@ -301,8 +399,10 @@ TEST_P(ReplyRoads, DifferBetweenTheScanAndWhatComesLater) {
     reply.Subject("Re: {1}");
     reply.BillingInformation(each.mark);
     reply.Save();
-    if (each.isScanned)
+    if (each.isScanned && each.filedMark)
         start();
+    else if (each.isScanned)
+        startWith("- \"Re: {1}\": it is not yet with the ticket that it answers");
 
     const host::MAPIFolder place = each.filedMark ? tickets().Folders("1").Folders("Received") : intake();
     const host::Item after = place.Items().Find("[Subject] = 'Re: {1}'");
@@ -401,7 +501,7 @@ TEST_F(FolderMonitor, AMailAsksTheHostFewQuestions) {
     questions->clear();
     deliver({.html = "<html><body><p>noise</p></body></html>"});
     ASSERT_EQ(subjects(tickets()).size(), 2);
-    EXPECT_LE(questions->size(), 94) << questions->join('\n').toStdString();
+    EXPECT_LE(questions->size(), 108) << questions->join('\n').toStdString();
 }
 
 TEST_F(FolderMonitor, ATicketItemThatCannotBeNumberedIsNotLeftBehind) {

@@ -1,8 +1,12 @@
 // The settings object: what it loads, what it writes back, and the language file beside the home page.
 
+#include "outlook/outlookfolder.h"
 #include "platform/scripting/shell.h"
+#include "reference/ticketfolder.h"
 #include "support/session.h"
 #include "support/tables.h"
+
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -54,7 +58,10 @@ TEST_F(SettingsTest, WritesEverythingBack) {
     objSettings->CurrentSelectedLanguage = 3;
     objSettings->SaveSettings();
     EXPECT_EQ(language(), "2") << "as long as the language has not been read";
-    EXPECT_EQ(rows("tblOtherSettings", {"strPropName"}).size(), 9);
+    EXPECT_THAT(rows("tblOtherSettings", {"strPropName", "strPropValue"}),
+                testing::UnorderedElementsAre("ServiceStart|8:00:00 AM", "ServiceEnd|5:00:00 PM",
+                                              "BreakStart|12:00:00 PM", "BreakEnd|1:00:00 PM", "DayServiceStart|0",
+                                              "DayServiceEnd|4", "ServiceHours|1", "LunchHours|1", "EmailFolders| "));
     objSettings->GetSettings(false);
     objSettings->Responsibles->FromString("Ann\ta@x\t5");
     objSettings->ProblemTypes->FromString("Printer\tHardware\t15");
@@ -71,6 +78,21 @@ TEST_F(SettingsTest, WritesEverythingBack) {
     EXPECT_EQ(rows("tblCallers", {"strFullName"}), QStringList{"Cal"});
     EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("EmailFolders|\\\\Box\\In"));
     EXPECT_EQ(language(), "3");
+}
+
+TEST_F(SettingsTest, TheRegionOfWorkLogsIsKnownOnceTheSettingsAreRead) {
+    const auto readWith = [](const QString &region) {
+        objSettings->OtherSettings->SetValue("Region", region);
+        objSettings->SaveSettings();
+        return support::endsProcess([] { objSettings->GetSettings(false); });
+    };
+    EXPECT_FALSE(readWith(" de-CH "));
+    EXPECT_EQ(objWorkRegion.get(), std::optional(QLocale("de_CH")));
+    EXPECT_FALSE(readWith(""));
+    EXPECT_EQ(objWorkRegion.get(), std::nullopt);
+    expectReport("cSettings.GetSettings");
+    EXPECT_TRUE(readWith("Switzerland"));
+    EXPECT_TRUE(answers.asked().last().text.contains("\"Switzerland\", which is no region"));
 }
 
 TEST_F(SettingsTest, WithNoDatabaseTellsWhyAndEnds) {
@@ -127,6 +149,25 @@ TEST_F(SettingsTest, ALanguageThatIsNoNumberIsReportedAndLeft) {
     EXPECT_TRUE(answers.asked().first().text.contains("OrvelleSettings holds \"Swedish\""))
         << qPrintable(answers.asked().first().text);
     EXPECT_EQ(language(), "Swedish");
+}
+
+TEST_F(SettingsTest, TakesFromTheRegistryWhatStandsThere) {
+    cOutlookFolder &folder = *objSettings->objFolder;
+    const std::pair<const char *, QString *> values[] = {
+        {"EntryID", &folder.EntryID}, {"StoreID", &folder.StoreID}, {"Path", &folder.Path}, {"Name", &folder.Name}};
+    const auto expectFields = [&](const QString &prefix) {
+        for (const auto &[name, field] : values)
+            EXPECT_EQ(*field, prefix + name);
+    };
+    for (const auto &[name, field] : values)
+        *field = QString("old ") + name;
+    subReadFolderFromRegistry();
+    expectFields("old ");
+    for (const auto &[name, field] : values)
+        scripting::Shell().RegWrite(QString("HKCU\\Software\\Tessmark\\Orvelle\\Folder ") + name,
+                                    QString("new ") + name);
+    subReadFolderFromRegistry();
+    expectFields("new ");
 }
 
 TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {

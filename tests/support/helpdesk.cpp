@@ -3,7 +3,8 @@
 #include "core/runtime.h"
 #include "database/connection.h"
 #include "database/creation.h"
-#include "desk/objects/itemmessage.h"
+#include "desk/objects/delivery.h"
+#include "desk/objects/mailrules.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/session.h"
 #include "platform/registry/registry.h"
@@ -48,6 +49,10 @@ Helpdesk::Helpdesk() {
     options.profile = path("profile");
     options.user = "Alma Tester";
     m_desk = std::make_unique<desk::Desk>(options);
+    // Most mails of a test are from one sender.
+    desk::MailRules rules;
+    rules.mostAnHour = 0;
+    desk::saveMailRules(m_desk->session().profile(), rules);
     m_tickets = mapi().Folders("Public Folders").Folders().Add("Helpdesk", 6);
     m_tickets.WebViewURL("file:" + scripting::pathText(path("Orvelle.htm")));
     m_intake = mailbox().Folders().Add("Support", 6);
@@ -136,8 +141,9 @@ void Helpdesk::setClientTools(bool installed) {
 
 void Helpdesk::deliver(const Mail &mail, const host::MAPIFolder &folder) {
     const auto target = automation::exposedOf<desk::objects::MAPIFolder>(folder);
-    const desk::IncomingItem item = desk::incomingItem(mail.bytes());
-    desk::Store(target->store().path()).insert(target->id(), item.fields, item.parts);
+    const auto other = desk::Session::open(desk::Profile({.profile = path("profile")}));
+    desk::Store &store = *other->storeOf(target->entryId());
+    desk::deliver(*other, {&store, store.folder(target->id())}, mail.bytes());
     m_desk->lookAround();
 }
 

@@ -2,6 +2,7 @@
 
 #include "reference/fakecontrol.h"
 #include "reference/program.h"
+#include "reference/settings.h"
 #include "ticket/worklog.h"
 
 #include <random>
@@ -56,6 +57,36 @@ TEST_F(WorkLogTest, ReadsARow) {
         work.FromString(one.text);
         EXPECT_TRUE(same(work, *row(one.description, one.date, one.minutes, one.user)));
     }
+}
+
+/// The machine's region is the United States; what counts is the helpdesk's.
+TEST_F(WorkLogTest, DatesHaveTheOrderOfTheHelpdesksRegion) {
+    const struct {
+        const char *region;
+        const char *text;
+        DateTime date;
+    } cases[] = {{"en_GB", "03/04/2026", DateTime::fromDate(2026, 4, 3)},
+                 {"de_DE", "03.04.2026", DateTime::fromDate(2026, 4, 3)},
+                 {"en_US", "13/4/2026", DateTime::fromDate(2026, 4, 13)},
+                 {"en_US", "13.04.2026", DateTime::fromDate(2026, 4, 13)},
+                 {"de_DE", "4/13/2026 2:05:09 PM", {DateTime::fromDate(2026, 4, 13).days + 50709 / 86400.0}},
+                 {"sv_SE", "4/13/2026", DateTime::fromDate(2026, 4, 13)},
+                 {"sv_SE", "13.04.2026", DateTime::fromDate(2026, 4, 13)},
+                 {"de_DE", "2026-03-04", DateTime::fromDate(2026, 3, 4)},
+                 {"en_US", "2026-03-04 10:00:00", {DateTime::fromDate(2026, 3, 4).days + 10 / 24.0}},
+                 {"en_GB", "2026-03-04T10:00:00", {DateTime::fromDate(2026, 3, 4).days + 10 / 24.0}},
+                 {"en_GB", "13/14/2026", {}}};
+    for (const auto &each : cases) {
+        objWorkRegion = QLocale(each.region);
+        cWorkDescription work;
+        work.FromString(QStringLiteral("Tested\t%1\t20\tAnn").arg(each.text));
+        EXPECT_NEAR(work.WorkDate.days, each.date.days, 1e-8) << each.region << ' ' << each.text;
+        cWorkDescription again;
+        again.FromString(work.ToString());
+        EXPECT_NEAR(again.WorkDate.days, each.date.days, 1e-8) << work.ToString().toStdString();
+    }
+    objWorkRegion = std::nullopt;
+    EXPECT_TRUE(row("T", DateTime::fromDate(2026, 3, 4), 1, "A")->ToString().contains(QStringLiteral("\t3/4/2026\t")));
 }
 
 TEST_F(WorkLogTest, ARowThatCannotBeSplitLeavesTheFieldsAlone) {

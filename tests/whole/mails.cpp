@@ -22,10 +22,10 @@ QString subjectOf(int number) { return QStringLiteral("Report %1").arg(number, 4
 int attachmentsOf(int number) { return number % 3; }
 
 QByteArray mailOf(int number) {
-    QByteArray text =
-        "From: Cal Caller <cal@example.org>\r\nTo: helpdesk@orvelle.example\r\nSubject: " + subjectOf(number).toUtf8() +
-        "\r\nMIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n"
-        "Content-Type: text/plain\r\n\r\nIt is broken.\r\n";
+    QByteArray text = "From: Cal Caller <cal" + QByteArray::number(number) +
+                      "@example.org>\r\nTo: helpdesk@orvelle.example\r\nSubject: " + subjectOf(number).toUtf8() +
+                      "\r\nMIME-Version: 1.0\r\nContent-Type: multipart/mixed; boundary=b\r\n\r\n--b\r\n"
+                      "Content-Type: text/plain\r\n\r\nIt is broken.\r\n";
     for (int index = 0; index < attachmentsOf(number); ++index) {
         text += "--b\r\nContent-Type: application/octet-stream\r\nContent-Transfer-Encoding: base64\r\n"
                 "Content-Disposition: attachment; filename=\"file" +

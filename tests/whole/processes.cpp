@@ -117,6 +117,17 @@ QJsonObject Station::show(const QString &entryId) {
 
 void Station::settings(const QStringList &arguments) { run("ORVELLESETTINGS.exe", arguments); }
 
+QJsonObject Station::leftovers(const QStringList &options) {
+    const auto started = process("ORVELLESETTINGS.exe", QStringList{"intake", "--json"} + options);
+    started->start();
+    EXPECT_TRUE(started->waitForFinished(commandPatience));
+    const QJsonObject result = QJsonDocument::fromJson(started->readAllStandardOutput()).object();
+    EXPECT_EQ(started->exitCode(), result["left"].toArray().isEmpty() ? 0 : 3);
+    EXPECT_EQ(started->readAllStandardError().toStdString(), "");
+    EXPECT_TRUE(result.contains("left"));
+    return result;
+}
+
 void Station::deliver(const QStringList &files) { command(QStringList{"deliver"} + files); }
 
 bool Station::folderExists(const QString &path) { return command({"folders"}).contains(path.toUtf8()); }

@@ -62,6 +62,8 @@ class Station {
     [[nodiscard]] int count(const QString &folder);
     [[nodiscard]] QJsonObject show(const QString &entryId);
     void settings(const QStringList &arguments);
+    /// Lists, or repairs, what killed programs have left behind. REQUIRES: the desk runs.
+    QJsonObject leftovers(const QStringList &options);
     /// Into the Inbox.
     void deliver(const QStringList &files);
     [[nodiscard]] bool folderExists(const QString &path);

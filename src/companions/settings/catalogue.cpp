@@ -17,6 +17,7 @@ constexpr Known known[] = {
     {"LunchHours", Known::Text, "kept for other programs"},
     {"EmailFolders", Known::Text, "monitored mail folders, one path a line"},
     {"EmailSubFolders", Known::Text, "1 files the mails of a ticket in a subfolder of its own"},
+    {"RepliesNeedTicket", Known::Number, "1 makes a reply whose {number} is no ticket's a new ticket"},
     {"EmailFrom", Known::Text, "name to send under; used when longer than 5 characters"},
     {"EmailToCaller", Known::Text, "template of mail to the caller"},
     {"EmailToResponsible", Known::Text, "template of mail to the responsible person"},
@@ -28,6 +29,7 @@ constexpr Known known[] = {
     {"PathToOnlineHelpDesk", Known::Text, "address of the online server; empty turns online tickets off"},
     {"AutoTrackingTickets", Known::Number, "1 fetches online tickets by itself"},
     {"OnlineTrackingTimes", Known::Number, "minutes between two fetches of online tickets"},
+    {"Region", Known::Region, "order of dates in work logs, such as de_DE; empty: that of each machine"},
     {"RootFolderPath", Known::Text, "path of the ticket folder"},
 };
 
@@ -59,6 +61,9 @@ std::optional<QString> problemWith(const QString &name, const QString &value) {
     if (setting->kind == Known::Number && !value.trimmed().isEmpty() &&
         Attempt([&] { static_cast<void>(toInt16(value.trimmed())); }))
         return QString("%1 needs a whole number, and \"%2\" is none.").arg(name, value);
+    if (setting->kind == Known::Region && !value.trimmed().isEmpty() && !Region::named(value.trimmed()))
+        return QString("%1 needs a region such as de_DE or en_GB (a language and a country), and \"%2\" is none.")
+            .arg(name, value);
     return std::nullopt;
 }
 

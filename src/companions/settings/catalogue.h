@@ -16,6 +16,7 @@ struct Known {
         Text,
         Number, ///< a 16-bit whole number
         Moment, ///< a time of day
+        Region, ///< a language and a country
     };
     const char *name;
     Kind kind;

@@ -1,11 +1,15 @@
 #include "companions/settings/commandline.h"
 
 #include "companions/settings/catalogue.h"
+#include "companions/settings/databasebackup.h"
 #include "companions/settings/installation.h"
+#include "companions/settings/intakecommand.h"
+#include "companions/settings/output.h"
 #include "core/phrases.h"
 #include "core/process.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSaveFile>
@@ -13,6 +17,8 @@
 #include <cstdio>
 
 namespace settings {
+
+void print(const QByteArray &text) { std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout); }
 
 namespace {
 
@@ -41,6 +47,28 @@ constexpr Command commands[] = {
      "it: rows that it does not name are deleted. Lists that it does not have stay. Prints what was added, changed "
      "and\n"
      "deleted. All or nothing: a file with a mistake changes nothing, and the message tells the line.\n"},
+    {"intake", "intake [--repair]", "lists, or finishes, what programs left behind that were killed",
+     "Needs the running desk of the profile $ORVELLE_PROFILE. Lists mails, replies and tickets that are only half "
+     "done,\n"
+     "marks that keep a folder from being watched, and sent mail that is not with its ticket. The work of a program "
+     "that\n"
+     "runs is no leftover. With --repair each is finished by the steps that the program would have taken: every mail\n"
+     "becomes one ticket with one confirmation, every reply has its place and its work row. It may be run at any "
+     "time,\n"
+     "beside running programs, and again. It does not touch what another machine's program began, since nobody can "
+     "tell\n"
+     "from here whether that still runs: --older-than MINUTES finishes that too where it is older.\n"
+     "With --json one object with the lists \"repaired\", \"left\" and \"notes\".\n"
+     "Exit status: 0 nothing is left, 3 something is.\n"},
+    {"backup", "backup FILE", "the whole database into a file, also while programs work with it",
+     "Options: --replace, --json. FILE holds the database as it stood at one moment, tickets and all. It is read "
+     "again\n"
+     "before it gets its name, and its check sum is written beside it (FILE.sha256). A file that is there is left as "
+     "it\n"
+     "is, unless --replace is given. A database on a server is backed up there.\n"},
+    {"restore", "restore FILE", "such a file back in the place of the database",
+     "Option: --json. FILE is checked first. Every orvelle has to be ended: while a program has the database open,\n"
+     "nothing is put back. The database that was there is kept beside it, and the message tells its name.\n"},
 };
 
 constexpr char usageHead[] = "Reads and writes the settings of Orvelle.\n\nUsage:\n";
@@ -51,12 +79,10 @@ constexpr char usageTail[] = R"(
 The database is that of the program folder: ORVELLE_HOME where it is set, else the folder of this program.
 A change takes effect when orvelle is started the next time.
 
-Exit status: 0 done, 1 failed (standard error says why), 2 wrong usage.
+Exit status: 0 done, 1 failed (standard error says why), 2 wrong usage; of "intake" 3 when something is left.
 
 Known settings:
 )";
-
-void print(const QByteArray &text) { std::fwrite(text.constData(), 1, static_cast<std::size_t>(text.size()), stdout); }
 
 void complain(const QString &text) { std::fprintf(stderr, "ORVELLESETTINGS: %s\n", qUtf8Printable(text)); }
 
@@ -176,6 +202,24 @@ int importFrom(const QString &name) {
     return 0;
 }
 
+int tell(const QStringList &lines, bool asJson) {
+    if (asJson)
+        print(QJsonDocument(QJsonObject{{"done", true}, {"messages", QJsonArray::fromStringList(lines)}}).toJson());
+    else
+        print((lines.join("\n") + "\n").toUtf8());
+    return 0;
+}
+
+/// "backup" and "restore", whose options may stand before or behind the file; nothing for wrong usage.
+std::optional<int> keepOrPutBack(QStringList arguments) {
+    const QString command = arguments.takeFirst();
+    const bool asJson = arguments.removeAll("--json") > 0;
+    const bool replace = command == "backup" && arguments.removeAll("--replace") > 0;
+    if (arguments.size() != 1 || arguments[0].startsWith("--"))
+        return std::nullopt;
+    return tell(command == "backup" ? backUp(arguments[0], replace) : restore(arguments[0]), asJson);
+}
+
 /// The command's exit status; nothing for wrong usage.
 std::optional<int> runCommand(const QStringList &arguments) {
     const QString command = arguments.value(0);
@@ -194,6 +238,10 @@ std::optional<int> runCommand(const QStringList &arguments) {
         return exportTo(arguments[1]);
     if (command == "import" && count == 2)
         return importFrom(arguments[1]);
+    if (command == "intake")
+        return runIntake(arguments.sliced(1));
+    if (command == "backup" || command == "restore")
+        return keepOrPutBack(arguments);
     return std::nullopt;
 }
 

@@ -16,6 +16,7 @@
 #include "outlook/session.h"
 #include "reference/settings.h"
 #include "reference/ticketfolder.h"
+#include "ticket/ticketnumbers.h"
 
 ProcessLocal<bool> blnPreviousInstance;
 
@@ -36,6 +37,7 @@ void subStartMonitor(bool blnInstall) {
         objSettings->SaveSettings();
     } else {
         objSettings->GetSettings(false);
+        subRaiseTicketNumbers();
         subSetupOutlookMonitor(ouaOutlook->ActiveExplorer());
         subSetCurrentFolder(defaultfolder::calendar);
     }
@@ -92,6 +94,7 @@ void Main(const QString &strCommand) try {
     if (blnTicketRun) {
         objSettings->GetSettings(false);
         LoadLanguages(objSettings->CurrentSelectedLanguage);
+        subRaiseTicketNumbers();
         subCreateTicketFromSelected();
     }
     subRepairOneOffForms();

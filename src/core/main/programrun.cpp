@@ -4,10 +4,26 @@
 #include "core/errorhandler.h"
 #include "core/main/main.h"
 #include "core/process.h"
+#include "core/steps.h"
 #include "mail/temporaryfolder.h"
 #include "outlook/forms.h"
 #include "outlook/session.h"
 #include "platform/safeobjects/safeobjects.h"
+#include "platform/window/window.h"
+
+namespace {
+/// Asks the person as part of a step: meanwhile other work goes on, and an end that came stops the step.
+void subAsk(const std::function<void()> &ask) {
+    {
+        const LetsWorkIn waits;
+        // Behind a question about one piece of work no other begins: each might ask its own.
+        if (runSteps->intWhole == 0)
+            subDoWaitingLater();
+        ask();
+    }
+    subEndIfAsked();
+}
+} // namespace
 
 ProgramRun::ProgramRun(ProgramSetup setup, std::function<void()> ended)
     : m_setup(std::move(setup)), m_ended(std::move(ended)) {}
@@ -30,6 +46,9 @@ void ProgramRun::prepare() {
     processHooks->subStartOutlook = &subStartOutlook;
     processHooks->ended = [this] { finish(); };
     safeobjects::registerComponents([] { return onsMAPI->object(); });
+    host::aroundHost = &subEndIfAsked;
+    window::aroundQuestion = &subAsk;
+    fncEndSignalled = m_setup.endSignalled;
 }
 
 void ProgramRun::start() {
@@ -57,14 +76,16 @@ void ProgramRun::start() {
 void ProgramRun::quit() {
     if (!m_alive)
         return;
-    const ProgramCopy::Scope scope(m_copy);
-    enterProgram([] { subQuit(); });
+    subEnterEnd(m_copy, [] { subQuit(); });
 }
 
 void ProgramRun::hostGone() {
     if (!m_alive)
         return;
     const ProgramCopy::Scope scope(m_copy);
+    // A step that has met it first reports it, and ends the run when the report has been read.
+    if (!strErrorReport->isEmpty())
+        return;
     enterProgram([] { subErrorHandler(Failure(failures::peerGone), "ProgramRun.hostGone"); });
 }
 

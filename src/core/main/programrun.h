@@ -21,12 +21,13 @@ struct ProgramSetup {
     QString strProgramFolder;
     /// The file that tells the run of other instances; empty for a run that has none beside it.
     QString instanceFile;
+    /// Whether the process has been told from outside to end; see `fncEndSignalled`.
+    bool (*endSignalled)() = nullptr;
 };
 
 class ProgramRun {
   public:
-    /// \param ended  called once when the run has ended, from inside of it: a question that it ended under is open
-    ///               then, and has to be closed.
+    /// \param ended  called once when the run has ended: nothing of it runs any more.
     explicit ProgramRun(ProgramSetup setup, std::function<void()> ended = {});
     /// Ends the run.
     ~ProgramRun();
@@ -36,7 +37,8 @@ class ProgramRun {
     /// Runs the program's entry; afterwards the run lives on events, or has ended.
     void start();
     [[nodiscard]] bool alive() const { return m_alive; }
-    /// Ends an alive run in the orderly way.
+    /// Ends an alive run in the orderly way: at once, or, from inside one of its steps, as soon as what is in hand is
+    /// whole.
     void quit();
     /// Tells the run that the host's process has ended, which it reports and then ends.
     void hostGone();

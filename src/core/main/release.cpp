@@ -11,6 +11,8 @@
 #include "reference/settings.h"
 
 void subReleaseObjects() {
+    if (const auto explorer = objRootExplorer.get())
+        explorer->subFileSentMail();
     subUnloadForms();
     frmChooseConnection = ChooseConnectionForm();
     frmDummy = Ref<DummyForm>();

@@ -9,6 +9,7 @@ namespace {
 constexpr qint32 mostItems = 50;
 
 void subRepair(const host::Item &oui) {
+    const WholeStep whole;
     if (oui.MessageClass() == strTicketMessageClass) {
         subTrace("Looking for items without a ticket ID");
         return;

@@ -5,6 +5,7 @@
 #include "core/runtime.h"
 #include "mail/createticket.h"
 #include "mail/intake.h"
+#include "mail/reply.h"
 #include "outlook/safeutils.h"
 #include "reference/settings.h"
 #include "reference/texts.h"
@@ -28,6 +29,7 @@ host::Item fncSelectedItem(const host::Handle &window) {
 
 /// Files the mail under its ticket and gives the question to ask; empty when it could not be filed.
 QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID, const host::Handle &window) {
+    const WholeStep whole;
     const host::MAPIFolder ouf = fncGetTicketSubFolder(strTicketID, receivedFolder);
     if (ouf.isNothing())
         return {};
@@ -40,6 +42,7 @@ QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID, co
 
 /// Makes the ticket, keeps a copy of the mail under it, and gives the question to ask.
 QString fncMakeTicket(const host::Item &oui, QString &strTicketID) {
+    const WholeStep whole;
     strTicketID = fncCreateSingleTicket(oui);
     if (strTicketID.isEmpty())
         return {};
@@ -74,7 +77,7 @@ void subOpenTicket(const QString &strTicketID) {
 }
 
 void subHandle(const host::Item &oui, const host::Handle &window) {
-    QString strTicketID = fncUsesSubFolders() ? fncGetTicketIDFromSubject(oui.Subject()) : QString();
+    QString strTicketID = fncAnsweredTicket(oui);
     const QString strQuestion =
         strTicketID.isEmpty() ? fncMakeTicket(oui, strTicketID) : fncFileUnderTicket(oui, strTicketID, window);
     if (!strQuestion.isEmpty() && fncAssistantYesNo(ouaOutlook, strQuestion, 4) == window::Yes)

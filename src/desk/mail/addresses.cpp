@@ -1,6 +1,7 @@
 #include "desk/mail/addresses.h"
 
 #include "desk/mail/charset.h"
+#include "desk/mail/charsetguess.h"
 #include "desk/mail/headertext.h"
 
 namespace desk {
@@ -77,7 +78,8 @@ Address sorted(QString name, QString address) {
 /// Reads a list from left to right, in time in line with its length: a search that failed is not made again.
 class AddressReader {
   public:
-    AddressReader(QByteArrayView raw, QByteArrayView fallback) : m_raw(raw), m_fallback(fallback), m_encoded(raw) {}
+    AddressReader(QByteArrayView raw, const CharsetHints &hints)
+        : m_raw(raw), m_hints(hints), m_encoded(raw, hints), m_pieces(raw, hints) {}
 
     QList<Address> read() {
         while (m_at < m_raw.size() && m_result.size() < mostAddresses)
@@ -141,7 +143,7 @@ class AddressReader {
             ++m_at;
             return;
         }
-        const QString text = decodeHeader(unescaped(end), m_fallback);
+        const QString text = decodeHeader(unescaped(end), m_hints);
         const bool localPart = end + 1 < m_raw.size() && m_raw[end + 1] == '@';
         word(localPart ? QString::fromUtf8(m_raw.sliced(m_at, end + 1 - m_at)) : text);
         m_at = end + 1;
@@ -152,7 +154,7 @@ class AddressReader {
         m_openComment = end < 0;
         m_apart = true;
         if (end >= 0)
-            m_comment = decodeHeader(unescaped(end), m_fallback);
+            m_comment = decodeHeader(unescaped(end), m_hints);
         m_at = end < 0 ? m_at + 1 : end + 1;
     }
 
@@ -173,7 +175,7 @@ class AddressReader {
         if (const qsizetype colon = route ? content.lastIndexOf(':') : -1; colon >= 0)
             content = content.sliced(colon + 1);
         if (m_address.isEmpty())
-            m_address = cleanAddress(decodeHeader(content, m_fallback));
+            m_address = cleanAddress(decodeHeader(content, m_hints));
         m_apart = true;
     }
 
@@ -186,7 +188,7 @@ class AddressReader {
         while (m_at < m_raw.size() && !QByteArrayView("\"(),:;<>= \t\r\n").contains(m_raw[m_at]))
             ++m_at;
         const QByteArrayView text = m_raw.sliced(start, m_at - start);
-        word(oneLine(decodeText(text, {}, m_fallback)));
+        word(oneLine(m_pieces.decode(text)));
         if (m_bare < 0 && text.contains('@'))
             m_bare = m_words.size() - 1;
     }
@@ -254,8 +256,9 @@ class AddressReader {
     }
 
     QByteArrayView m_raw;
-    QByteArrayView m_fallback;
+    const CharsetHints &m_hints;
     EncodedWordReader m_encoded;
+    HeaderText m_pieces;
     qsizetype m_at = 0;
     bool m_openQuote = false;
     bool m_openComment = false;
@@ -300,8 +303,13 @@ QByteArray encodePhrase(const QString &name) {
 
 } // namespace
 
-QList<Address> decodeAddresses(QByteArrayView raw, QByteArrayView fallback) {
-    return AddressReader(raw.first(std::min(raw.size(), longestList)), fallback).read();
+QList<Address> decodeAddresses(QByteArrayView raw, const CharsetHints &hints) {
+    const QByteArrayView list = raw.first(std::min(raw.size(), longestList));
+    const Charset charset = HeaderText(list, hints).charset();
+    // In several sets a backslash or an '@' may be the second byte of a character.
+    if (charset.family == Charset::Family::Iconv && !list.contains("=?"))
+        return AddressReader(decodeAs(list, charset).text.toUtf8(), hints).read();
+    return AddressReader(list, hints).read();
 }
 
 QByteArray encodeAddresses(const QList<Address> &addresses) {

@@ -7,11 +7,13 @@
 
 namespace desk {
 
+class CharsetHints;
+
 /// The mailboxes of a header's value, groups opened up. Takes any bytes: a missing bracket or quote costs only its own
 /// entry, an entry without an address is a name, and what looks like an address inside a name is taken for one. An
 /// empty group gives its name. Unlike the MIME library's reader, this one takes addresses that are in use although they
 /// break the rules, such as those with two dots in a row, and hostile nesting costs it nothing.
-QList<Address> decodeAddresses(QByteArrayView raw, QByteArrayView fallback = {});
+QList<Address> decodeAddresses(QByteArrayView raw, const CharsetHints &hints);
 
 /// The list as a header's value, folded. A name without an address becomes an empty group of that name.
 QByteArray encodeAddresses(const QList<Address> &addresses);

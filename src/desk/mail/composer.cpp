@@ -109,7 +109,7 @@ qsizetype inlineAtFront(const Message &message) {
 
 } // namespace
 
-QByteArray composeMessage(const Message &message) {
+QByteArray composeMessage(const Message &message, const QByteArray &furtherHeaders) {
     const qsizetype inlineCount = inlineAtFront(message);
     BodyPart whole = body(message, inlineCount);
     if (inlineCount < message.attachments.size()) {
@@ -118,7 +118,7 @@ QByteArray composeMessage(const Message &message) {
             parts.append(attachmentPart(attachment));
         whole = multipart("mixed", parts);
     }
-    return writeHeaders(message) + whole.headers + "\r\n" + whole.content;
+    return writeHeaders(message) + furtherHeaders + whole.headers + "\r\n" + whole.content;
 }
 
 QString newMessageId(const QString &address) {

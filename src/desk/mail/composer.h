@@ -11,7 +11,8 @@ namespace desk {
 /// - Reading the result gives the same fields, as long as they keep what message.h promises.
 /// - "Bcc" is written like the rest: whoever hands the message to others takes the list out first.
 /// - An embedded message is kept byte for byte (line ends aside where it travels unencoded).
-QByteArray composeMessage(const Message &message);
+/// \param furtherHeaders  whole header lines, each with its CR LF, that stand behind those of the message.
+QByteArray composeMessage(const Message &message, const QByteArray &furtherHeaders = {});
 
 /// A new, unique message identifier without angle brackets, in the domain of `address` ("localhost" where it has none).
 QString newMessageId(const QString &address);

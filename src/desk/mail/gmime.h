@@ -36,6 +36,23 @@ class GRef {
     T *m_object = nullptr;
 };
 
+/// Bytes as an array of the library, which neither copies nor frees them. REQUIRES: nobody writes to it, and the bytes
+/// outlive it.
+class BorrowedBytes {
+  public:
+    BorrowedBytes(const QByteArray &bytes, qsizetype length)
+        : m_array(g_byte_array_new_take(const_cast<guint8 *>(reinterpret_cast<const guint8 *>(bytes.constData())),
+                                        static_cast<gsize>(length))) {}
+    BorrowedBytes(const BorrowedBytes &) = delete;
+    BorrowedBytes &operator=(const BorrowedBytes &) = delete;
+    ~BorrowedBytes() { g_byte_array_free(m_array, FALSE); }
+
+    [[nodiscard]] GByteArray *get() const { return m_array; }
+
+  private:
+    GByteArray *m_array;
+};
+
 struct GFree {
     void operator()(void *memory) const { g_free(memory); }
 };

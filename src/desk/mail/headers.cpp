@@ -1,6 +1,7 @@
 #include "desk/mail/headers.h"
 
 #include "desk/mail/addresses.h"
+#include "desk/mail/bounds.h"
 #include "desk/mail/headertext.h"
 
 namespace desk {
@@ -49,7 +50,7 @@ bool Headers::has(const char *name) const { return !text(name).isEmpty(); }
 
 QString Headers::text(const char *name) const {
     for (const QByteArray &value : values(name)) {
-        QString decoded = decodeHeader(value.first(std::min(value.size(), longestText)), m_fallback);
+        QString decoded = decodeHeader(value.first(std::min(value.size(), longestText)), m_hints);
         if (!decoded.isEmpty())
             return decoded;
     }
@@ -59,7 +60,7 @@ QString Headers::text(const char *name) const {
 QList<Address> Headers::addresses(const char *name) const {
     QList<Address> all;
     for (const QByteArray &value : values(name))
-        all += decodeAddresses(value, m_fallback);
+        all += decodeAddresses(value, m_hints);
     return all;
 }
 
@@ -74,20 +75,21 @@ QString Headers::identifier(const char *name) const { return identifiers(name).v
 QStringList Headers::identifiers(const char *name) const {
     QStringList found;
     for (const QByteArray &value : values(name)) {
-        const QString line = decodeHeader(value.first(std::min(value.size(), longestText)), m_fallback);
+        const QString line = decodeHeader(value.first(std::min(value.size(), longestText)), m_hints);
         qsizetype at = 0;
         while (found.size() < mostValues) {
             const qsizetype open = line.indexOf(u'<', at);
             const qsizetype close = open < 0 ? -1 : line.indexOf(u'>', open);
             if (close < 0)
                 break;
-            if (const QString id = cleanIdentifier(line.sliced(open + 1, close - open - 1)); !id.isEmpty())
+            if (const QString id = cleanIdentifier(line.sliced(open + 1, close - open - 1));
+                !id.isEmpty() && id.size() <= longestIdentifier)
                 found.append(id);
             at = close + 1;
         }
         // Some programs forget the brackets.
         const QString bare = line.contains(u'<') ? QString() : cleanIdentifier(line.section(u' ', 0, 0));
-        if (!bare.isEmpty())
+        if (!bare.isEmpty() && bare.size() <= longestIdentifier)
             found.append(bare);
     }
     return found;

@@ -6,19 +6,22 @@
 
 namespace desk {
 
+class CharsetHints;
+
 class Headers {
   public:
-    /// The fields of `object`, which must outlive this. `fallback` is the character set of 8-bit text that is no UTF-8.
-    explicit Headers(GMimeObject *object, QByteArray fallback = {})
-        : m_object(object), m_fallback(std::move(fallback)) {}
+    /// The fields of `object`. REQUIRES: both outlive this.
+    Headers(GMimeObject *object, const CharsetHints &hints) : m_object(object), m_hints(hints) {}
 
     [[nodiscard]] bool has(const char *name) const;
+    /// The raw values of the fields of that name, in their order.
+    [[nodiscard]] QList<QByteArray> values(const char *name) const;
     [[nodiscard]] QString text(const char *name) const;
     /// All addresses of all fields of that name.
     [[nodiscard]] QList<Address> addresses(const char *name) const;
     /// Invalid when there is none or it can't be understood.
     [[nodiscard]] QDateTime date(const char *name) const;
-    /// The first identifier, without its brackets.
+    /// The first identifier, without its brackets. One that is too long for a line of mail is none.
     [[nodiscard]] QString identifier(const char *name) const;
     [[nodiscard]] QStringList identifiers(const char *name) const;
     /// By whichever of the fields says it: the standard one first.
@@ -26,11 +29,8 @@ class Headers {
     [[nodiscard]] Sensitivity sensitivity() const;
 
   private:
-    /// The raw values of the fields of that name, in their order.
-    [[nodiscard]] QList<QByteArray> values(const char *name) const;
-
     GMimeObject *m_object;
-    QByteArray m_fallback;
+    const CharsetHints &m_hints;
 };
 
 /// The identifier without what can't stand in one: brackets, blanks, control characters.

@@ -1,6 +1,7 @@
 #include "desk/mail/headertext.h"
 
 #include "desk/mail/charset.h"
+#include "desk/mail/charsetguess.h"
 
 namespace desk {
 namespace {
@@ -122,7 +123,7 @@ std::optional<QString> EncodedWordReader::read(qsizetype &position) {
             break;
         // Some senders divide a text between the bytes of one character.
         if (found && word->charset.compare(charset, Qt::CaseInsensitive) != 0) {
-            text += decodeText(bytes, charset);
+            text += decodeText(bytes, charset, m_hints);
             bytes.clear();
         }
         charset = word->charset;
@@ -133,12 +134,13 @@ std::optional<QString> EncodedWordReader::read(qsizetype &position) {
     }
     if (!found)
         return std::nullopt;
-    return text + decodeText(bytes, charset);
+    return text + decodeText(bytes, charset, m_hints);
 }
 
-QString decodeHeader(QByteArrayView raw, QByteArrayView fallback) {
+QString decodeHeader(QByteArrayView raw, const CharsetHints &hints) {
     QString text;
-    EncodedWordReader words(raw);
+    EncodedWordReader words(raw, hints);
+    const HeaderText pieces(raw, hints);
     qsizetype plain = 0;
     for (qsizetype at = 0; at < raw.size();) {
         const qsizetype start = at;
@@ -147,10 +149,10 @@ QString decodeHeader(QByteArrayView raw, QByteArrayView fallback) {
             ++at;
             continue;
         }
-        text += decodeText(raw.sliced(plain, start - plain), {}, fallback) + *decoded;
+        text += pieces.decode(raw.sliced(plain, start - plain)) + *decoded;
         plain = at;
     }
-    return oneLine(text + decodeText(raw.sliced(plain), {}, fallback));
+    return oneLine(text + pieces.decode(raw.sliced(plain)));
 }
 
 QString oneLine(const QString &text) {

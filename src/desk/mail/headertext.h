@@ -9,10 +9,12 @@
 
 namespace desk {
 
+class CharsetHints;
+
 /// The text of a header's value. Words encoded by RFC 2047 are decoded wherever they stand, also broken ones: with
 /// blanks or 8-bit characters inside, split in the middle of a character, inside quotes. What is not encoded is guessed
-/// (see decodeText), with `fallback` as the set of what is no UTF-8. The result is one clean line (see oneLine).
-QString decodeHeader(QByteArrayView raw, QByteArrayView fallback = {});
+/// (see decodeText). The result is one clean line (see oneLine).
+QString decodeHeader(QByteArrayView raw, const CharsetHints &hints);
 
 /// The text without control characters (they become blanks; a line break with the blanks behind it becomes one) and
 /// without blanks at the ends: what can stand in a header.
@@ -21,7 +23,8 @@ QString oneLine(const QString &text);
 /// Finds encoded words in a header's value, in time in line with its length.
 class EncodedWordReader {
   public:
-    explicit EncodedWordReader(QByteArrayView raw) : m_raw(raw) {}
+    /// REQUIRES: both outlive the reader.
+    EncodedWordReader(QByteArrayView raw, const CharsetHints &hints) : m_raw(raw), m_hints(hints) {}
 
     /// Reads the encoded words that start at `position` and have only blanks between them: their text, with `position`
     /// moved behind the last. Nothing when no encoded word starts there.
@@ -38,6 +41,7 @@ class EncodedWordReader {
     qsizetype endFrom(qsizetype position);
 
     QByteArrayView m_raw;
+    const CharsetHints &m_hints;
     qsizetype m_knownEnd = 0;
 };
 

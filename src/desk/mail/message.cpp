@@ -1,12 +1,12 @@
 #include "desk/mail/message.h"
 
+#include "desk/mail/bounds.h"
 #include "desk/mail/html.h"
 
 namespace desk {
 namespace {
 
-constexpr qsizetype longestName = 200;
-constexpr qsizetype longestExtension = 20;
+constexpr qsizetype longestFileName = 200;
 
 bool isDeviceName(const QString &name) {
     static const QStringList devices = {"con", "prn", "aux", "nul"};
@@ -26,16 +26,14 @@ QString extensionFor(const QString &mimeType) {
     return extensions.value(mimeType, ".dat");
 }
 
+/// Within what file systems take: in characters on some, in bytes on others, with room for what a program puts before
+/// or behind a name of its own.
 QString shortened(const QString &name) {
-    if (name.size() <= longestName)
-        return name;
-    const qsizetype dot = name.lastIndexOf(u'.');
-    const QString extension = dot >= 0 && name.size() - dot <= longestExtension ? name.sliced(dot) : QString();
-    qsizetype stem = longestName - extension.size();
-    // A character outside the basic plane is not cut in two.
-    if (name.at(stem - 1).isHighSurrogate())
-        --stem;
-    return name.first(stem) + extension;
+    constexpr qsizetype mostBytes = 240;
+    QString kept = boundedFileName(name, longestFileName);
+    for (qsizetype most = kept.size(); kept.toUtf8().size() > mostBytes; --most)
+        kept = boundedFileName(kept, most);
+    return kept;
 }
 
 } // namespace

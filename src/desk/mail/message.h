@@ -90,8 +90,8 @@ struct Message {
 };
 
 /// The name that an attachment can be stored under in a folder: the last component of a path in either style, without
-/// characters that a file system refuses, never empty, never a device's name, at most 200 characters with its
-/// extension kept. A missing name is made from the type ("attachment.png", "message.eml").
+/// characters that a file system refuses, never empty, never a device's name, at most 200 characters and 240 bytes
+/// with its extension kept. A missing name is made from the type ("attachment.png", "message.eml").
 QString safeFileName(const Attachment &attachment);
 
 } // namespace desk

@@ -12,6 +12,10 @@ namespace desk {
 ///   others are attachments. Images inside the text are attachments with isInline set.
 /// - A text beside HTML that has no HTML form of its own (a mailing list's footer) is put into the HTML body too.
 /// - Parts nested deeper than 100 levels, or beyond the 2000th, are kept unread as attachments.
+/// - Of a body, 16 MB are read, and a line behind them says so. The bytes have the rest.
 Message parseMessage(const QByteArray &bytes);
+
+/// The subject of a message, of which no more than the header is read.
+QString subjectOf(const QByteArray &message);
 
 } // namespace desk

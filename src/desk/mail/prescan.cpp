@@ -12,6 +12,9 @@ constexpr qint64 mostComparisons = 100'000'000;
 /// The library opens no more multiparts inside one another than this.
 constexpr qint64 mostOpenMultiparts = 1024;
 constexpr qsizetype longestFieldName = 200;
+/// What of a header field is kept for the library, which holds each several times over.
+constexpr qsizetype longestField = qsizetype{1024} * 1024;
+constexpr qsizetype longestFields = 8 * longestField;
 
 class Lines {
   public:
@@ -31,6 +34,9 @@ class Lines {
             line.chop(1);
         return true;
     }
+
+    /// Where the next line starts.
+    [[nodiscard]] qsizetype end() const { return m_next; }
 
     QByteArrayView line; ///< without its end
     qsizetype start = 0;
@@ -112,15 +118,72 @@ QByteArray withEvenEnds(const QByteArray &bytes) {
     return result;
 }
 
-/// Counts what the message costs, and blanks NULs in headers.
+bool isFolded(QByteArrayView line) { return line.startsWith(' ') || line.startsWith('\t'); }
+
+struct Range {
+    qsizetype start, end;
+};
+
+/// Finds what of the header fields is too long.
+class FieldLimit {
+  public:
+    /// To be told each line of a header. Lines that belong to no field stay. What looks like the header of a part may
+    /// be text, so only what is very long goes there.
+    void take(const Lines &lines, bool isFirstHeader) {
+        const bool folded = isFolded(lines.line);
+        if (!folded) {
+            m_field = 0;
+            m_inField = isField(lines.line);
+        }
+        if (!m_inField)
+            return;
+        const qsizetype room = std::min(longestField - m_field, isFirstHeader ? longestFields - m_all : longestField);
+        const qsizetype kept = std::min(room, lines.line.size());
+        if (kept == 0 && !lines.line.isEmpty())
+            m_cuts.append({lines.start, lines.end()});
+        else if (kept < lines.line.size())
+            m_cuts.append({lines.start + kept, lines.start + lines.line.size()});
+        m_field += kept;
+        m_all += isFirstHeader ? kept : 0;
+    }
+
+    /// Takes out what is too long, and moves the positions that lie behind.
+    void apply(Prescan &scan) const {
+        if (m_cuts.isEmpty())
+            return;
+        QByteArray result;
+        qsizetype copied = 0;
+        qsizetype removed = 0;
+        const qsizetype strayLine = scan.strayLine;
+        const qsizetype affordable = scan.affordable;
+        for (const Range &cut : m_cuts) {
+            result += QByteArrayView(scan.bytes).sliced(copied, cut.start - copied);
+            copied = cut.end;
+            removed += cut.end - cut.start;
+            scan.strayLine = strayLine >= cut.end ? strayLine - removed : scan.strayLine;
+            scan.affordable = affordable >= cut.end ? affordable - removed : scan.affordable;
+        }
+        result += QByteArrayView(scan.bytes).sliced(copied);
+        scan.bytes = result;
+    }
+
+  private:
+    QList<Range> m_cuts;
+    bool m_inField = false;
+    qsizetype m_field = 0; ///< what is kept of the present field
+    qsizetype m_all = 0;
+};
+
+/// Counts what the message costs, blanks NULs in headers and cuts fields that are too long.
 void count(Prescan &scan) {
     Lines lines(scan.bytes);
     bool inHeader = true;
     bool inFirstHeader = true;
+    FieldLimit fields;
     qint64 headerLines = 0;
     qint64 comparisons = 0;
     qint64 multiparts = 0;
-    QList<qsizetype> nulls;
+    QList<Range> withNulls;
     scan.affordable = scan.bytes.size();
     while (lines.next()) {
         if (inHeader && lines.line.isEmpty()) {
@@ -136,16 +199,18 @@ void count(Prescan &scan) {
         multiparts += mentionsBoundary(lines.line) ? 1 : 0;
         if (headerLines > mostHeaderLines || comparisons > mostComparisons) {
             scan.affordable = lines.start;
-            return;
+            break;
         }
-        for (qsizetype at = lines.line.indexOf('\0'); at >= 0; at = lines.line.indexOf('\0', at + 1))
-            nulls.append(lines.start + at);
-        const bool folded = lines.line.startsWith(' ') || lines.line.startsWith('\t');
-        if (inFirstHeader && scan.strayLine < 0 && !folded && !isField(lines.line))
+        if (inFirstHeader || multiparts > 0)
+            fields.take(lines, inFirstHeader);
+        if (lines.line.contains('\0'))
+            withNulls.append({lines.start, lines.end()});
+        if (inFirstHeader && scan.strayLine < 0 && !isFolded(lines.line) && !isField(lines.line))
             scan.strayLine = lines.start;
     }
-    for (const qsizetype at : nulls)
-        scan.bytes[at] = ' ';
+    for (const Range &range : withNulls)
+        std::replace(scan.bytes.begin() + range.start, scan.bytes.begin() + range.end, '\0', ' ');
+    fields.apply(scan);
 }
 
 } // namespace

@@ -7,6 +7,8 @@ namespace desk {
 
 /// A message made ready for parsing. `bytes` is the message itself wherever nothing had to be changed.
 struct Prescan {
+    ///
+    /// Header fields are cut that are longer than any list of people, and what a header has beyond several such.
     QByteArray bytes;
     /// Whether there is a header at all. Without one, all of `bytes` is text.
     bool hasHeader = false;

@@ -8,11 +8,24 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
+
 namespace desk {
 namespace {
 
 QString tooLong(qint64 maximumSize) {
     return QString("The message is longer than %1 bytes and was passed over.").arg(maximumSize);
+}
+
+/// Whether a device, a pipe or a socket stands there, of which nobody knows when its bytes come and end.
+bool isSpecial(const QString &path) {
+    struct stat found {};
+    return ::stat(QFile::encodeName(path).constData(), &found) == 0 && !S_ISREG(found.st_mode) &&
+           !S_ISDIR(found.st_mode);
+}
+
+QString noFile() {
+    return QStringLiteral("It is a pipe, a socket or a device and no file; save its messages to a file first.");
 }
 
 /// The files of a list, one message each.
@@ -24,6 +37,10 @@ class FileSource final : public MessageSource {
         if (m_next >= m_paths.size())
             return false;
         message = {m_paths.at(m_next++), {}, {}};
+        if (isSpecial(message.name)) {
+            message.error = noFile();
+            return true;
+        }
         QFile file(message.name);
         if (!file.open(QIODevice::ReadOnly)) {
             message.error = QString("The message could not be read: %1").arg(file.errorString());
@@ -89,8 +106,12 @@ class MboxSource final : public MessageSource {
 QStringList filesIn(const QString &path, const QStringList &patterns = {},
                     QDirIterator::IteratorFlags flags = QDirIterator::NoIteratorFlags) {
     QStringList paths;
-    for (QDirIterator files(path, patterns, QDir::Files, flags); files.hasNext();)
-        paths += files.next();
+    // What is no file is said when its turn comes.
+    for (QDirIterator files(path, patterns, QDir::Files | QDir::System, flags); files.hasNext();) {
+        const QString each = files.next();
+        if (files.fileInfo().isFile() || isSpecial(each))
+            paths += each;
+    }
     // By code units: the same on every machine, whatever its language.
     std::sort(paths.begin(), paths.end());
     return paths;
@@ -119,6 +140,8 @@ std::unique_ptr<MessageSource> MessageSource::open(const QString &path, qint64 m
             throw Failure(failures::permissionDenied, QString("The folder \"%1\" can't be read.").arg(path));
         return std::make_unique<FileSource>(messagesIn(path), maximumSize);
     }
+    if (isSpecial(path))
+        throw Failure(failures::permissionDenied, QString("\"%1\" can't be delivered. %2").arg(path, noFile()));
     auto file = std::make_unique<QFile>(path);
     if (!file->open(QIODevice::ReadOnly))
         throw Failure(failures::permissionDenied, QString("\"%1\" can't be read: %2").arg(path, file->errorString()));

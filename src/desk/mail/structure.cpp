@@ -40,13 +40,33 @@ Leaf leafOf(GMimeObject *object) {
     return {object, typeOf(object), QByteArray(disposition).toLower(), nameOf(object)};
 }
 
-/// What `write` puts into the stream that it is given.
-template <class Write>
-QByteArray bytesOf(Write write) {
-    const GRef<GMimeStream> stream(g_mime_stream_mem_new());
-    write(stream.get());
-    const GByteArray *bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(stream.get()));
-    return {reinterpret_cast<const char *>(bytes->data), static_cast<qsizetype>(bytes->len)};
+/// What the stream gives, and no more than `most` bytes of it.
+QByteArray bytesOf(GMimeStream *stream, qsizetype most) {
+    constexpr qsizetype piece = qsizetype{64} * 1024;
+    QByteArray bytes;
+    while (bytes.size() < most && !g_mime_stream_eos(stream)) {
+        const qsizetype size = bytes.size();
+        // Grows by doubling: memory that is never written costs none.
+        bytes.resize(size + std::min(piece, most - size));
+        const auto read =
+            g_mime_stream_read(stream, bytes.data() + size, static_cast<std::size_t>(bytes.size() - size));
+        bytes.truncate(size + std::max<qsizetype>(read, 0));
+        if (read < 0)
+            break;
+    }
+    return bytes;
+}
+
+bool hasOwnDecoder(GMimeContentEncoding encoding) {
+    return encoding == GMIME_CONTENT_ENCODING_BASE64 || encoding == GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE ||
+           encoding == GMIME_CONTENT_ENCODING_UUENCODE;
+}
+
+QByteArray decodedBytesOf(GMimeStream *raw, GMimeContentEncoding encoding, qsizetype most) {
+    const GRef<GMimeStream> stream(g_mime_stream_filter_new(raw));
+    const GRef<GMimeFilter> filter(g_mime_filter_basic_new(encoding, FALSE));
+    g_mime_stream_filter_add(GMIME_STREAM_FILTER(stream.get()), filter.get());
+    return bytesOf(stream.get(), most);
 }
 
 /// Whether the first line holds only what base64 consists of. A content that is marked as base64 and is none would be
@@ -133,8 +153,8 @@ class Walk {
         Recovered again;
         again.bytes = std::make_unique<QByteArray>("Content-Type: " + text.type + "; boundary=\"" + boundary +
                                                    "\"\n\n" + content.toByteArray());
-        again.root = parseParts(*again.bytes, again.bytes->size());
-        GMimeObject *root = again.root.get();
+        again.parts = parseParts(*again.bytes, again.bytes->size());
+        GMimeObject *root = again.parts.root.get();
         if (!root || !GMIME_IS_MULTIPART(root) || g_mime_multipart_get_count(GMIME_MULTIPART(root)) == 0)
             return nullptr;
         layout.recovered.push_back(std::move(again));
@@ -181,31 +201,37 @@ class Walk {
 
 } // namespace
 
-QByteArray Leaf::content() const {
+QByteArray Leaf::content(qsizetype most) const {
     if (bareText)
-        return bareText;
+        return QByteArrayView(bareText).first(std::min(most, static_cast<qsizetype>(qstrlen(bareText)))).toByteArray();
     if (!GMIME_IS_PART(object))
-        return source(object);
+        return source(object).left(most);
     GMimeDataWrapper *wrapper = g_mime_part_get_content(GMIME_PART(object));
     if (!wrapper)
         return {};
-    const bool base64 = g_mime_data_wrapper_get_encoding(wrapper) == GMIME_CONTENT_ENCODING_BASE64;
+    const GMimeContentEncoding encoding = g_mime_data_wrapper_get_encoding(wrapper);
     GMimeStream *raw = g_mime_data_wrapper_get_stream(wrapper);
-    if (base64 && !beginsAsBase64(raw))
-        return bytesOf([&](GMimeStream *target) { g_mime_stream_write_to_stream(raw, target); });
-    return bytesOf([&](GMimeStream *target) { g_mime_data_wrapper_write_to_stream(wrapper, target); });
+    const bool isMarkedWrongly = encoding == GMIME_CONTENT_ENCODING_BASE64 && !beginsAsBase64(raw);
+    g_mime_stream_reset(raw);
+    QByteArray bytes =
+        hasOwnDecoder(encoding) && !isMarkedWrongly ? decodedBytesOf(raw, encoding, most) : bytesOf(raw, most);
+    g_mime_stream_reset(raw);
+    return bytes;
 }
 
 QByteArray Leaf::parameter(const char *parameterName) const {
     return g_mime_object_get_content_type_parameter(object, parameterName);
 }
 
-GRef<GMimeObject> parseParts(const QByteArray &bytes, qsizetype length) {
+Parts parseParts(const QByteArray &bytes, qsizetype length) {
     const ParserOptions options = tolerantOptions();
-    const GRef<GMimeStream> stream(
-        g_mime_stream_mem_new_with_buffer(bytes.constData(), static_cast<std::size_t>(length)));
+    Parts parts;
+    parts.bytes = std::make_unique<BorrowedBytes>(bytes, length);
+    const GRef<GMimeStream> stream(g_mime_stream_mem_new_with_byte_array(parts.bytes->get()));
+    g_mime_stream_mem_set_owner(GMIME_STREAM_MEM(stream.get()), FALSE);
     const GRef<GMimeParser> parser(g_mime_parser_new_with_stream(stream.get()));
-    return GRef<GMimeObject>(g_mime_parser_construct_part(parser.get(), options.get()));
+    parts.root = GRef<GMimeObject>(g_mime_parser_construct_part(parser.get(), options.get()));
+    return parts;
 }
 
 Layout layOut(GMimeObject *root) {

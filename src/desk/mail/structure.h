@@ -20,21 +20,28 @@ struct Leaf {
     const char *bareText = nullptr;
 
     [[nodiscard]] bool isText() const { return type == "text/plain" || type == "text/html"; }
-    /// The content with its transfer encoding undone. Of a multipart kept closed, its source.
-    [[nodiscard]] QByteArray content() const;
+    /// The content with its transfer encoding undone, or its first `most` bytes. Of a multipart kept closed, its
+    /// source.
+    [[nodiscard]] QByteArray content(qsizetype most = std::numeric_limits<qsizetype>::max()) const;
     /// A parameter of the content type; empty when there is none.
     [[nodiscard]] QByteArray parameter(const char *name) const;
 };
 
-/// Parts that were read a second time, and the bytes that they refer to.
-struct Recovered {
-    std::unique_ptr<QByteArray> bytes;
+/// A tree of parts, which refer to the bytes that they were read from.
+struct Parts {
+    std::unique_ptr<BorrowedBytes> bytes;
+    /// None when the bytes hold nothing that could be a header.
     GRef<GMimeObject> root;
 };
 
-/// The parts read from the first `length` bytes. They refer to the bytes, which must outlive them. Empty when they hold
-/// nothing that could be a header.
-GRef<GMimeObject> parseParts(const QByteArray &bytes, qsizetype length);
+/// The parts read from the first `length` bytes. REQUIRES: the bytes stay where they are for as long as the parts live.
+Parts parseParts(const QByteArray &bytes, qsizetype length);
+
+/// Parts that were read a second time.
+struct Recovered {
+    std::unique_ptr<QByteArray> bytes;
+    Parts parts;
+};
 
 /// A message laid out. The two bodies list the same part where it serves both.
 struct Layout {

@@ -5,36 +5,31 @@
 namespace desk {
 namespace {
 
-constexpr qint32 contactType = 2;
-constexpr int levelsBelowTop = 2;
-constexpr qint64 freshMilliseconds = 5000;
+/// Whether a folder is among the deleted items, or has gone for ever in this moment.
+bool isDeleted(Store &store, FolderRecord folder) {
+    const std::optional<Failure> failure = Attempt([&] {
+        while (folder.parent != 0 && folder.special != SpecialFolder::DeletedItems)
+            folder = store.folder(folder.parent);
+    });
+    if (failure && failure->number() != failures::notFound)
+        throw Failure(*failure);
+    return failure || folder.special == SpecialFolder::DeletedItems;
+}
 
 } // namespace
 
-void Directory::collect(Store &store, FolderId parent, int levels, QList<ContactsFolder> &found) {
-    for (const FolderRecord &folder : store.childFolders(parent)) {
-        const bool isContacts = folder.defaultItemType == contactType;
-        if (isContacts)
-            found.append({&store, folder});
-        if (folder.special != SpecialFolder::DeletedItems && (isContacts || levels > 1))
-            collect(store, folder.id, isContacts ? 1 : levels - 1, found);
-    }
-}
-
 QList<ContactsFolder> Directory::folders() {
-    if (m_age.isValid() && m_age.elapsed() < freshMilliseconds)
-        return m_folders;
     const FolderRecord own = m_session.specialFolder(SpecialFolder::Contacts);
-    m_folders = {{&m_session.mailbox(), own}};
-    QList<ContactsFolder> all;
-    for (Store *store : m_session.stores())
-        collect(*store, store->root().id, levelsBelowTop, all);
-    for (const ContactsFolder &each : std::as_const(all)) {
-        if (each.store != &m_session.mailbox() || each.folder.id != own.id)
-            m_folders.append(each);
+    QList<ContactsFolder> folders{{&m_session.mailbox(), own}};
+    // What other people have in their mailboxes is their own.
+    for (Store *store : {&m_session.mailbox(), &m_session.publicStore()}) {
+        for (const FolderRecord &folder : store->contactsFolders()) {
+            const bool isOwn = store == &m_session.mailbox() && folder.id == own.id;
+            if (!isOwn && !isDeleted(*store, folder))
+                folders.append({store, folder});
+        }
     }
-    m_age.start();
-    return m_folders;
+    return folders;
 }
 
 std::optional<ItemRecord> Directory::contactWith(Field field, const QString &text) {

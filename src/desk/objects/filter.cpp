@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 
+#include <cmath>
+
 namespace desk {
 namespace {
 
@@ -25,9 +27,7 @@ class FilterReader {
     }
 
   private:
-    [[noreturn]] void refuse() const {
-        throw Failure(failures::automation(0x80020009), u"The condition is not valid: %1"_qs.arg(m_text));
-    }
+    [[noreturn]] void refuse() const { refuseFilter(m_text); }
 
     [[nodiscard]] bool atEnd() const { return m_at >= m_text.size(); }
     [[nodiscard]] QChar here() const { return atEnd() ? QChar() : m_text.at(m_at); }
@@ -150,6 +150,18 @@ int threeWay(const T &left, const T &right) {
 std::optional<int> compare(const Value &value, const Value &literal) {
     if (value.isEmpty() || value.isNull() || value.isObject())
         return QString().compare(toText(literal), Qt::CaseInsensitive);
+    if (value.isText() && literal.holds<double>()) {
+        // As the filter itself writes numbers, whatever the region: one filter finds the same on every machine.
+        static const QLocale plain = [] {
+            QLocale locale = QLocale::c();
+            locale.setNumberOptions(QLocale::RejectGroupSeparator);
+            return locale;
+        }();
+        bool isNumber = false;
+        const double number = plain.toDouble(toText(value), &isNumber);
+        return isNumber && std::isfinite(number) ? std::optional<int>(threeWay(number, toDouble(literal)))
+                                                 : std::nullopt;
+    }
     if (value.isText()) {
         if (!literal.isText() && isNumeric(value))
             return threeWay(toDouble(value), toDouble(literal));
@@ -190,6 +202,20 @@ bool FilterCondition::holds(const Value &value) const {
         return *order >= 0;
     }
     return false;
+}
+
+std::optional<double> FilterCondition::least() const {
+    const bool isBound = comparison == Operator::Greater || comparison == Operator::GreaterOrEqual;
+    // A little less, since whoever looks by it may turn texts into numbers in a slightly other way.
+    constexpr double slack = 1e-12;
+    if (!isBound || !literal.holds<double>())
+        return std::nullopt;
+    const double number = toDouble(literal);
+    return number - std::abs(number) * slack;
+}
+
+void refuseFilter(const QString &text) {
+    throw Failure(failures::automation(0x80020009), u"The condition is not valid: %1"_qs.arg(text));
 }
 
 Filter parseFilter(const QString &text) { return FilterReader(text).read(); }

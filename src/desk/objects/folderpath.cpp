@@ -1,5 +1,6 @@
 #include "desk/objects/folderpath.h"
 
+#include "desk/objects/othermailboxes.h"
 #include "desk/objects/session.h"
 
 namespace desk {
@@ -22,6 +23,9 @@ FolderPlace topFolder(Session &session, const QStringList &parts, const QString 
             return {store, root};
         }
     }
+    // It may be another person's mailbox that could not be opened.
+    if (!personOf(parts.value(0)).isEmpty())
+        session.otherMailboxes().look();
     missing(parts.value(0), path);
 }
 

@@ -1,6 +1,5 @@
 #include "desk/objects/folders.h"
 
-#include "desk/objects/directory.h"
 #include "desk/objects/itemkinds.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/namespace.h"
@@ -67,7 +66,6 @@ Value Folders::Add(const QString &Name, const Value &Type) {
     record.name = Name;
     record.defaultItemType = Type.isMissing() ? m_parent->defaultItemType() : itemTypeOfFolderType(toInt32(Type));
     record = m_parent->store().addFolder(record);
-    open->directory().forget();
     return automation::wrap(open->folder(m_parent->store(), record.id));
 }
 
@@ -75,16 +73,48 @@ Value Folders::opened(const Place &place) const {
     return automation::wrap(session()->folder(*place.first, place.second));
 }
 
-Value Folders::at(qsizetype position) const {
-    const QList<Place> folders = all();
-    return position < folders.size() ? opened(folders.at(position)) : Value::nothing();
+QList<Folders::Place> Folders::findAll(const Filter &filter) const {
+    const auto bound =
+        std::ranges::find_if(filter, [](const FilterCondition &each) { return each.least().has_value(); });
+    if (!m_parent || bound == filter.end())
+        return all();
+    const std::shared_ptr<desk::Session> open = session();
+    QList<Place> folders;
+    for (const FolderRecord &record : m_parent->store().childFoldersThatMayReach(m_parent->id(), *bound->least()))
+        folders.append({&m_parent->store(), record.id});
+    return folders;
+}
+
+Value Folders::Find(const QString &Filter) {
+    const desk::Filter conditions = parseFilter(Filter);
+    for (const FilterCondition &condition : conditions) {
+        if (condition.field.compare(QStringLiteral("Name"), Qt::CaseInsensitive) != 0)
+            refuseFilter(Filter);
+    }
+    m_filter = conditions;
+    m_candidates = findAll(conditions);
+    return FindNext();
+}
+
+Value Folders::FindNext() {
+    const std::shared_ptr<desk::Session> open = session();
+    while (!m_candidates.isEmpty()) {
+        const Place place = m_candidates.takeFirst();
+        // One that was removed in the meantime is passed over.
+        const std::optional<QString> name = AttemptOr(
+            [&] { return std::optional<QString>(place.first->folder(place.second).name); }, std::optional<QString>());
+        if (name && std::ranges::all_of(m_filter, [&](const FilterCondition &each) { return each.holds(*name); }))
+            return opened(place);
+    }
+    return Value::nothing();
 }
 
 Value Folders::GetFirst() {
-    m_next = 1;
-    return at(0);
+    m_walk = all();
+    m_next = 0;
+    return GetNext();
 }
 
-Value Folders::GetNext() { return at(m_next++); }
+Value Folders::GetNext() { return m_next < m_walk.size() ? opened(m_walk.at(m_next++)) : Value::nothing(); }
 
 } // namespace desk::objects

@@ -1,6 +1,7 @@
 /// The folders below a folder, or the top folders of the session.
 #pragma once
 
+#include "desk/objects/filter.h"
 #include "desk/objects/sessionobject.h"
 #include "desk/store/records.h"
 
@@ -29,6 +30,11 @@ class Folders : public SessionObject {
     /// `Type` is a default folder's number, whose kind of items the new folder takes; left out, the kind of the parent.
     /// Fails with 457 for a name that is taken.
     Q_INVOKABLE Value Add(const QString &Name, const Value &Type = Value::Missing{});
+    /// The first folder whose name meets a filter such as `[Name] > 12` (see filter.h), by the order in which they were
+    /// made; Nothing where there is none. Other fields are refused as the filter is.
+    Q_INVOKABLE Value Find(const QString &Filter);
+    Q_INVOKABLE Value FindNext();
+    /// From the first to the last of those that were there when the walk began.
     Q_INVOKABLE Value GetFirst();
     Q_INVOKABLE Value GetNext();
 
@@ -37,9 +43,13 @@ class Folders : public SessionObject {
 
     [[nodiscard]] QList<Place> all() const;
     [[nodiscard]] Value opened(const Place &place) const;
-    Value at(qsizetype position) const;
+    [[nodiscard]] QList<Place> findAll(const Filter &filter) const;
 
     std::shared_ptr<MAPIFolder> m_parent;
+    /// What is left to be looked at for the filter last given.
+    QList<Place> m_candidates;
+    Filter m_filter;
+    QList<Place> m_walk;
     qsizetype m_next = 0;
 };
 

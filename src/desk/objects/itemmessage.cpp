@@ -1,5 +1,6 @@
 #include "desk/objects/itemmessage.h"
 
+#include "desk/mail/bounds.h"
 #include "desk/mail/composer.h"
 #include "desk/mail/parser.h"
 
@@ -12,15 +13,6 @@
 namespace desk {
 namespace {
 
-QString joined(const QList<Address> &addresses) {
-    QStringList texts;
-    for (const Address &address : addresses) {
-        const bool hasBoth = !address.name.isEmpty() && !address.address.isEmpty() && address.name != address.address;
-        texts.append(hasBoth ? QStringLiteral("%1 <%2>").arg(address.name, address.address) : address.display());
-    }
-    return texts.join(QStringLiteral("; "));
-}
-
 DateTime localMoment(const QDateTime &moment) {
     if (!moment.isValid())
         return {};
@@ -28,11 +20,31 @@ DateTime localMoment(const QDateTime &moment) {
     return local.isValid() ? local : DateTime();
 }
 
+/// Names a message without a name after its subject, if that has anything that a file could be called.
+void nameBySubject(AttachmentRecord &record, const Attachment &attachment) {
+    constexpr qsizetype longestTitle = 196;
+    Attachment named;
+    named.type = attachment.type;
+    named.mimeType = attachment.mimeType;
+    named.name = bounded(subjectOf(attachment.data), longestTitle);
+    // No path: "TCP/IP" is all of it.
+    for (QChar &c : named.name)
+        c = c == u'/' || c == u'\\' ? QChar(u'_') : c;
+    const QString title = safeFileName(named);
+    if (title == record.fileName)
+        return;
+    record.displayName = title;
+    named.name = title + QStringLiteral(".eml");
+    record.fileName = safeFileName(named);
+}
+
 AttachmentRecord recordOf(const Attachment &attachment) {
     AttachmentRecord record;
     record.type = static_cast<qint32>(attachment.type);
     record.fileName = safeFileName(attachment);
-    record.displayName = attachment.name.isEmpty() ? record.fileName : attachment.name;
+    record.displayName = attachment.name.isEmpty() ? record.fileName : boundedFileName(attachment.name, longestName);
+    if (attachment.name.isEmpty() && attachment.type == AttachmentType::EmbeddedMessage)
+        nameBySubject(record, attachment);
     record.mimeType = attachment.mimeType;
     record.contentId = attachment.contentId;
     record.data = attachment.data;
@@ -86,26 +98,27 @@ IncomingItem incomingItem(const QByteArray &bytes) {
     IncomingItem item;
     ItemRecord &fields = item.fields;
     fields.messageClass = QStringLiteral("IPM.Note");
-    fields.subject = message.subject;
+    fields.subject = boundedSubject(message.subject);
     fields.importance = static_cast<qint32>(message.importance);
     fields.sensitivity = static_cast<qint32>(message.sensitivity);
     fields.unread = true;
     fields.bodyFormat = message.html.isEmpty() ? 1 : 2;
-    fields.senderName = message.from.display();
-    fields.senderAddress = message.from.address;
+    const Address writer = bounded(message.from);
+    fields.senderName = writer.display();
+    fields.senderAddress = writer.address;
     fields.senderAddressType = isDirectoryAddress(fields.senderAddress) ? QStringLiteral("EX") : QStringLiteral("SMTP");
-    fields.sentOnBehalfOf = message.from.display();
-    fields.replyRecipientNames = joined(message.replyTo);
-    fields.to = joined(message.to);
-    fields.cc = joined(message.cc);
-    fields.bcc = joined(message.bcc);
+    fields.sentOnBehalfOf = writer.display();
+    fields.replyRecipientNames = peopleText(message.replyTo);
+    fields.to = peopleText(message.to);
+    fields.cc = peopleText(message.cc);
+    fields.bcc = peopleText(message.bcc);
     fields.readReceiptRequested = message.readReceiptRequested;
     fields.sent = true;
     fields.sentAt = localMoment(message.sentAt);
     fields.receivedAt = Clock::now();
     fields.messageId = message.messageId;
-    fields.inReplyTo = message.inReplyTo.join(u' ');
-    fields.references = message.references.join(u' ');
+    fields.inReplyTo = threadText(message.inReplyTo);
+    fields.references = threadText(message.references);
 
     item.parts.bodies = Bodies{message.bodyText(), message.html};
     QList<AttachmentRecord> attachments;

@@ -19,9 +19,11 @@ QString textOf(const Value &literal) {
 
 /// The store's form of a condition, where it has one.
 std::optional<Condition> lookUp(const FilterCondition &condition) {
+    const StandardField *field = standardField(condition.field);
+    if (const std::optional<double> least = condition.least(); least && !field)
+        return Condition{condition.field, *least, Condition::Kind::MayReach};
     if (condition.comparison != FilterCondition::Operator::Equal)
         return std::nullopt;
-    const StandardField *field = standardField(condition.field);
     if (!field)
         return Condition{condition.field, textOf(condition.literal)};
     if (!field->field || isDateField(*field))
@@ -45,9 +47,10 @@ std::optional<ItemRecord> findItem(Store &store, FolderId folder, const Filter &
     QList<Condition> lookedUp;
     Filter compared;
     for (const FilterCondition &condition : filter) {
-        if (const std::optional<Condition> known = lookUp(condition))
+        const std::optional<Condition> known = lookUp(condition);
+        if (known)
             lookedUp.append(*known);
-        else
+        if (!known || known->kind == Condition::Kind::MayReach)
             compared.append(condition);
     }
     for (;;) {

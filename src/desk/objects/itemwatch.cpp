@@ -23,9 +23,9 @@ void ItemWatch::look() {
     m_isTelling = true;
     const auto done = qScopeGuard([this] { m_isTelling = false; });
     const std::optional<Failure> failure = Attempt([&] {
-        while (std::exchange(m_isStale, false) || !m_news.empty()) {
+        while (!isEnding() && (std::exchange(m_isStale, false) || !m_news.empty())) {
             collect();
-            while (!m_news.empty())
+            while (!m_news.empty() && !isEnding())
                 tellNext();
         }
     });
@@ -33,6 +33,8 @@ void ItemWatch::look() {
     if (failure)
         m_isStale = true;
 }
+
+bool ItemWatch::isEnding() const { return m_session.isEnding && m_session.isEnding(); }
 
 void ItemWatch::poll() {
     bool isChanged = m_isStale;

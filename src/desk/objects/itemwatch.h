@@ -42,6 +42,8 @@ class ItemWatch {
 
     void collect();
     void tellNext();
+    /// A host that ends begins nothing new: what is not told now lies there for whoever looks next.
+    [[nodiscard]] bool isEnding() const;
 
     Session &m_session;
     std::vector<Watcher> m_watchers;

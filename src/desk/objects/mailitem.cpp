@@ -2,7 +2,10 @@
 
 #include "desk/mail/composer.h"
 #include "desk/objects/application.h"
+#include "desk/objects/automaticmail.h"
+#include "desk/objects/inspector.h"
 #include "desk/objects/session.h"
+#include "desk/objects/windows.h"
 
 namespace desk::objects {
 
@@ -12,12 +15,22 @@ void MailItem::choosePlace() {
         content().setFolder(open->specialFolder(SpecialFolder::Drafts).id);
 }
 
+Value MailItem::answeredItem() const { return automation::wrap(m_answered); }
+
+void MailItem::setAnsweredItem(const Value &item) {
+    m_answered = automation::exposedOf<MessageItem>(item);
+    if (m_answered)
+        setAnswered(content(), m_answered->content());
+}
+
 void MailItem::Send() {
     const auto alive = shared_from_this();
     const std::shared_ptr<desk::Session> open = session();
     if (to().trimmed().isEmpty() && cc().trimmed().isEmpty() && bcc().trimmed().isEmpty())
         throw Failure(failures::invalidCall,
                       QStringLiteral("The message has no recipient. Enter a name or address in To, CC or BCC."));
+    const std::shared_ptr<Inspector> window = open->windows().inspectorOf(*this);
+    const bool isByPerson = window && window->isShown();
     bool isCancelled = false;
     Q_EMIT ItemEvents::Send(&isCancelled);
     if (!isCancelled)
@@ -35,6 +48,7 @@ void MailItem::Send() {
     if (!sentOnBehalfOfName().isEmpty() && sentOnBehalfOfName() == senderName())
         content().set(&ItemRecord::sentOnBehalfOf, QString());
     sign({});
+    setByProgram(content(), !isByPerson);
     if (content().isNew())
         moveTo(open->mailbox(), outbox.id);
     else
@@ -50,9 +64,7 @@ Value MailItem::Reply() {
     const QString prefix = QStringLiteral("RE: ");
     made->setSubject(subject().startsWith(prefix, Qt::CaseInsensitive) ? subject() : prefix + subject());
     made->setTo(replyRecipientNames().isEmpty() ? senderEmailAddress() : replyRecipientNames());
-    ItemContent &reply = made->content();
-    reply.set(&ItemRecord::inReplyTo, fields().messageId);
-    reply.set(&ItemRecord::references, (fields().references + u' ' + fields().messageId).trimmed());
+    setAnswered(made->content(), content());
     return automation::wrap(made);
 }
 

@@ -1,6 +1,5 @@
 #include "desk/objects/mapifolder.h"
 
-#include "desk/objects/directory.h"
 #include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
 #include "desk/objects/folderpath.h"
@@ -85,16 +84,14 @@ void MAPIFolder::Delete() {
     const FolderRecord folder = record();
     if (folder.special != SpecialFolder::None)
         throw Failure(failures::accessDenied, QStringLiteral("The folder %1 can't be deleted.").arg(folder.name));
-    if (m_store == &open->mailbox()) {
-        const FolderRecord deleted = open->specialFolder(SpecialFolder::DeletedItems);
+    if (open->isMailbox(*m_store)) {
+        const FolderRecord deleted = desk::Session::specialFolder(*m_store, SpecialFolder::DeletedItems);
         if (folder.parent != deleted.id) {
             m_store->moveFolder(m_id, deleted.id);
-            open->directory().forget();
             return;
         }
     }
     m_store->removeFolder(m_id);
-    open->directory().forget();
 }
 
 void MAPIFolder::MoveTo(const Value &DestinationFolder) {

@@ -5,6 +5,7 @@
 #include "desk/objects/folders.h"
 #include "desk/objects/item.h"
 #include "desk/objects/mapifolder.h"
+#include "desk/objects/othermailboxes.h"
 #include "desk/objects/recipient.h"
 #include "desk/objects/session.h"
 #include "desk/objects/transport.h"
@@ -22,6 +23,42 @@ Store &storeFor(Session &session, const QString &entryId, const Value &storeId) 
     if (!named.isEmpty() && named.compare(store->storeId(), Qt::CaseInsensitive) != 0)
         throw Failure(failures::notFound);
     return *store;
+}
+
+QStringList wordsOf(const QString &name) { return name.toCaseFolded().split(u' ', Qt::SkipEmptyParts); }
+
+/// Whether every word asked for is one of the name's: "Tester" and "tester alma" mean Alma Tester.
+bool hasWords(const QString &name, const QStringList &words) {
+    const QStringList all = wordsOf(name);
+    return !words.isEmpty() && std::ranges::all_of(words, [&](const QString &word) { return all.contains(word); });
+}
+
+/// The mailbox of a person: the one of that very name, or the only one whose name has all the words.
+Store &mailboxOf(Session &session, const Recipient &person) {
+    constexpr qint32 ambiguous = failures::automation(0x80040700);
+    const Profile &profile = session.profile();
+    if (person.isResolved() && person.address().compare(profile.address(), Qt::CaseInsensitive) == 0)
+        return session.mailbox();
+    const QString name = person.name();
+    QList<Store *> same;
+    QList<Store *> like;
+    for (Store *store : session.stores()) {
+        const QString owner = session.isMailbox(*store) ? personOf(store->root().name) : QString();
+        if (!owner.isEmpty() && wordsOf(owner) == wordsOf(name))
+            same.append(store);
+        if (hasWords(owner, wordsOf(name)))
+            like.append(store);
+    }
+    const QList<Store *> &found = same.isEmpty() ? like : same;
+    if (found.isEmpty())
+        throw Failure(failures::notFound, QStringLiteral("The mailbox of %1 can't be opened from here: this profile "
+                                                         "does not list it. See orvelle-desk mailbox.")
+                                              .arg(name));
+    if (found.size() > 1)
+        throw Failure(ambiguous, QStringLiteral("There is more than one mailbox whose person is called %1. Give the "
+                                                "full name, or the path of the folder.")
+                                     .arg(name));
+    return *found.first();
 }
 
 } // namespace
@@ -63,13 +100,10 @@ Value NameSpace::GetSharedDefaultFolder(const Value &Recipient, int FolderType) 
     const auto person = automation::exposedOf<objects::Recipient>(Recipient);
     if (!person)
         throw Failure(failures::objectNotSet);
-    const Profile &profile = session()->profile();
-    const bool isOwn = person->name().compare(profile.user(), Qt::CaseInsensitive) == 0 ||
-                       person->address().compare(profile.address(), Qt::CaseInsensitive) == 0;
-    if (!isOwn)
-        throw Failure(failures::notFound,
-                      QStringLiteral("The mailbox of %1 can't be opened from here.").arg(person->name()));
-    return GetDefaultFolder(FolderType);
+    const std::shared_ptr<desk::Session> open = session();
+    Store &mailbox = mailboxOf(*open, *person);
+    const FolderRecord record = desk::Session::specialFolder(mailbox, static_cast<SpecialFolder>(FolderType));
+    return automation::wrap(open->folder(mailbox, record.id));
 }
 
 Value NameSpace::PickFolder() {

@@ -1,5 +1,7 @@
 #include "desk/objects/profile.h"
 
+#include "desk/objects/profileaccess.h"
+#include "desk/objects/profilesettings.h"
 #include "platform/value/failure.h"
 
 #include <QDir>
@@ -9,16 +11,6 @@
 
 namespace desk {
 namespace {
-
-QString folderOf(const DeskOptions &options) {
-    QString folder = options.profile;
-    if (folder.isEmpty())
-        folder = qEnvironmentVariable("ORVELLE_PROFILE");
-    if (folder.isEmpty())
-        folder =
-            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/orvelle/profile");
-    return QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
-}
 
 /// "Alma Tester" as alma.tester@localhost.
 QString addressFor(const QString &user) {
@@ -34,6 +26,12 @@ QString addressFor(const QString &user) {
     return (local.isEmpty() ? QStringLiteral("user") : local) + QStringLiteral("@localhost");
 }
 
+/// A settings file that is made is made readable for everybody.
+void keepToOwner(const QString &file) {
+    if (QFileInfo::exists(file))
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+}
+
 /// The value asked for, remembered; or the remembered one; or the default.
 QString settle(QSettings &settings, const QString &key, const QString &asked, const QString &otherwise) {
     const QString standing = settings.value(key).toString();
@@ -45,15 +43,45 @@ QString settle(QSettings &settings, const QString &key, const QString &asked, co
     return standing.isEmpty() ? otherwise : standing;
 }
 
+void makeFolder(const QString &folder) {
+    if (QDir(folder).exists())
+        return;
+    // Not for a moment anybody else's.
+    const bool isMade = QDir().mkpath(QFileInfo(folder).path()) &&
+                        QDir().mkdir(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (!isMade && !QDir(folder).exists())
+        throw Failure(failures::pathNotFound,
+                      QStringLiteral("The profile folder %1 can't be made. Name another one.").arg(folder));
+}
+
+void refuseHalfRestored(const QString &mark) {
+    if (QFileInfo::exists(mark))
+        throw Failure(failures::unspecified,
+                      QStringLiteral("A backup was being put back into this profile and was cut off, so that its files "
+                                     "are not of one moment. Run orvelle-desk restore again with the same backup. "
+                                     "(%1)")
+                          .arg(mark));
+}
+
 } // namespace
 
-Profile::Profile(const DeskOptions &options) : m_folder(folderOf(options)) {
-    const bool isNew = !QDir(m_folder).exists();
-    if (!QDir().mkpath(m_folder))
-        throw Failure(failures::pathNotFound,
-                      QStringLiteral("The profile folder %1 can't be made. Name another one.").arg(m_folder));
-    if (isNew)
-        QFile::setPermissions(m_folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+QString profileFolder(const DeskOptions &options) {
+    QString folder = options.profile;
+    if (folder.isEmpty())
+        folder = qEnvironmentVariable("ORVELLE_PROFILE");
+    if (folder.isEmpty())
+        folder =
+            QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/orvelle/profile");
+    return QDir::cleanPath(QFileInfo(folder).absoluteFilePath());
+}
+
+QString restoreMark(const QString &profileFolder) { return profileFolder + QStringLiteral("/restore.unfinished"); }
+
+Profile::Profile(const DeskOptions &options) : m_folder(profileFolder(options)) {
+    makeFolder(m_folder);
+    refuseHalfRestored(restoreMark(m_folder));
+    narrowProfile(m_folder);
+    mendSettings(m_folder, options.publicFile);
 
     QSettings settings(file("desk.ini"), QSettings::IniFormat);
     const QString login = qEnvironmentVariable("USER", QStringLiteral("User"));
@@ -62,9 +90,11 @@ Profile::Profile(const DeskOptions &options) : m_folder(folderOf(options)) {
     const QString publicFile =
         options.publicFile.isEmpty() ? QString() : QFileInfo(options.publicFile).absoluteFilePath();
     m_publicFile = settle(settings, QStringLiteral("public"), publicFile, file("public.store"));
+    settings.sync();
+    keepToOwner(settings.fileName());
 }
 
-QString Profile::rootName() const { return QStringLiteral("Mailbox - ") + m_user; }
+QString Profile::rootName() const { return mailboxPrefix + m_user; }
 QString Profile::mailboxFile() const { return file("mailbox.store"); }
 QString Profile::socket() const { return file("desk.socket"); }
 QString Profile::outgoingFolder() const { return file("outgoing"); }
@@ -75,7 +105,11 @@ QString Profile::openPath() const {
 }
 
 void Profile::setOpenPath(const QString &path) const {
-    QSettings(file("desk.ini"), QSettings::IniFormat).setValue(QStringLiteral("open"), path);
+    {
+        QSettings settings(file("desk.ini"), QSettings::IniFormat);
+        settings.setValue(QStringLiteral("open"), path);
+    }
+    keepToOwner(file("desk.ini"));
 }
 
 QString Profile::file(const char *name) const { return m_folder + u'/' + QString::fromLatin1(name); }

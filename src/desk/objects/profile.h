@@ -16,10 +16,17 @@ struct DeskOptions {
     QString publicFile = {};
 };
 
+/// The folder of the profile that is meant, whether it is there or not.
+QString profileFolder(const DeskOptions &options);
+
+/// A file that is there while a backup is being put back.
+QString restoreMark(const QString &profileFolder);
+
 /// The settings of a profile. What the options name is remembered in its file "desk.ini".
 class Profile {
   public:
-    /// Makes the folder, readable by its owner alone, where it is missing. Fails with 76 when it can't be made.
+    /// Makes the folder, readable by its owner alone, where it is missing, and narrows the rights to one that is there.
+    /// Fails with 76 when it can't be made, and with `unspecified` where the restoring of a backup was cut off.
     explicit Profile(const DeskOptions &options);
 
     [[nodiscard]] const QString &folder() const { return m_folder; }

@@ -8,6 +8,8 @@
 #include "desk/objects/itemwatch.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/namespace.h"
+#include "desk/objects/othermailboxes.h"
+#include "desk/objects/profileaccess.h"
 #include "desk/objects/transport.h"
 #include "desk/objects/windows.h"
 #include "desk/store/entryid.h"
@@ -33,17 +35,26 @@ constexpr std::array<SpecialFolderKind, 8> specialFolders{{
     {SpecialFolder::Tasks, "Tasks", 3},
 }};
 
-std::unique_ptr<Store> openStore(const QString &file, const QString &rootName) {
+std::unique_ptr<Store> openMailbox(const Profile &profile) {
     StoreOptions options;
-    options.rootName = rootName;
-    return std::make_unique<Store>(file, options);
+    options.rootName = profile.rootName();
+    return std::make_unique<Store>(profile.mailboxFile(), options);
+}
+
+std::unique_ptr<Store> openPublicStore(const QString &file) {
+    StoreOptions options;
+    options.rootName = QStringLiteral("Public Folders");
+    options.sharing = storage::Sharing::Group;
+    narrowPublicStore(file);
+    auto store = std::make_unique<Store>(file, options);
+    followStore(file);
+    return store;
 }
 
 } // namespace
 
 Session::Session(const Profile &profile)
-    : m_profile(profile), m_mailbox(openStore(profile.mailboxFile(), profile.rootName())),
-      m_public(openStore(profile.publicFile(), QStringLiteral("Public Folders"))) {}
+    : m_profile(profile), m_mailbox(openMailbox(profile)), m_public(openPublicStore(profile.publicFile())) {}
 
 Session::~Session() = default;
 
@@ -55,6 +66,9 @@ std::shared_ptr<Session> Session::open(const Profile &profile) {
         root.name = profile.rootName();
         session->mailbox().saveFolder(root);
     }
+    session->m_others = std::make_unique<OtherMailboxes>(*session);
+    // Whoever needs one that can't be opened learns of it then; a running desk says so by itself.
+    static_cast<void>(Attempt([&] { session->m_others->look(); }));
     session->m_windows = std::make_unique<Windows>();
     session->m_watch = std::make_unique<ItemWatch>(*session);
     session->m_directory = std::make_unique<Directory>(*session);
@@ -63,6 +77,13 @@ std::shared_ptr<Session> Session::open(const Profile &profile) {
     session->m_application = std::make_shared<objects::Application>(session);
     session->m_nameSpace = std::make_shared<objects::NameSpace>(session);
     return session;
+}
+
+QList<Store *> Session::stores() {
+    QList<Store *> all{m_mailbox.get(), m_public.get()};
+    if (m_others)
+        all += m_others->stores();
+    return all;
 }
 
 Store *Session::storeOf(const QString &entryId) {
@@ -76,28 +97,28 @@ Store *Session::storeOf(const QString &entryId) {
     return nullptr;
 }
 
-FolderRecord Session::specialFolder(SpecialFolder special) {
-    if (const std::optional<FolderRecord> standing = m_mailbox->specialFolder(special))
+FolderRecord Session::specialFolder(Store &mailbox, SpecialFolder special) {
+    if (const std::optional<FolderRecord> standing = mailbox.specialFolder(special))
         return *standing;
     const auto kind = std::find_if(specialFolders.begin(), specialFolders.end(),
                                    [&](const SpecialFolderKind &each) { return each.special == special; });
     if (kind == specialFolders.end())
         throw Failure(failures::notFound, QStringLiteral("There is no default folder of that number."));
     FolderRecord record;
-    record.parent = m_mailbox->root().id;
+    record.parent = mailbox.root().id;
     record.name = QString::fromLatin1(kind->name);
     record.defaultItemType = kind->itemType;
     record.special = special;
-    const std::optional<Failure> failure = Attempt([&] { record = m_mailbox->addFolder(record); });
+    const std::optional<Failure> failure = Attempt([&] { record = mailbox.addFolder(record); });
     if (!failure)
         return record;
     // Another process may have made it meanwhile; or an ordinary folder has the name and takes the part.
     if (failure->number() != failures::keyExists)
         throw Failure(*failure);
-    FolderRecord standing = m_mailbox->findFolder(record.parent, record.name).value_or(record);
+    FolderRecord standing = mailbox.findFolder(record.parent, record.name).value_or(record);
     if (standing.special == SpecialFolder::None) {
         standing.special = special;
-        standing = m_mailbox->saveFolder(standing);
+        standing = mailbox.saveFolder(standing);
     }
     return standing;
 }

@@ -13,6 +13,7 @@ namespace desk {
 class Directory;
 class Forms;
 class ItemWatch;
+class OtherMailboxes;
 class Transport;
 class Windows;
 
@@ -37,13 +38,17 @@ class Session : public std::enable_shared_from_this<Session> {
 
     [[nodiscard]] Store &mailbox() { return *m_mailbox; }
     [[nodiscard]] Store &publicStore() { return *m_public; }
-    /// The mailbox first.
-    [[nodiscard]] std::array<Store *, 2> stores() { return {m_mailbox.get(), m_public.get()}; }
+    /// The mailbox first, then the public folders, then the mailboxes of other people.
+    [[nodiscard]] QList<Store *> stores();
+    /// Whether a store is somebody's mailbox, this person's or another's.
+    [[nodiscard]] bool isMailbox(const Store &store) const { return &store != m_public.get(); }
     /// The store that an entry identifier belongs to; null where it is none of this session.
     [[nodiscard]] Store *storeOf(const QString &entryId);
 
     /// A default folder of the mailbox, made when it is first asked for. Fails with 0x8004010F for an unknown number.
-    FolderRecord specialFolder(SpecialFolder special);
+    FolderRecord specialFolder(SpecialFolder special) { return specialFolder(*m_mailbox, special); }
+    /// The same of another person's mailbox.
+    static FolderRecord specialFolder(Store &mailbox, SpecialFolder special);
     /// Makes those default folders that are missing: what somebody who looks into the mailbox expects to see.
     void makeSpecialFolders();
     [[nodiscard]] bool isIn(const ItemRecord &item, Store &store, SpecialFolder special);
@@ -61,11 +66,14 @@ class Session : public std::enable_shared_from_this<Session> {
     [[nodiscard]] ItemWatch &watch() { return *m_watch; }
     [[nodiscard]] Directory &directory() { return *m_directory; }
     [[nodiscard]] Transport &transport() { return *m_transport; }
+    [[nodiscard]] OtherMailboxes &otherMailboxes() { return *m_others; }
 
     /// Called when a window begins to show a folder.
     std::function<void(const FolderRecord &)> folderShown;
     /// Called when a client asks the host to end.
     std::function<void()> quitAsked;
+    /// Whether the host is about to end, so that nothing new is begun. Empty for no.
+    std::function<bool()> isEnding;
 
   private:
     explicit Session(const Profile &profile);
@@ -73,6 +81,7 @@ class Session : public std::enable_shared_from_this<Session> {
     Profile m_profile;
     std::unique_ptr<Store> m_mailbox;
     std::unique_ptr<Store> m_public;
+    std::unique_ptr<OtherMailboxes> m_others;
     std::unique_ptr<Windows> m_windows;
     std::unique_ptr<ItemWatch> m_watch;
     std::unique_ptr<Transport> m_transport;

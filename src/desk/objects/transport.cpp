@@ -1,6 +1,8 @@
 #include "desk/objects/transport.h"
 
+#include "desk/mail/automatic.h"
 #include "desk/mail/composer.h"
+#include "desk/objects/automaticmail.h"
 #include "desk/objects/directory.h"
 #include "desk/objects/itemmessage.h"
 #include "desk/objects/itemwatch.h"
@@ -65,7 +67,10 @@ int Transport::deliverNow() {
     const QString sending = folder + sendingName;
     if (filesIn(sending).isEmpty() && (!outbox || mailbox.count(outbox->id) == 0))
         return 0;
-    if (!QDir().mkpath(sending))
+    constexpr auto ownersAlone = QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner;
+    for (const QString &each : {folder, sending})
+        QDir().mkdir(each, ownersAlone);
+    if (!QDir(sending).exists())
         throw Failure(failures::pathNotFound, QStringLiteral("The folder %1 can't be made.").arg(sending));
     auto lock = FileLock::take(folder + QStringLiteral("/.lock"));
     if (!lock)
@@ -82,8 +87,7 @@ int Transport::deliverNow() {
         arrival = item.arrival;
         if (!isSubmitted(item))
             continue;
-        const std::optional<Failure> failure = Attempt([&] { send(folder, item); });
-        sent += failure ? 0 : 1;
+        const std::optional<Failure> failure = Attempt([&] { sent += send(folder, item) ? 1 : 0; });
         if (failure && !firstFailure)
             firstFailure = failure;
     }
@@ -113,7 +117,7 @@ void Transport::settle(const QString &folder) {
     syncFolder(folder);
 }
 
-void Transport::send(const QString &folder, const ItemRecord &item) {
+bool Transport::send(const QString &folder, const ItemRecord &item) {
     Store &mailbox = m_session.mailbox();
     ItemContent content(mailbox, item);
     Message message = outgoingMessage(content, m_session.profile());
@@ -125,8 +129,20 @@ void Transport::send(const QString &folder, const ItemRecord &item) {
                 address = {contact->fullName, contact->email1Address};
         }
     }
+    QByteArray furtherHeaders;
+    if (isByProgram(content)) {
+        if (const QString reason = reasonNotToSend(m_session, content, message); !reason.isEmpty()) {
+            keepUnsent(m_session, item, reason);
+            return false;
+        }
+        // A crash may have left the reason of an earlier judgement.
+        content.removeProperty(mailproperty::notSent);
+        if (content.isChanged())
+            content.save();
+        furtherHeaders = automaticHeaders(!message.inReplyTo.isEmpty(), loopMark(m_session));
+    }
     const QString part = folder + sendingName + u'/' + item.entryId + partSuffix;
-    writeFile(part, composeMessage(message));
+    writeFile(part, composeMessage(message, furtherHeaders));
     syncFolder(folder + sendingName);
 
     const FolderRecord sentItems = m_session.specialFolder(SpecialFolder::SentItems);
@@ -142,6 +158,7 @@ void Transport::send(const QString &folder, const ItemRecord &item) {
         throw Failure(failures::permissionDenied, QStringLiteral("%1 can't be renamed to %2.").arg(part, target));
     syncFolder(folder);
     fileSent(*moved);
+    return true;
 }
 
 void Transport::fileSent(const ItemRecord &item) {

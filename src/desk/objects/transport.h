@@ -14,6 +14,8 @@ class Session;
 ///   crash;
 ///   2. the item is moved from the Outbox, which is the moment it counts as sent;
 ///   3. the file is renamed to "<message id>.eml": done after a crash, too.
+///
+/// What programs send says so in its header, and goes out only where the rules allow it (see automaticmail.h).
 class Transport {
   public:
     explicit Transport(Session &session) : m_session(session) {}
@@ -25,7 +27,8 @@ class Transport {
 
   private:
     void settle(const QString &folder);
-    void send(const QString &folder, const ItemRecord &item);
+    /// False for a program's mail that may not go out: it is kept elsewhere.
+    bool send(const QString &folder, const ItemRecord &item);
     void fileSent(const ItemRecord &item);
 
     Session &m_session;

@@ -1,5 +1,6 @@
 #include "desk/store/connection.h"
 
+#include "platform/storage/access.h"
 #include "platform/value/failure.h"
 
 #include <sqlite3.h>
@@ -7,6 +8,28 @@
 namespace desk {
 
 namespace {
+
+/// What keeps the store from being written, in words that say what to do about it.
+QString refusedWrite(const QString &path) {
+    switch (storage::writeBar(path)) {
+    case storage::Bar::ReadOnlyDisk:
+        return QStringLiteral("The store %1 is on a disk that is mounted read-only; make the disk writable and try "
+                              "again.")
+            .arg(path);
+    case storage::Bar::ReadOnlyFile:
+        return QStringLiteral("The store %1 is marked read-only; take the mark off the file (chmod u+w) and try again.")
+            .arg(path);
+    case storage::Bar::NoRight:
+        return QStringLiteral("You have no right to write to the store %1 or to its folder; ask its owner or the "
+                              "administrator for it.")
+            .arg(path);
+    case storage::Bar::None:
+        break;
+    }
+    return QStringLiteral("The store %1 cannot be opened for writing; check that its folder exists and that you may "
+                          "write to both, and to the files beside it whose names begin with the store's.")
+        .arg(path);
+}
 
 Failure failureFor(const QString &path, int code, const QString &detail) {
     switch (code & 0xFF) {
@@ -18,9 +41,7 @@ Failure failureFor(const QString &path, int code, const QString &detail) {
     case SQLITE_READONLY:
     case SQLITE_CANTOPEN:
     case SQLITE_AUTH:
-        return {failures::accessDenied, QStringLiteral("The store %1 cannot be opened for writing; check that its "
-                                                       "folder exists and that you may write to both.")
-                                            .arg(path)};
+        return {failures::accessDenied, refusedWrite(path)};
     case SQLITE_IOERR:
         if (code == SQLITE_IOERR_READ || code == SQLITE_IOERR_SHORT_READ || code == SQLITE_IOERR_CORRUPTFS)
             return {failures::unspecified, QStringLiteral("The store %1 cannot be read (%2); check the disk, or put "
@@ -49,8 +70,8 @@ void Connection::Closer::operator()(sqlite3 *database) const { sqlite3_close(dat
 
 Connection::Connection(const QString &path, std::chrono::milliseconds wait) : m_path(path) {
     sqlite3 *database = nullptr;
-    const int code = sqlite3_open_v2(path.toUtf8().constData(), &database,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(path.toUtf8().constData(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     m_database.reset(database);
     if (code != SQLITE_OK)
         fail(code);

@@ -13,6 +13,7 @@ namespace desk {
 
 class Connection {
   public:
+    /// \param path  a file that is there; an empty one becomes a database.
     Connection(const QString &path, std::chrono::milliseconds wait);
     ~Connection();
     Connection(const Connection &) = delete;

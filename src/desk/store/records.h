@@ -216,9 +216,17 @@ struct ItemParts {
 /// the second. A number, date or boolean of the item also equals the text that writes it ("12", "1.5", "true",
 /// "2026-11-22 09:30:00"). The empty text is met by an empty field or property and by a missing property.
 struct Condition {
+    enum class Kind {
+        Equal,
+        /// Of custom properties: leaves out the missing ones and those that begin with a number below `value`, or with
+        /// none where that is above 0. What is left still has to be compared.
+        MayReach
+    };
+
     /// Names a field or, by text, a custom property.
     std::variant<Field, QString> subject;
     Value value{};
+    Kind kind = Kind::Equal;
 };
 
 } // namespace desk

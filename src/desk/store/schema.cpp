@@ -3,7 +3,10 @@
 #include "desk/store/entryid.h"
 #include "desk/store/itemcolumns.h"
 #include "desk/store/storedtext.h"
+#include "platform/storage/draft.h"
+#include "platform/storage/durable.h"
 
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QThread>
 
@@ -71,6 +74,18 @@ std::string itemsIndex(const ItemColumn &column) {
            key + " <> ''";
 }
 
+/// The few folders that are looked for by what they are, among those of any number of tickets. Stores of before these
+/// indexes get them when they are opened: they change nothing but the time that a look-up takes.
+constexpr const char *folderIndexes[] = {
+    "CREATE INDEX IF NOT EXISTS folders_by_special ON folders (special) WHERE special <> 0",
+    "CREATE INDEX IF NOT EXISTS folders_of_contacts ON folders (item_type) WHERE item_type = 2",
+};
+
+void createFolderIndexes(Connection &connection) {
+    for (const char *index : folderIndexes)
+        connection.once(index);
+}
+
 QByteArray randomTag() {
     QByteArray tag(EntryId::tagBytes, Qt::Uninitialized);
     for (char &byte : tag)
@@ -86,6 +101,7 @@ void createTables(Connection &connection, const QString &rootName) {
     for (const ItemColumn &column : itemColumns())
         if (column.isIndexed())
             connection.once(itemsIndex(column));
+    createFolderIndexes(connection);
     connection.run("INSERT INTO store (tag, sequence) VALUES (:tag, 1)", {{"tag", randomTag()}});
     connection.run("INSERT INTO folders (id, parent, name, item_type, home_page, home_page_on, special)"
                    " VALUES (1, NULL, :name, 0, '', 0, 0)",
@@ -128,7 +144,45 @@ void useWriteAheadLog(Connection &connection, std::chrono::milliseconds wait) {
     }
 }
 
+void refuseLoneLog(const QString &path) {
+    const QString log = path + QStringLiteral("-wal");
+    // The store comes before its log: one that is there by now was made by another program.
+    if (QFileInfo(log).size() == 0 || QFileInfo::exists(path))
+        return;
+    throw Failure(failures::unspecified,
+                  QStringLiteral("The store %1 is missing, but the log of its last changes is still there: %2. Put the "
+                                 "store, or a backup of it, back; or move the log away to begin with a new store.")
+                      .arg(path, log));
+}
+
 } // namespace
+
+void makeStore(const QString &path, const QString &rootName, storage::Sharing sharing, std::chrono::milliseconds wait) {
+    refuseLoneLog(path);
+    std::optional<storage::Draft> draft;
+    if (const auto failure = Attempt([&] { draft.emplace(path, wait); })) {
+        const bool isFull = failure->number() == failures::noDiskSpace;
+        throw Failure(isFull ? failures::noDiskSpace : failures::accessDenied,
+                      QStringLiteral("The store %1 can't be made; check that its folder exists and that you may write "
+                                     "to it. %2")
+                          .arg(path, failure->description()));
+    }
+    if (QFileInfo::exists(path))
+        return;
+    if (sharing == storage::Sharing::Group)
+        storage::shareWithGroupOf(draft->descriptor(), QFileInfo(path).absolutePath());
+    {
+        Connection connection(draft->path(), wait);
+        Transaction transaction(connection);
+        createTables(connection, rootName);
+        transaction.commit();
+        // With everything in the file itself: the log is begun by the first who opens it under its name.
+        connection.once("PRAGMA journal_mode = WAL");
+    }
+    const auto failure = Attempt([&] { draft->publish(storage::Draft::Taken::Refuse); });
+    if (failure && failure->number() != failures::fileExists)
+        throw Failure(*failure);
+}
 
 QByteArray prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait) {
     const qint64 version = [&connection] {
@@ -148,6 +202,9 @@ QByteArray prepareStore(Connection &connection, const QString &rootName, std::ch
         if (checkedVersion(connection) == 0)
             createTables(connection, rootName);
         transaction.commit();
+    } else {
+        // Without them the store works as it did.
+        static_cast<void>(Attempt([&] { createFolderIndexes(connection); }));
     }
     const std::optional<QVariant> tag = connection.value("SELECT tag FROM store");
     if (!tag || tag->toByteArray().size() != EntryId::tagBytes)

@@ -2,6 +2,7 @@
 
 #include "desk/store/itemcolumns.h"
 #include "desk/store/storedtext.h"
+#include "platform/value/convert.h"
 
 namespace desk {
 
@@ -39,9 +40,8 @@ Search::Search(Connection &connection, FolderId folder, const QList<Condition> &
     m_sql = "SELECT " + recordColumns();
     if (hasLeader && m_clauses[leading].isProperty) {
         order = "p";
-        m_sql += " FROM properties AS p JOIN items AS i ON i.id = p.item WHERE p.name_key = " +
-                 bind(m_clauses[leading].nameKey) + " AND p.value_key = " + bind(m_clauses[leading].key) + " AND " +
-                 notEmpty("p.value_key") + " AND ";
+        m_sql += " FROM properties AS p JOIN items AS i ON i.id = p.item WHERE " +
+                 propertyTest("p", m_clauses[leading]) + " AND " + notEmpty("p.value_key") + " AND ";
     } else if (hasLeader) {
         const std::string column = "i." + m_clauses[leading].name;
         m_sql += " FROM items AS i WHERE " + column + " = " + bind(m_clauses[leading].key) + " AND " +
@@ -58,6 +58,15 @@ Search::Search(Connection &connection, FolderId folder, const QList<Condition> &
     m_sql += " ORDER BY " + order + ".arrival";
 }
 
+std::string Search::propertyTest(const std::string &alias, const Clause &clause) {
+    const std::string ofName = alias + ".name_key = " + bind(clause.nameKey) + " AND ";
+    const std::string column = alias + ".value_key";
+    if (clause.kind == Condition::Kind::Equal)
+        return ofName + column + " = " + bind(clause.key);
+    // The order is that of texts, in which 9 stands behind 10: the keys of the name are gone through, in the index.
+    return ofName + "CAST(" + column + " AS REAL) >= " + bind(clause.key);
+}
+
 std::string Search::bind(const QVariant &value) {
     const std::string &name = m_names.emplace_back("p" + std::to_string(m_names.size()));
     m_binds.push_back({name, value});
@@ -65,6 +74,15 @@ std::string Search::bind(const QVariant &value) {
 }
 
 void Search::add(const Condition &condition) {
+    if (condition.kind == Condition::Kind::MayReach) {
+        m_clauses.push_back({.name = {},
+                             .nameKey = storedText(foldedKey(std::get<QString>(condition.subject))),
+                             .key = toDouble(condition.value),
+                             .isProperty = true,
+                             .canLead = false,
+                             .kind = condition.kind});
+        return;
+    }
     const QString key = keyOf(condition.value);
     const QVariant storedKey = storedText(key);
     if (const auto *name = std::get_if<QString>(&condition.subject)) {
@@ -100,6 +118,10 @@ void Search::add(const Condition &condition) {
 std::size_t Search::leadingClause(Connection &connection) const {
     std::size_t best = m_clauses.size();
     const auto eligible = std::ranges::count_if(m_clauses, &Clause::canLead);
+    // Better than to open every item of the folder.
+    if (eligible == 0)
+        best = static_cast<std::size_t>(std::ranges::find(m_clauses, Condition::Kind::MayReach, &Clause::kind) -
+                                        m_clauses.begin());
     qint64 fewest = std::numeric_limits<qint64>::max();
     for (std::size_t i = 0; i < m_clauses.size(); ++i) {
         const Clause &clause = m_clauses[i];
@@ -131,11 +153,12 @@ void Search::appendTested(const Clause &clause) {
         m_sql += " AND +i." + clause.name + " = " + bind(clause.key);
         return;
     }
-    const std::string ofName =
-        "SELECT 1 FROM properties AS q WHERE q.item = i.id AND q.name_key = " + bind(clause.nameKey);
+    const std::string ofItem = "SELECT 1 FROM properties AS q WHERE q.item = i.id AND ";
     // The empty text is met by a missing property too.
-    m_sql += clause.canLead ? " AND EXISTS (" + ofName + " AND q.value_key = " + bind(clause.key) + ")"
-                            : " AND NOT EXISTS (" + ofName + " AND q.value_key <> '')";
+    if (clause.kind == Condition::Kind::Equal && !clause.canLead)
+        m_sql += " AND NOT EXISTS (" + ofItem + "q.name_key = " + bind(clause.nameKey) + " AND q.value_key <> '')";
+    else
+        m_sql += " AND EXISTS (" + ofItem + propertyTest("q", clause) + " AND q.value_key <> '')";
 }
 
 bool Search::holds(const ItemRecord &record) const {

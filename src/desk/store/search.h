@@ -29,10 +29,13 @@ class Search {
         QVariant key;
         bool isProperty = false;
         bool canLead = false;
+        Condition::Kind kind = Condition::Kind::Equal;
     };
 
     void add(const Condition &condition);
     [[nodiscard]] std::size_t leadingClause(Connection &connection) const;
+    /// The test of a property's key, which is that of a column of the alias.
+    std::string propertyTest(const std::string &alias, const Clause &clause);
     void appendTested(const Clause &clause);
     std::string bind(const QVariant &value);
 

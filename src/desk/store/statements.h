@@ -22,10 +22,17 @@ constexpr std::string_view rootFolder =
     "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders WHERE parent IS NULL";
 constexpr std::string_view specialFolder =
     "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders WHERE special = :special"
+    " AND special <> 0 ORDER BY id";
+/// Written out, so that the engine takes the index of these folders alone.
+constexpr std::string_view contactsFolders =
+    "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders WHERE item_type = 2"
     " ORDER BY id";
 constexpr std::string_view childFolders =
     "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders WHERE parent = :parent"
     " ORDER BY id";
+constexpr std::string_view childFoldersThatMayReach =
+    "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders WHERE parent = :parent"
+    " AND CAST(name AS REAL) >= :least ORDER BY id";
 constexpr std::string_view folderByName =
     "SELECT id, parent, name, item_type, home_page, home_page_on, special FROM folders"
     " WHERE parent = :parent AND name = :name";

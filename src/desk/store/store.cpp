@@ -11,10 +11,35 @@
 
 namespace desk {
 
+namespace {
+
+/// The engine would take a file that is shorter than any store for a new one: it would write over it, and delete the
+/// log beside it, which may be all that is left. The file is not looked into: closing it would let go of the locks that
+/// this process holds on it by another connection.
+void refuseRemains(const QString &path) {
+    constexpr qint64 shortest = 512;
+    const QFileInfo file(path);
+    if (file.isFile() && file.size() >= shortest)
+        return;
+    const QString problem = !file.isFile()     ? QStringLiteral("it is no file")
+                            : file.size() == 0 ? QStringLiteral("it is empty")
+                                               : QStringLiteral("it is too short");
+    throw Failure(failures::unspecified,
+                  QStringLiteral("The store %1 is damaged or is no store (%2); it and what lies beside it were left as "
+                                 "they are. Put a copy of the file from a backup in its place.")
+                      .arg(path, problem));
+}
+
+} // namespace
+
 Store::Store(const QString &path, const StoreOptions &options) {
-    if (!options.create && !QFileInfo::exists(path))
-        throw Failure(failures::notFound,
-                      QStringLiteral("There is no store %1; check the name, or make it first.").arg(path));
+    if (!QFileInfo::exists(path)) {
+        if (!options.create)
+            throw Failure(failures::notFound,
+                          QStringLiteral("There is no store %1; check the name, or make it first.").arg(path));
+        makeStore(path, options.rootName, options.sharing, options.wait);
+    }
+    refuseRemains(path);
     m_connection = std::make_unique<Connection>(path, options.wait);
     m_tag = prepareStore(*m_connection, options.rootName, options.wait);
     m_order = std::make_unique<FolderOrder>(*m_connection);

@@ -13,6 +13,7 @@
 
 #include "desk/store/entryid.h"
 #include "desk/store/records.h"
+#include "platform/storage/access.h"
 
 #include <chrono>
 #include <string_view>
@@ -20,6 +21,7 @@
 namespace desk {
 
 class Connection;
+class Correspondents;
 class FolderOrder;
 struct Bind;
 
@@ -28,13 +30,16 @@ struct StoreOptions {
     QString rootName = QStringLiteral("Store");
     /// Whether a file that does not exist is made. Otherwise that is `notFound`.
     bool create = true;
+    /// Who may use a file that is made.
+    storage::Sharing sharing = storage::Sharing::Owner;
     /// How long a write waits for another program's.
     std::chrono::milliseconds wait{10000};
 };
 
 class Store {
   public:
-    /// Fails with `unspecified` for a file that is damaged, no store, or written by a newer version.
+    /// Fails with `unspecified` for a file that is damaged (an empty one is), no store, or written by a newer version,
+    /// and for a missing one whose log is still there.
     explicit Store(const QString &path, const StoreOptions &options = {});
     ~Store();
     Store(const Store &) = delete;
@@ -54,8 +59,13 @@ class Store {
     [[nodiscard]] std::optional<FolderRecord> folderByEntryId(const QString &entryId);
     /// The folder of a default number.
     [[nodiscard]] std::optional<FolderRecord> specialFolder(SpecialFolder special);
+    /// The folders whose items are contacts, wherever they stand, in the order they were made. However many other
+    /// folders there are, they cost nothing here.
+    [[nodiscard]] QList<FolderRecord> contactsFolders();
     /// In the order they were made.
     [[nodiscard]] QList<FolderRecord> childFolders(FolderId parent);
+    /// The same without those whose names begin with a lower number, or with none where the number is above 0.
+    [[nodiscard]] QList<FolderRecord> childFoldersThatMayReach(FolderId parent, double least);
     [[nodiscard]] std::optional<FolderRecord> findFolder(FolderId parent, const QString &name);
     /// Makes a folder from the record's parent and fields. Gives what was stored.
     FolderRecord addFolder(const FolderRecord &record);
@@ -111,6 +121,7 @@ class Store {
     void remove(const ItemRecord &item);
 
   private:
+    friend class Correspondents;
     friend class Transfer;
 
     [[nodiscard]] qint64 numberFor(const QString &entryId, EntryId::Kind kind) const;

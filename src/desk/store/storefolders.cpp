@@ -74,7 +74,13 @@ std::optional<FolderRecord> Store::specialFolder(SpecialFolder special) {
     return folderBy(sql::specialFolder, {{"special", static_cast<int>(special)}});
 }
 
+QList<FolderRecord> Store::contactsFolders() { return foldersBy(sql::contactsFolders, {}); }
+
 QList<FolderRecord> Store::childFolders(FolderId parent) { return foldersBy(sql::childFolders, {{"parent", parent}}); }
+
+QList<FolderRecord> Store::childFoldersThatMayReach(FolderId parent, double least) {
+    return foldersBy(sql::childFoldersThatMayReach, {{"parent", parent}, {"least", least}});
+}
 
 std::optional<FolderRecord> Store::findFolder(FolderId parent, const QString &name) {
     return folderBy(sql::folderByName, {{"parent", parent}, {"name", storedText(name)}});

@@ -3,6 +3,7 @@
 #include "desk/store/folderorder.h"
 #include "desk/store/itemreader.h"
 #include "desk/store/itemwriter.h"
+#include "desk/store/room.h"
 #include "desk/store/statements.h"
 #include "desk/store/store.h"
 #include "platform/value/failure.h"
@@ -35,6 +36,16 @@ void readStanding(Connection &connection, FolderId folder, ItemRecord &record) {
     });
     if (record.folder == 0 || record.folder != folder)
         throw itemGone();
+}
+
+/// Whether a save writes more than stands, as far as fields and properties tell. REQUIRES: in the save's transaction.
+bool makesLarger(Connection &connection, const ItemRecord &standing, const ItemRecord &fields, const ItemParts &parts) {
+    if (parts.bodies || parts.attachments || parts.original)
+        return true;
+    ItemParts before;
+    if (parts.properties)
+        before.properties = readProperties(connection, fields.id);
+    return weightOf(fields) + weightOf(parts) > weightOf(standing) + weightOf(before);
 }
 
 } // namespace
@@ -86,6 +97,8 @@ ItemRecord Store::insert(FolderId folder, const ItemRecord &fields, const ItemPa
     if (kept.properties)
         kept.properties = normalized(*kept.properties);
 
+    if (!hasRoom(path(), Growth::NewItem, weightOf(record) + weightOf(kept)))
+        throw noRoom(path());
     Transaction transaction(*m_connection);
     if (!m_connection->value(sql::removals, {{"id", folder}}))
         throw Failure(failures::notFound,
@@ -116,6 +129,9 @@ ItemRecord Store::save(const ItemRecord &fields, const ItemParts &parts) {
     readStanding(*m_connection, fields.folder, record);
     if (record.version != fields.version)
         throw itemChanged();
+    if (!hasRoom(path(), Growth::Change, weightOf(kept)) &&
+        makesLarger(*m_connection, standingItem(fields.id), record, kept))
+        throw noRoom(path());
     updateItem(*m_connection, record, kept);
     ++record.version;
     if (kept.bodies || kept.attachments || kept.original)
@@ -126,7 +142,8 @@ ItemRecord Store::save(const ItemRecord &fields, const ItemParts &parts) {
 
 ItemRecord Store::copy(ItemId id) {
     Transaction transaction(*m_connection);
-    static_cast<void>(standingItem(id));
+    if (!hasRoom(path(), Growth::NewItem, standingItem(id).size))
+        throw noRoom(path());
     const QList<AttachmentRecord> attachments = readAttachments(*m_connection, id);
     const qint64 first = takeNumbers(*m_connection, 1 + attachments.size());
     const ItemId copy = first;

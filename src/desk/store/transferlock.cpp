@@ -1,5 +1,6 @@
 #include "desk/store/transferlock.h"
 
+#include "platform/storage/access.h"
 #include "platform/value/failure.h"
 
 #include <QFile>
@@ -10,12 +11,14 @@
 namespace desk {
 
 TransferLock::TransferLock(const QString &storePath) {
-    const QByteArray name = QFile::encodeName(storePath + QStringLiteral("-transfers"));
-    m_file = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    const QString path = storePath + QStringLiteral("-transfers");
+    const QByteArray name = QFile::encodeName(path);
+    m_file = ::open(name.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (m_file < 0)
         throw Failure(failures::accessDenied,
-                      QStringLiteral("The file %1 cannot be made; check that you may write to its folder.")
-                          .arg(QFile::decodeName(name)));
+                      QStringLiteral("The file %1 cannot be made; check that you may write to its folder.").arg(path));
+    // Whoever may use the store moves items into it.
+    storage::followAccess(path, storePath);
 }
 
 TransferLock::~TransferLock() { ::close(m_file); }

@@ -9,17 +9,29 @@
 
 ProcessLocal<Ref<cRootExplorer>> objRootExplorer;
 
-cRootExplorer::~cRootExplorer() { Class_Terminate(); }
+cRootExplorer::~cRootExplorer() {
+    const WholeStep whole;
+    Class_Terminate();
+}
+
+std::function<void(const ValueList &)> cRootExplorer::Own(void (cRootExplorer::*subEvent)()) {
+    return [self = weak_from_this(), subEvent](const ValueList &) {
+        if (const auto root = self.lock())
+            (*root.*subEvent)();
+    };
+}
 
 void cRootExplorer::Attach(const host::Application &oua, const host::Explorer &oue) {
     ouaMonitorApp = oua;
-    m_hostEvents.push_back(oua.connect("Quit", Entry([this](ValueList &) { ouaMonitorApp_Quit(); })));
+    m_hostEvents.push_back(oua.connect("Quit", EntryOfEnd(Own(&cRootExplorer::ouaMonitorApp_Quit))));
     oueCurrExplorer = oue;
-    m_hostEvents.push_back(oue.connect("Close", Entry([this](ValueList &) { oueCurrExplorer_Close(); })));
-    m_hostEvents.push_back(oue.connect("FolderSwitch", Entry([this](ValueList &) { oueCurrExplorer_FolderSwitch(); })));
+    m_hostEvents.push_back(oue.connect("Close", EntryOfEnd(Own(&cRootExplorer::oueCurrExplorer_Close))));
+    m_hostEvents.push_back(oue.connect("FolderSwitch", EntryOfEnd(Own(&cRootExplorer::oueCurrExplorer_FolderSwitch))));
 }
 
 void cRootExplorer::cmdCopy_Click() {
+    // A row without its item would be a ticket that nobody sees.
+    const WholeStep whole;
     Attempt([] {
         const host::Selection selection = ouaOutlook->ActiveExplorer().Selection();
         if (selection.Count() != 1)
@@ -44,6 +56,7 @@ void cRootExplorer::cmdSettings_Click() {
 }
 
 void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
+    const WholeStep whole;
     // A mail that has gone by now is nobody's trouble.
     const QString strTicketID = fncGetTicketIDFromSubject(AttemptOr([&] { return Item.Subject(); }, QString()));
     if (strTicketID.isEmpty())
@@ -51,6 +64,19 @@ void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
     const host::MAPIFolder oufSent = fncGetTicketSubFolder(strTicketID, "Sent");
     if (oufSent)
         Attempt([&] { Item.Move(oufSent); });
+}
+
+void cRootExplorer::subFileSentMail() {
+    if (oisORVLSentItems.isNothing())
+        return;
+    Attempt([&] {
+        // The host tells of sent mail behind all the mail that has come in. Only the newest are looked at: what names
+        // no ticket stays in the folder for ever.
+        constexpr qint32 mostLookedAt = 1000;
+        const qint32 intCount = oisORVLSentItems.Count();
+        for (qint32 i = intCount; i >= 1 && i > intCount - mostLookedAt; --i)
+            oisORVLSentItems_ItemAdd(oisORVLSentItems.Item(i));
+    });
 }
 
 void cRootExplorer::ouaMonitorApp_Quit() {
@@ -78,8 +104,10 @@ void cRootExplorer::subSetupSentORVL() {
     if (oufORVLSentItems.isNothing())
         return;
     oisORVLSentItems = oufORVLSentItems.Items();
-    m_sentItemAdd = oisORVLSentItems.connect(
-        "ItemAdd", Entry([this](ValueList &arguments) { oisORVLSentItems_ItemAdd(host::Item(arguments.value(0))); }));
+    m_sentItemAdd = oisORVLSentItems.connect("ItemAdd", Entry([self = weak_from_this()](ValueList &arguments) {
+                                                 if (const auto root = self.lock())
+                                                     root->oisORVLSentItems_ItemAdd(host::Item(arguments.value(0)));
+                                             }));
 }
 
 void cRootExplorer::Class_Terminate() {

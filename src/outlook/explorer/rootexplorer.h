@@ -7,9 +7,10 @@
 #include "platform/value/processlocal.h"
 #include "platform/value/ref.h"
 
+#include <memory>
 #include <vector>
 
-class cRootExplorer {
+class cRootExplorer : public std::enable_shared_from_this<cRootExplorer> {
   public:
     cRootExplorer() = default;
     ~cRootExplorer();
@@ -30,6 +31,8 @@ class cRootExplorer {
     void cmdCopy_Click();
     void cmdSettings_Click();
     void oisORVLSentItems_ItemAdd(const host::Item &Item);
+    /// Files what lies among the sent mails: before an end, since the last came with the last piece of work.
+    void subFileSentMail();
     void ouaMonitorApp_Quit();
     void oueCurrExplorer_Close();
     void oueCurrExplorer_FolderSwitch();
@@ -44,6 +47,8 @@ class cRootExplorer {
     void Class_Terminate();
 
   private:
+    /// What an event does, while the object is there.
+    std::function<void(const ValueList &)> Own(void (cRootExplorer::*subEvent)());
     host::CommandBarButton AddButton(const QString &strCaption, const QString &strTooltip, qint32 intFaceId);
 
     host::CommandBar cbrToolbar;

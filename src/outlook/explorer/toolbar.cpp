@@ -29,6 +29,8 @@ host::CommandBarButton cRootExplorer::AddButton(const QString &strCaption, const
 
 void cRootExplorer::subAddButtons() try {
     constexpr qint32 positionRight = 2;
+    // A bar that is made and not kept here would stay when the run ends.
+    const WholeStep whole;
     subTrace("Adding control buttons to current explorer");
     const host::CommandBars bars = fncBarsOf(oueCurrExplorer);
     if (bars.isNothing())
@@ -37,10 +39,10 @@ void cRootExplorer::subAddButtons() try {
     cbrToolbar.Visible(true);
 
     cmdSettings = AddButton(LNGSETTINGS, LNGSETTINGSTT, faceSettings);
-    m_buttonEvents.push_back(cmdSettings.connect("Click", Entry([this](ValueList &) { cmdSettings_Click(); })));
+    m_buttonEvents.push_back(cmdSettings.connect("Click", EntryBetween(Own(&cRootExplorer::cmdSettings_Click))));
     cmdCopy = AddButton(LNGCOPY, LNGCOPY, faceCopy);
     cmdCopy.BeginGroup(true);
-    m_buttonEvents.push_back(cmdCopy.connect("Click", Entry([this](ValueList &) { cmdCopy_Click(); })));
+    m_buttonEvents.push_back(cmdCopy.connect("Click", EntryBetween(Own(&cRootExplorer::cmdCopy_Click))));
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subAddButtons");
 }

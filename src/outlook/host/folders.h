@@ -40,6 +40,13 @@ class Folders : public Handle {
     [[nodiscard]] qint32 Count() const { return number("Count"); }
     /// By name or by position from 1; fails for a missing one.
     [[nodiscard]] MAPIFolder Item(const Value &index) const { return call("Item", {index}); }
+    /// The first folder whose name meets the filter, or Nothing.
+    [[nodiscard]] MAPIFolder Find(const QString &filter) const { return call("Find", {filter}); }
+    /// The next one after the last found; Nothing behind the last.
+    [[nodiscard]] MAPIFolder FindNext() const { return call("FindNext"); }
+    /// The walk from the first to the last: Nothing at the end.
+    [[nodiscard]] MAPIFolder GetFirst() const { return call("GetFirst"); }
+    [[nodiscard]] MAPIFolder GetNext() const { return call("GetNext"); }
     MAPIFolder Add(const QString &name) const { return call("Add", {name}); }
     /// The type is that of a default folder: 6 makes a folder for mails and posts.
     MAPIFolder Add(const QString &name, qint32 type) const { return call("Add", {name, type}); }
@@ -54,6 +61,8 @@ class Items : public Handle {
     host::Item Add(const QString &messageClass) const { return call("Add", {messageClass}); }
     /// The first item that meets the filter, or Nothing.
     [[nodiscard]] host::Item Find(const QString &filter) const { return call("Find", {filter}); }
+    /// The next one after the last found; Nothing behind the last.
+    [[nodiscard]] host::Item FindNext() const { return call("FindNext"); }
     [[nodiscard]] MAPIFolder Parent() const { return get("Parent"); }
 };
 

@@ -2,6 +2,24 @@
 
 namespace host {
 
+ProcessLocal<void (*)()> aroundHost;
+
+namespace {
+void passBy() {
+    if (void (*const step)() = aroundHost.get())
+        step();
+}
+
+/// Asks with the program's own step before and after it.
+template <class Ask>
+auto asked(const Ask &ask) {
+    passBy();
+    auto answer = ask();
+    passBy();
+    return answer;
+}
+} // namespace
+
 Handle::Handle(const Value &value) {
     if (!value.isEmpty() && !value.isNull() && !value.isMissing())
         m_object = value.object();
@@ -15,11 +33,20 @@ automation::Object &Handle::checked() const {
 
 QString Handle::typeName() const { return checked().typeName(); }
 
-Value Handle::get(const QString &member) const { return checked().get(member); }
+Value Handle::get(const QString &member) const {
+    return asked([&] { return checked().get(member); });
+}
 
-void Handle::put(const QString &member, const Value &value) const { checked().put(member, value); }
+void Handle::put(const QString &member, const Value &value) const {
+    passBy();
+    checked().put(member, value);
+    passBy();
+}
 
-void Handle::ahead(const std::vector<automation::Question> &questions) const { checked().ahead(questions); }
+void Handle::ahead(const std::vector<automation::Question> &questions) const {
+    passBy();
+    checked().ahead(questions);
+}
 
 void Handle::readAhead(const QStringList &members) const {
     std::vector<automation::Question> questions;
@@ -29,11 +56,11 @@ void Handle::readAhead(const QStringList &members) const {
 }
 
 Value Handle::call(const QString &member, const ValueList &arguments) const {
-    return checked().call(member, arguments);
+    return asked([&] { return checked().call(member, arguments); });
 }
 
 Value Handle::callThrough(const automation::Path &path, const QString &member, const ValueList &arguments) const {
-    return checked().callThrough(path, member, arguments);
+    return asked([&] { return checked().callThrough(path, member, arguments); });
 }
 
 void Handle::tryPut(const QString &member, const Value &value) const { tryPut({}, member, value); }
@@ -44,7 +71,7 @@ void Handle::tryPut(const automation::Path &path, const QString &member, const V
 }
 
 automation::SubscriptionPtr Handle::connect(const QString &event, automation::EventHandler handler) const {
-    return checked().connect(event, std::move(handler));
+    return asked([&] { return checked().connect(event, std::move(handler)); });
 }
 
 bool operator==(const Handle &left, const Handle &right) {

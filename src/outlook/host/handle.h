@@ -3,8 +3,13 @@
 
 #include "automation/object.h"
 #include "platform/value/convert.h"
+#include "platform/value/processlocal.h"
 
 namespace host {
+
+/// Called before and after each question to the host, for while a program waits for an answer its events come in. It
+/// may throw to stop what is asking. Empty for none.
+extern ProcessLocal<void (*)()> aroundHost;
 
 /// Refers to an object of the host, or to Nothing. Copying copies the reference, so a handle is constant even where
 /// its object changes. Using a member of Nothing fails with 91.

@@ -19,6 +19,8 @@ class UserProperty : public Handle {
     [[nodiscard]] QString Name() const { return text("Name"); }
     [[nodiscard]] Value value() const { return get("Value"); }
     void setValue(const Value &value) const { put("Value", value); }
+    /// As `tryPut`.
+    void tryValue(const Value &value) const { tryPut("Value", value); }
 };
 
 class UserProperties : public Handle {
@@ -119,6 +121,10 @@ class Item : public Handle {
     /// `UserProperties().Find(name)`.
     [[nodiscard]] UserProperty FindProperty(const QString &name) const {
         return callThrough({{"UserProperties", {}}}, "Find", {name});
+    }
+    /// `UserProperties().Add(name, type)`.
+    [[nodiscard]] UserProperty AddProperty(const QString &name, qint32 type) const {
+        return callThrough({{"UserProperties", {}}}, "Add", {name, type, false});
     }
     [[nodiscard]] Inspector GetInspector() const;
 

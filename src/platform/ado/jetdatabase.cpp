@@ -4,6 +4,7 @@
 #include "platform/ado/jetfile.h"
 #include "platform/ado/jetsql.h"
 #include "platform/ado/jettext.h"
+#include "platform/storage/access.h"
 
 #include <QFileInfo>
 #include <QSqlDriver>
@@ -64,6 +65,28 @@ class WideText {
 int sqlCompare(void *order, int leftBytes, const void *left, int rightBytes, const void *right) {
     return static_cast<const TextOrder *>(order)->compare(WideText(left, leftBytes).view(),
                                                           WideText(right, rightBytes).view());
+}
+
+/// What keeps the file from being written, in words that say what to do about it.
+const char *refusedWrite(const QString &path) {
+    switch (storage::writeBar(path)) {
+    case storage::Bar::ReadOnlyDisk:
+        return "The database %1 is on a disk that is mounted read-only. Make the disk writable and try again. (%2)";
+    case storage::Bar::NoRight:
+        return "You have no right to write the database %1 or its folder. Ask its owner or the administrator for it. "
+               "(%2)";
+    case storage::Bar::ReadOnlyFile:
+    case storage::Bar::None:
+        break;
+    }
+    return "The database %1 is read-only. Remove the read-only attribute of the file, or give yourself the right to "
+           "write it, its folder and the files beside it. (%2)";
+}
+
+/// A disk that is full, or a limit that is reached, shows in these as well.
+bool isRefusedRoom(int code) {
+    return code == SQLITE_IOERR_WRITE || code == SQLITE_IOERR_TRUNCATE || code == SQLITE_IOERR_FSYNC ||
+           code == SQLITE_IOERR_SHMSIZE || code == SQLITE_IOERR_SHMMAP;
 }
 
 } // namespace
@@ -192,11 +215,13 @@ void JetDatabase::fail(int sqliteCode, const QString &sqliteText) const {
                       "again. (%2)");
     case SQLITE_READONLY:
     case SQLITE_PERM:
-        throw refused("The database %1 is read-only. Remove the read-only attribute of the file, or give yourself the "
-                      "right to write it and its folder. (%2)");
+        throw refused(refusedWrite(m_path));
     case SQLITE_FULL:
         throw refused("The database %1 could not be written: the disk is full. Make room on it and try again. (%2)");
     case SQLITE_IOERR:
+        if (isRefusedRoom(sqliteCode))
+            throw refused("The database %1 could not be written: its disk is full or takes no more data. Make room on "
+                          "it, or have the limit raised, and try again. (%2)");
         throw refused("The database %1 could not be read or written. Check its disk and try again. (%2)");
     case SQLITE_CANTOPEN:
         throw refused("The database %1 could not be opened. Check the rights to the file and its folder. (%2)");

@@ -10,6 +10,8 @@
 
 #include <sqlite3.h>
 
+#include <limits>
+
 namespace ado {
 
 namespace {
@@ -110,6 +112,35 @@ class JetFile final : public Provider {
         runOnOriginal(query, 0, original);
     }
 
+    qint32 lastNumber(const QString &table) override {
+        QSqlQuery query = m_database.query();
+        m_database.prepare(query, "SELECT seq FROM sqlite_sequence WHERE name = ? COLLATE NOCASE");
+        query.bindValue(0, table);
+        m_database.run(query);
+        return query.next() ? static_cast<qint32>(query.value(0).toLongLong()) : 0;
+    }
+
+    bool raiseLastNumber(const QString &table, qint32 number) override {
+        if (number >= std::numeric_limits<qint32>::max())
+            throw Failure(failures::overflow);
+        // In one go: another program may give numbers, or raise them, at the same moment.
+        begin();
+        bool isRaised = false;
+        const auto failure = Attempt([&] {
+            isRaised = lastNumber(table) < number;
+            if (isRaised && writeLastNumber("UPDATE sqlite_sequence SET seq = ?1 WHERE name = ?2 COLLATE NOCASE", table,
+                                            number) == 0)
+                writeLastNumber("INSERT INTO sqlite_sequence (seq, name) SELECT ?1, name FROM sqlite_master WHERE "
+                                "type = 'table' AND name = ?2 COLLATE NOCASE",
+                                table, number);
+            commit();
+        });
+        if (!failure)
+            return isRaised;
+        rollback();
+        throw Failure(*failure);
+    }
+
     void beginRun() override {
         QSqlQuery mode = m_database.query();
         m_database.prepare(mode, "PRAGMA journal_mode");
@@ -148,6 +179,13 @@ class JetFile final : public Provider {
     }
 
   private:
+    qint64 writeLastNumber(const QString &statement, const QString &table, qint32 number) {
+        QSqlQuery &query = prepared(statement);
+        query.bindValue(0, number);
+        query.bindValue(1, table);
+        return write(query).rows;
+    }
+
     void syncLog() {
         sqlite3_file *log = nullptr;
         sqlite3_file_control(m_database.handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);

@@ -68,6 +68,12 @@ class Provider {
     /// Deletes the row that still has all values of `original`.
     virtual void remove(const RowSet &set, const Row &original) = 0;
 
+    /// The last number that the table's autonumber has given; 0 where it gave none.
+    virtual qint32 lastNumber(const QString &table) = 0;
+    /// Makes the autonumber go on behind a number, unless it is behind it already. Returns whether it was raised. Fails
+    /// with 6 for a number that leaves no room behind it.
+    virtual bool raiseLastNumber(const QString &table, qint32 number) = 0;
+
     /// Between the two, a change is done and seen by everybody when its call returns, as ever, but the disk is waited
     /// for once, in `endRun`: a program that dies in between loses nothing, a machine that does may lose the last of
     /// it. Not nested.

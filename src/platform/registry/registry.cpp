@@ -98,7 +98,11 @@ Hive loadForWriting() {
 void save(const Hive &hive) {
     QSaveFile target(file());
     const QByteArray bytes = hive.serialize();
-    if (target.open(QIODevice::WriteOnly) && target.write(bytes) == bytes.size() && target.commit())
+    const bool isOpen = target.open(QIODevice::WriteOnly);
+    // Before anything stands in it.
+    if (isOpen)
+        target.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+    if (isOpen && target.write(bytes) == bytes.size() && target.commit())
         return;
     const bool isFull = target.error() == QFileDevice::ResourceError;
     throw Failure(isFull ? failures::diskFull : failures::permissionDenied,

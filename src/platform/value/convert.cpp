@@ -98,6 +98,16 @@ struct AsText {
 const QLocale &Region::locale() { return fixedLocale ? *fixedLocale : environmentLocale(); }
 void Region::set(std::optional<QLocale> locale) { fixedLocale = std::move(locale); }
 
+std::optional<QLocale> Region::named(const QString &name) {
+    const QStringList parts = QString(name).replace(u'-', u'_').split(u'_');
+    const QLocale found(parts.join(u'_'));
+    // Where it knows no such region, the library gives the one that it likes best.
+    const bool isIt = parts.size() > 1 &&
+                      parts.first().compare(QLocale::languageToCode(found.language()), Qt::CaseInsensitive) == 0 &&
+                      parts.last().compare(QLocale::territoryToCode(found.territory()), Qt::CaseInsensitive) == 0;
+    return isIt ? std::optional(found) : std::nullopt;
+}
+
 double roundHalfEven(double number) { return std::nearbyint(number); }
 
 double roundHalfEven(double number, int decimals) {

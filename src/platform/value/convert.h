@@ -15,6 +15,9 @@ class Region {
     static const QLocale &locale();
     /// REQUIRES: called by tests only; an empty optional goes back to the environment's.
     static void set(std::optional<QLocale> locale);
+    /// The region of a name such as "de_DE" or "en-GB"; nothing where there is no such region. A language alone says
+    /// nothing of the order of day and month, so it is none.
+    static std::optional<QLocale> named(const QString &name);
 };
 
 double roundHalfEven(double number);
@@ -43,10 +46,12 @@ std::optional<double> parseNumber(const QString &text);
 
 /// The date-time in the region's default form: the short date with a four-digit year, a blank and the time with
 /// seconds; the date alone at midnight, the time alone on the zero day.
-QString formatDateTime(DateTime moment);
-/// Reads what `formatDateTime` writes in any region, ISO dates, month names of the region and in English, and 12- and
-/// 24-hour times, each part alone or both; nothing for anything else, out-of-range parts included.
-std::optional<DateTime> parseDateTime(const QString &text);
+QString formatDateTime(DateTime moment, const QLocale &region = Region::locale());
+/// Reads what `formatDateTime` writes in the region, ISO dates, month names of the region and in English, and 12- and
+/// 24-hour times, each part alone or both; nothing for anything else, out-of-range parts included. Of what another
+/// region wrote in numbers the day and the month are told apart where only one order gives a date; else the region's
+/// order counts.
+std::optional<DateTime> parseDateTime(const QString &text, const QLocale &region = Region::locale());
 
 /// The full name of a month (1 to 12) or of a weekday (Monday 1 to Sunday 7) in the system's language.
 QString monthName(int month);

@@ -5,17 +5,19 @@
 #include <QRegularExpression>
 
 namespace {
-QString shortDateFormat() {
-    QString format = Region::locale().dateFormat(QLocale::ShortFormat);
+QString shortDateFormat(const QLocale &region) {
+    QString format = region.dateFormat(QLocale::ShortFormat);
     if (!format.contains(u"yyyy"))
         format.replace(QStringLiteral("yy"), QStringLiteral("yyyy"));
     return format;
 }
 
-/// Whether the region writes that very word in every date.
-bool isOfDateFormat(const QString &word) { return shortDateFormat().contains(u'\'' + word + u'\''); }
+/// The word for the year, which Bulgaria writes behind every date; no other region has a word in its short date.
+const QString yearWord = QStringLiteral("г");
 
-bool twelveHours() { return Region::locale().timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive); }
+bool twelveHours(const QLocale &region) {
+    return region.timeFormat(QLocale::ShortFormat).contains(u'a', Qt::CaseInsensitive);
+}
 
 /// With the digits of every script as 0 to 9, and without the marks that only steer the direction of writing: a region
 /// that writes from right to left has both in its dates.
@@ -39,7 +41,7 @@ QStringList tokensOf(const QString &text) {
     return tokens;
 }
 
-int monthFromName(const QString &word) {
+int monthFromName(const QString &word, const QLocale &region) {
     const auto matches = [&](const QLocale &locale, int month) {
         for (const QLocale::FormatType form : {QLocale::LongFormat, QLocale::ShortFormat}) {
             for (QString name : {locale.monthName(month, form), locale.standaloneMonthName(month, form)}) {
@@ -52,18 +54,17 @@ int monthFromName(const QString &word) {
         return false;
     };
     for (int month = 1; month <= 12; ++month) {
-        if (matches(Region::locale(), month) || matches(QLocale(QLocale::English), month))
+        if (matches(region, month) || matches(QLocale(QLocale::English), month))
             return month;
     }
     return 0;
 }
 
 /// Half of day: 0 none, 1 morning, 2 afternoon.
-int halfOfDay(const QString &word) {
-    const QLocale &locale = Region::locale();
-    if (word.compare(u"AM", Qt::CaseInsensitive) == 0 || word.compare(locale.amText(), Qt::CaseInsensitive) == 0)
+int halfOfDay(const QString &word, const QLocale &region) {
+    if (word.compare(u"AM", Qt::CaseInsensitive) == 0 || word.compare(region.amText(), Qt::CaseInsensitive) == 0)
         return 1;
-    if (word.compare(u"PM", Qt::CaseInsensitive) == 0 || word.compare(locale.pmText(), Qt::CaseInsensitive) == 0)
+    if (word.compare(u"PM", Qt::CaseInsensitive) == 0 || word.compare(region.pmText(), Qt::CaseInsensitive) == 0)
         return 2;
     return 0;
 }
@@ -77,7 +78,7 @@ struct Parts {
 };
 
 /// Takes a time (numbers joined by colons, or one number and AM or PM) from position i on; false when it is bad.
-bool takeTime(const QStringList &tokens, qsizetype &i, Parts &parts) {
+bool takeTime(const QStringList &tokens, qsizetype &i, Parts &parts, const QLocale &region) {
     if (!parts.times.empty())
         return false;
     parts.times.push_back(tokens[i].toInt());
@@ -87,29 +88,29 @@ bool takeTime(const QStringList &tokens, qsizetype &i, Parts &parts) {
             return false;
         parts.times.push_back(tokens[i].toInt());
     }
-    if (i + 1 < tokens.size() && halfOfDay(tokens[i + 1])) {
-        parts.half = halfOfDay(tokens[++i]);
+    if (i + 1 < tokens.size() && halfOfDay(tokens[i + 1], region)) {
+        parts.half = halfOfDay(tokens[++i], region);
     }
     return parts.times.size() > 1 || parts.half != 0;
 }
 
-std::optional<Parts> partsOf(const QString &text) {
+std::optional<Parts> partsOf(const QString &text, const QLocale &region) {
     const QStringList tokens = tokensOf(text);
     Parts parts;
     for (qsizetype i = 0; i < tokens.size(); ++i) {
         const QString &token = tokens[i];
         if (token[0].isDigit()) {
-            const bool time = i + 1 < tokens.size() && (tokens[i + 1] == u":" || halfOfDay(tokens[i + 1]));
+            const bool time = i + 1 < tokens.size() && (tokens[i + 1] == u":" || halfOfDay(tokens[i + 1], region));
             if (time) {
-                if (!takeTime(tokens, i, parts))
+                if (!takeTime(tokens, i, parts, region))
                     return std::nullopt;
             } else {
                 parts.dates += token;
             }
         } else if (token[0].isLetter()) {
-            const int month = monthFromName(token);
-            // "T" stands between an ISO date and its time, and some regions write a word for the year behind it.
-            if (month == 0 && !(token == u"T" && !parts.dates.isEmpty()) && !isOfDateFormat(token))
+            const int month = monthFromName(token, region);
+            // "T" stands between an ISO date and its time, and the word for the year behind it.
+            if (month == 0 && !(token == u"T" && !parts.dates.isEmpty()) && token != yearWord)
                 return std::nullopt;
             if (month != 0) {
                 if (parts.month != 0)
@@ -133,26 +134,29 @@ int fullYear(const QString &digits) {
 }
 
 /// The order of day, month and year in the region, as the letters of its short date format.
-QString dateOrder() {
+QString dateOrder(const QLocale &region) {
     QString order;
-    for (const QChar letter : Region::locale().dateFormat(QLocale::ShortFormat).toLower()) {
+    for (const QChar letter : region.dateFormat(QLocale::ShortFormat).toLower()) {
         if (QStringLiteral("dmy").contains(letter) && !order.contains(letter))
             order += letter;
     }
     return order.size() == 3 ? order : QStringLiteral("mdy");
 }
 
-std::optional<QDate> dateOfParts(const Parts &parts) {
-    QString order = dateOrder();
+std::optional<QDate> dateOfParts(const Parts &parts, const QLocale &region) {
+    QString order = dateOrder(region);
     if (parts.month != 0)
         order.remove(u'm');
     if (!parts.dates.isEmpty() && parts.dates.first().size() > 2)
         order = parts.month != 0 ? QStringLiteral("yd") : QStringLiteral("ymd");
+    // A year of four digits is one wherever it stands: another region's date has it at the other end.
+    else if (parts.dates.size() == order.size() && parts.dates.last().size() > 2)
+        order = order.remove(u'y') + u'y';
     if (parts.dates.size() == order.size() - 1)
         order.remove(u'y');
     if (parts.dates.size() != order.size())
         return std::nullopt;
-    int year = QDate::currentDate().year();
+    int year = Clock::now().year();
     int month = parts.month;
     int day = 0;
     for (qsizetype i = 0; i < order.size(); ++i) {
@@ -191,26 +195,26 @@ std::optional<double> timeOfParts(const Parts &parts) {
 }
 } // namespace
 
-QString formatDateTime(DateTime moment) {
+QString formatDateTime(DateTime moment, const QLocale &region) {
     const auto [hour, minute, second] = moment.timeOfDay();
     const QTime time(hour, minute, second);
     const bool hasTime = time != QTime(0, 0);
     const bool hasDate = moment.dateOnly().days != 0;
     QStringList parts;
     if (hasDate)
-        parts += Region::locale().toString(QDate(moment.year(), moment.month(), moment.day()), shortDateFormat());
+        parts += region.toString(QDate(moment.year(), moment.month(), moment.day()), shortDateFormat(region));
     if (hasTime || !hasDate) {
         // The halves of the day are written in English everywhere, so that every region reads them.
-        parts += twelveHours() ? QLocale::c().toString(time, QStringLiteral("h:mm:ss AP"))
-                               : QLocale::c().toString(time, QStringLiteral("HH:mm:ss"));
+        parts += twelveHours(region) ? QLocale::c().toString(time, QStringLiteral("h:mm:ss AP"))
+                                     : QLocale::c().toString(time, QStringLiteral("HH:mm:ss"));
     }
     return parts.join(u' ');
 }
 
-std::optional<DateTime> parseDateTime(const QString &text) {
+std::optional<DateTime> parseDateTime(const QString &text, const QLocale &region) {
     if (text.size() > 64)
         return std::nullopt;
-    const std::optional<Parts> parts = partsOf(text);
+    const std::optional<Parts> parts = partsOf(text, region);
     if (!parts)
         return std::nullopt;
     DateTime moment;
@@ -218,7 +222,7 @@ std::optional<DateTime> parseDateTime(const QString &text) {
     if (!hasDate && parts->times.empty())
         return std::nullopt;
     if (hasDate) {
-        const std::optional<QDate> date = dateOfParts(*parts);
+        const std::optional<QDate> date = dateOfParts(*parts, region);
         if (!date)
             return std::nullopt;
         moment = DateTime::fromDate(date->year(), date->month(), date->day());

@@ -5,6 +5,21 @@
 
 namespace window {
 
+/// A question that waits for a person, known to its program copy while it lives, so that the copy's end can close it.
+class OpenQuestion {
+  public:
+    explicit OpenQuestion(std::function<void()> close);
+    ~OpenQuestion();
+    OpenQuestion(const OpenQuestion &) = delete;
+    OpenQuestion &operator=(const OpenQuestion &) = delete;
+
+    void close() const { m_close(); }
+
+  private:
+    ProgramCopy &m_copy;
+    std::function<void()> m_close;
+};
+
 /// Gives the cautious answer and writes question and answer to standard error.
 std::unique_ptr<Asker> makeUnattendedAsker();
 

@@ -95,6 +95,8 @@ class TextField : public QTextEdit {
 
 MessageDialog::MessageDialog(const Question &question) : m_question(question) {
     setObjectName(QStringLiteral("messageBox"));
+    // A window manager may refuse to let a window forward whose program is not the active one.
+    setWindowFlag(Qt::WindowStaysOnTopHint);
     setWindowTitle(question.title);
     setAccessibleDescription(question.text);
     auto *grid = new QGridLayout(this);
@@ -154,6 +156,11 @@ void MessageDialog::reject() {
 }
 
 Answer MessageDialog::run() {
+    setModal(true);
+    // The question may come while the window of another program is in front.
+    show();
+    raise();
+    activateWindow();
     exec();
     return m_pressed.value_or(m_question.cautious);
 }

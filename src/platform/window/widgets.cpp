@@ -28,11 +28,14 @@ class WidgetAsker : public Asker {
     Answer ask(const Question &question) override {
         useLanguageOfMachine();
         MessageDialog dialog(question);
+        // Past `reject`, which is the person's.
+        const OpenQuestion open([&dialog] { dialog.done(QDialog::Rejected); });
         return dialog.run();
     }
 
     QString show(Sheet &sheet) override {
         SheetDialog dialog(sheet);
+        const OpenQuestion open([&dialog] { dialog.done(QDialog::Rejected); });
         return dialog.run();
     }
 };

@@ -5,12 +5,30 @@
 namespace window {
 
 ProcessLocal<std::shared_ptr<Asker>> asker;
+ProcessLocal<std::function<void(const std::function<void()> &ask)>> aroundQuestion;
 
 namespace {
+
+/// The questions of a copy that wait for a person, the youngest last.
+struct Waiting {
+    std::vector<OpenQuestion *> open;
+    bool isClosed = false;
+};
+ProcessLocal<Waiting> waiting;
+
+void askAround(const std::function<void()> &ask) {
+    // Held, for the question may outlive what is set.
+    if (const auto around = aroundQuestion.get())
+        around(ask);
+    else
+        ask();
+}
 
 Asker &current() {
     static const std::unique_ptr<Asker> nobody = makeUnattendedAsker();
     static const std::unique_ptr<Asker> person = makeWidgetAsker();
+    if (waiting->isClosed)
+        return *nobody;
     if (asker.get())
         return *asker.get();
     return isUnattended() ? *nobody : *person;
@@ -40,9 +58,35 @@ QString Sheet::value(const QString &fieldName) const {
 }
 
 Answer msgBox(const QString &text, Buttons buttons, Icon icon, const QString &title, std::optional<Answer> cautious) {
-    return current().ask({text, buttons, icon, title, cautious.value_or(cautiousAnswer(buttons))});
+    const Question question{text, buttons, icon, title, cautious.value_or(cautiousAnswer(buttons))};
+    Answer answer = question.cautious;
+    askAround([&] { answer = current().ask(question); });
+    return answer;
 }
 
-QString showSheet(Sheet &sheet) { return current().show(sheet); }
+QString showSheet(Sheet &sheet) {
+    QString pressed;
+    askAround([&] {
+        if (!waiting->isClosed)
+            pressed = current().show(sheet);
+    });
+    return pressed;
+}
+
+OpenQuestion::OpenQuestion(std::function<void()> close) : m_copy(ProgramCopy::current()), m_close(std::move(close)) {
+    waiting->open.push_back(this);
+}
+
+OpenQuestion::~OpenQuestion() {
+    const ProgramCopy::Scope scope(m_copy);
+    std::erase(waiting->open, this);
+}
+
+void closeQuestions() {
+    waiting->isClosed = true;
+    const auto open = waiting->open;
+    for (auto each = open.rbegin(); each != open.rend(); ++each)
+        (*each)->close();
+}
 
 } // namespace window

@@ -97,6 +97,15 @@ Answer msgBox(const QString &text, Buttons buttons, Icon icon, const QString &ti
 /// Shows a sheet and gives the name of the button pressed, empty when it was closed otherwise.
 QString showSheet(Sheet &sheet);
 
+/// How the questions of this copy are asked: called with what asks, which it calls once. Empty is just that. What it
+/// throws afterwards reaches whoever asked.
+extern ProcessLocal<std::function<void(const std::function<void()> &ask)>> aroundQuestion;
+
+/// Closes the questions of this copy that wait for a person: a message with its cautious answer, a sheet as if it were
+/// closed. Nobody is shown a question of this copy afterwards; each gets its cautious answer at once and is written to
+/// standard error.
+void closeQuestions();
+
 /// Whether nobody is there to be asked.
 bool isUnattended();
 

@@ -2,6 +2,10 @@
 
 #include "core/phrases.h"
 #include "core/process.h"
+#include "outlook/safeutils.h"
+#include "platform/scripting/components.h"
+#include "reference/settings.h"
+#include "support/fakeobject.h"
 #include "support/helpdesk.h"
 
 #include <QFile>
@@ -57,6 +61,21 @@ TEST_P(NewTicketRun, MakesATicketOfTheOneSelectedMailAndEnds) {
 // Without folders braces mean nothing.
 INSTANTIATE_TEST_SUITE_P(Mails, NewTicketRun, testing::Values(NewMail{false, "Re: {9}"}, NewMail{true, "new"}));
 
+TEST_F(TicketRun, SpeaksTheHelpdesksLanguageAndRepairsForms) {
+    writtenFile(path("OrvelleSettings"), "3");
+    put(tickets(), "IPM.Post.Odd", "odd");
+    deliver({});
+    select(1);
+    QString question;
+    withDatabase([&] {
+        LoadLanguages(3);
+        question = LNGTICKETCREATEDOPENNOW;
+    });
+    ASSERT_NE(question, m_openNow);
+    EXPECT_FALSE(startExpecting(question, window::No).run.alive());
+    EXPECT_EQ(tickets().Items().Item(1).MessageClass(), "IPM.Post.HelpDesk.Ticket.8");
+}
+
 TEST_F(TicketRun, DoesNothingWithNoneOrTwoSelected) {
     deliver({.subject = "one"});
     deliver({.subject = "two"});
@@ -91,11 +110,29 @@ TEST_F(TicketRun, OnYesOpensTheTicketBesideAnExplorerOnTheFolder) {
 TEST_F(TicketRun, OnYesWithoutOneItOpensOneAttachesAndStays) {
     deliver({.subject = "selected"});
     select(1);
-    auto &copy = startExpecting(m_openNow, window::Yes);
+    const auto questions = countQuestions();
+    auto &copy = newCopy("Ticket");
+    copy.answers.expectDuring(
+        m_openNow, [this] { setSetting("KBPath", "changed meanwhile"); }, window::Yes);
+    copy.run.start();
     EXPECT_TRUE(copy.run.alive());
+    EXPECT_EQ(questions->mid(questions->indexOf("Explorers.Add()") + 1, 3),
+              (QStringList{"Explorer.Display()", "Explorer.WindowState=", "Explorer.Activate()"}));
+    copy.in([] {
+        EXPECT_EQ(objSettings->OtherSettings->GetValue("KBPath", settingtype::text), Value("changed meanwhile"));
+        int made = 0;
+        scripting::components->add("SafeTessmark.MAPIUtils", [&made] {
+            ++made;
+            return std::make_shared<support::FakeObject>("MAPIUtils");
+        });
+        EXPECT_TRUE(fncSetupSafeUtils());
+        EXPECT_EQ(made, 1) << "the library was let go";
+    });
     ASSERT_EQ(app().Explorers().Count(), 2);
     const host::Explorer opened = app().Explorers().Item(2);
     EXPECT_TRUE(opened.CurrentFolder() == tickets());
+    EXPECT_EQ(opened.get("WindowState"), Value(0));
+    EXPECT_TRUE(app().ActiveExplorer() == opened);
     EXPECT_EQ(opened.CommandBars().Count(), 1);
     EXPECT_EQ(app().Inspectors().Count(), 1);
     opened.Close();

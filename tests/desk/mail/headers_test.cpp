@@ -114,6 +114,35 @@ TEST(Headers, WithoutFromTheSenderIsTheWriter) {
     EXPECT_TRUE(withHeader("From: a@x\r\nSender: a@x").sender.isEmpty());
 }
 
+struct WriterCase {
+    const char *name;
+    QByteArray header;
+    Address from;
+};
+
+class Writers : public testing::TestWithParam<WriterCase> {};
+
+TEST_P(Writers, CanBeAnswered) { EXPECT_EQ(withHeader(GetParam().header).from, GetParam().from); }
+
+const QByteArray all = "\r\nReturn-Path: <d@x>\r\nReply-To: Cleo <c@x>\r\nSender: Bob <b@x>";
+
+const WriterCase writers[] = {
+    {"From", "From: Ann <a@x>" + all, {"Ann", "a@x"}},
+    {"SecondInFrom", "From: Ann, Ann Lee <a@x>" + all, {"Ann Lee", "a@x"}},
+    {"SecondFrom", "From: Ann\r\nFrom: Ann Lee <a@x>" + all, {"Ann Lee", "a@x"}},
+    {"FromWithoutDomain", "From: Ann <ann>" + all, {"Bob", "b@x"}},
+    {"FromWithHalfAnAddress", "From: Ann <ann@>" + all, {"Bob", "b@x"}},
+    {"FromTooLong", "From: Ann <" + QByteArray(400, 'a') + "@x>" + all, {"Bob", "b@x"}},
+    {"Sender", "From: Ann" + all, {"Bob", "b@x"}},
+    {"SenderWithoutFrom", all.sliced(2), {"Bob", "b@x"}},
+    {"ReplyTo", "From: Ann\r\nReturn-Path: <d@x>\r\nReply-To: nobody, Cleo <c@x>", {"Cleo", "c@x"}},
+    {"ReturnPath", "From: Ann\r\nReturn-Path: <d@x>\r\nReply-To: Cleo", {"", "d@x"}},
+    {"NobodyCanBeAnswered", "From: Ann <ann>\r\nReturn-Path: <>\r\nSender: Bob", {"Ann", "ann"}},
+    {"OnlyASendersName", "Return-Path: <>\r\nSender: Bob", {"Bob", ""}},
+    {"Directory", "From: Ann </o=Example/cn=ann>" + all, {"Ann", "/o=Example/cn=ann"}},
+};
+INSTANTIATE_TEST_SUITE_P(All, Writers, testing::ValuesIn(writers), nameOfCase);
+
 struct DateCase {
     const char *name;
     QByteArray value;
@@ -178,6 +207,7 @@ TEST(Headers, Identifiers) {
     EXPECT_EQ(message.inReplyTo, QStringList("two@x"));
     EXPECT_EQ(message.references, (QStringList{"three@x", "four@x", "five@x"}));
     EXPECT_EQ(withHeader("Message-ID: no-brackets@x").messageId, "no-brackets@x");
+    EXPECT_EQ(withHeader("References: <" + QByteArray(1000, 'x') + "@x> <a@x>").references, QStringList("a@x"));
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <QElapsedTimer>
 
+#include <sys/resource.h>
+
 using namespace desk;
 
 namespace {
@@ -245,6 +247,104 @@ const HostileCase hostile[] = {
     {"OpenScripts", [] { return repeated("Content-Type: text/html\n\n", "<script><!--&&&", 200'000); }},
 };
 INSTANTIATE_TEST_SUITE_P(All, Hostile, testing::ValuesIn(hostile), nameOfCase);
+
+/// What a step adds to the most memory that this process had at any time, in bytes.
+template <class Step>
+qint64 memoryOf(const Step &step) {
+    const auto peak = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return qint64{usage.ru_maxrss} * 1024;
+    };
+    const qint64 before = peak();
+    step();
+    return peak() - before;
+}
+
+struct LargeCase {
+    const char *name;
+    std::function<QByteArray(qsizetype)> message;
+};
+
+class Large : public testing::TestWithParam<LargeCase> {};
+
+// A process of its own for each, since a peak is never forgotten. The text itself is there before.
+TEST_P(Large, CostsLittleMoreThanItself) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer keeps what was freed";
+#endif
+    constexpr qsizetype size = qsizetype{128} * 1024 * 1024;
+    const auto run = [] {
+        const QByteArray bytes = GetParam().message(size);
+        const qint64 used = memoryOf([&] { static_cast<void>(parseMessage(bytes).bodyText()); });
+        std::fprintf(stderr, "%lld MB\n", static_cast<long long>(used >> 20));
+        std::_Exit(used < size + size / 2 ? 0 : 1);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "");
+}
+
+const QByteArray line = "The quick brown fox jumps over the lazy dog.\r\n";
+
+const LargeCase large[] = {
+    {"Text", [](qsizetype size) { return part("text/plain", line.repeated(size / line.size())); }},
+    {"UnmarkedText", [](qsizetype size) { return part("text/plain", "\xE4\r\n" + line.repeated(size / line.size())); }},
+    {"Html", [](qsizetype size) { return part("text/html", line.repeated(size / line.size())); }},
+    {"OneLine", [](qsizetype size) { return part("text/plain", QByteArray(size, 'x')); }},
+    {"NoHeader", [](qsizetype size) { return line.repeated(size / line.size()); }},
+    {"Base64",
+     [](qsizetype size) {
+         const QByteArray encodedLine = line.toBase64() + "\r\n";
+         return "Content-Type: text/plain\n" + encoded("base64", encodedLine.repeated(size / encodedLine.size()));
+     }},
+    {"Attachment",
+     [](qsizetype size) {
+         const QByteArray encodedLine = line.toBase64() + "\n";
+         return mixed(
+             {plain, "Content-Type: image/png\n" + encoded("base64", encodedLine.repeated(size / encodedLine.size()))});
+     }},
+    {"Subject", [](qsizetype size) { return "Subject: " + QByteArray(size, 'x') + "\n\nbody"; }},
+    {"People",
+     [](qsizetype size) { return "To: " + QByteArray("Some Body <a@b>, ").repeated(size / 17) + "\n\nbody"; }},
+    {"Headers",
+     [](qsizetype size) {
+         return QByteArray("To: " + QByteArray(100'000, 'x') + "\n").repeated(size / 100'000) + "\n";
+     }},
+    {"NulHeader", [](qsizetype size) { return "Subject: " + QByteArray(size, '\0') + "\n\nbody"; }},
+};
+INSTANTIATE_TEST_SUITE_P(All, Large, testing::ValuesIn(large), nameOfCase);
+
+// What is too long is cut at a line's end and says so; what stands behind it is still read.
+TEST(Limits, LongBodiesSayThatTheyGoOn) {
+    const QByteArray first = QByteArray("0123456789abcde\n").repeated((16 << 20) / 16 - 1) + "last line\n";
+    const QByteArray rest = QByteArray("too much\n").repeated(100);
+    const QString notice =
+        "[The text goes on and is too long to be shown. Save this message as a file to read all of it.]";
+    for (const QByteArray &encoding : {QByteArray("8bit"), QByteArray("base64")}) {
+        const QByteArray text = encoding == "8bit" ? first + rest : (first + rest).toBase64();
+        const Message message = parseMessage(mixed({encoded(encoding, text), plain, image}));
+        EXPECT_EQ(message.text.last(11 + notice.size() + 2), "last line\r\n" + notice + "\r\n") << encoding.data();
+        EXPECT_EQ(message.attachments.size(), 1);
+    }
+    EXPECT_FALSE(parseMessage(part("text/plain", first)).text.contains(notice));
+    const Message page = parseMessage(part("text/html", "<body>" + first + rest + "</body>"));
+    EXPECT_TRUE(page.html.endsWith("<p>" + notice + "</p>"));
+    EXPECT_TRUE(page.bodyText().endsWith(notice + "\r\n"));
+}
+
+TEST(Limits, LongFieldsAreCutAndTheOthersRead) {
+    const QByteArray head = "From: a@b\nSubject: x" + QByteArray(3 << 20, 'y') + "\n" + QByteArray(" z").repeated(100) +
+                            "\nX-Other: " + QByteArray(1 << 20, 'x') + "\n folded" + "\nTo: c@d\n";
+    const Message message = parseMessage(head + "\nbody\n");
+    EXPECT_EQ(message.from.address, "a@b");
+    EXPECT_TRUE(message.subject.startsWith("xyy"));
+    EXPECT_EQ(message.to.value(0).address, "c@d");
+    EXPECT_EQ(message.text, "body\r\n");
+    // A text whose lines look like fields behind a line that looks like a boundary is all there.
+    const QByteArray text = "--\nlog: " + QByteArray(3 << 20, 'x') + "\nend\n";
+    EXPECT_EQ(parseMessage("Subject: x\n\n" + text).text, QString(text).replace("\n", "\r\n"));
+    const Message stray = parseMessage("X: " + QByteArray(3 << 20, 'x') + "\nhello there\nyou\n");
+    EXPECT_EQ(stray.text, "hello there\r\nyou\r\n");
+}
 
 TEST(Limits, PartsBeyondTheLastAreKeptUnread) {
     const QByteArray parts = QByteArray("--b\r\nContent-Type: image/png\r\n\r\nx\r\n").repeated(2100) +

@@ -5,7 +5,10 @@
 #include "support/steps.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QTemporaryDir>
+
+#include <sys/stat.h>
 
 using namespace desk;
 
@@ -75,6 +78,31 @@ TEST_F(Sources, NothingThere) {
     EXPECT_EQ(failureOf([&] { MessageSource::open(path("none")); }), failures::fileNotFound);
     write("empty/notes.txt", "no mail");
     EXPECT_EQ(failureOf([&] { MessageSource::open(path("empty")); }), failures::fileNotFound);
+}
+
+/// Nobody writes to the pipe: whoever opened it would wait for ever.
+TEST_F(Sources, WhatIsNoFileIsRefusedAndPassedOverInAFolder) {
+    const auto pipe = [&](const QString &name) {
+        EXPECT_EQ(::mkfifo(path(name).toUtf8().constData(), 0600), 0);
+        return path(name);
+    };
+    for (const QString &special : {pipe("pipe"), pipe("pipe.eml"), QStringLiteral("/dev/zero")})
+        EXPECT_EQ(failureOf([&] { MessageSource::open(special); }), failures::permissionDenied);
+    for (const QString &folder : {QStringLiteral("folder"), QStringLiteral("maildir/new")}) {
+        write(folder + "/a.eml", "first");
+        write(folder + "/c.eml", "last");
+        pipe(folder + "/b.eml");
+        QFile::link("/nowhere", path(folder + "/gone.eml"));
+    }
+    QDir(path()).mkpath("maildir/cur");
+    for (const QString &folder : {QStringLiteral("folder"), QStringLiteral("maildir")}) {
+        const QList<SourceMessage> messages = readAll(path(folder));
+        ASSERT_EQ(messages.size(), 3) << folder.toStdString();
+        EXPECT_EQ(messages[0].bytes, "first");
+        EXPECT_TRUE(messages[1].name.endsWith(u"b.eml"));
+        EXPECT_TRUE(messages[1].error.contains(u"pipe"));
+        EXPECT_EQ(messages[2].bytes, "last");
+    }
 }
 
 struct MboxCase {

@@ -85,6 +85,8 @@ const NameCase names[] = {
     {"Missing", "", "image/png", "attachment.png"},
     {"MissingUnknown", "", "application/x-other", "attachment.dat"},
     {"Long", QString(300, u'x') + ".docx", "text/plain", QString(195, u'x') + ".docx"},
+    {"LongInBytes", QString(300, u'字') + ".docx", "text/plain", QString(78, u'字') + ".docx"},
+    {"LongWithMarks", QString("e\u0301").repeated(150), "text/plain", QString("e\u0301").repeated(80)},
     {"EndsInSlash", "a/", "text/plain", "attachment.txt"},
 };
 INSTANTIATE_TEST_SUITE_P(All, FileNames, testing::ValuesIn(names), nameOfCase);

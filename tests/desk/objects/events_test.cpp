@@ -14,7 +14,7 @@ class EventsTest : public DeskTest {
     void deliverFromElsewhere(const QString &subject) const {
         const auto other = desk::Session::open(desk::Profile(options()));
         const desk::FolderRecord inbox = other->specialFolder(desk::SpecialFolder::Inbox);
-        desk::deliver(other->mailbox(), inbox.id, "Subject: " + subject.toUtf8() + "\r\n\r\nText\r\n");
+        desk::deliver(*other, {&other->mailbox(), inbox}, "Subject: " + subject.toUtf8() + "\r\n\r\nText\r\n");
     }
 };
 

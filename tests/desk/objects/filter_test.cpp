@@ -70,6 +70,13 @@ TEST_F(FilterTest, FindsWhatMeetsEveryCondition) {
         {"[Done] = False", "2 3 4"},
         {"[Due] > '2026-03-11'", "2"},
         {"[MessageClass] = 'IPM.Post.Form' and [Minutes] = 0", "4"},
+        {"[Ticket ID] > 12", "2 4"},
+        {"[Ticket ID] >= 13 and [Ticket ID] <= 100", "2"},
+        {"[Ticket ID] > 9 and [Subject] = 'Printer'", "1 4"},
+        {"[Ticket ID] <> 12", "2 3 4"},
+        {"[Caller name] > 1", ""},
+        {"[Minutes] > 9.5 and [Minutes] >= 12", "3"},
+        {"[Missing] > -1", ""},
         {"[Missing] = 'x'", ""},
         {"[Missing] = ''", "1 2 3 4"},
     };

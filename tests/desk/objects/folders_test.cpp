@@ -48,6 +48,31 @@ TEST_F(FoldersTest, AFolderIsFoundByItsExactNameAlone) {
     EXPECT_EQ(folders.of("Item", {"Support"}).text("FolderPath"), "\\\\Public Folders\\Support");
 }
 
+TEST_F(FoldersTest, AreFoundByNumbersInTheirNamesAndWalkedAsTheyWereAtFirst) {
+    const Handle folders = session().of("Folders", {2}).of("Folders");
+    for (const char *name : {"9", "Customers", "12", "100", "12.5", "7 8", "1e2x"})
+        folders.call("Add", {name});
+    const std::pair<const char *, const char *> cases[] = {
+        {"[Name] > 9", "12"},        {"[Name] >= 9", "9"},      {"[name] > 12 and [Name] < 100", "12.5"},
+        {"[Name] > 100", ""},        {"[Name] = '7 8'", "7 8"}, {"[Name] < 5", ""},
+        {"[Name] <> 9", "Customers"}};
+    for (const auto &[filter, expected] : cases) {
+        const Handle found = folders.of("Find", {filter});
+        EXPECT_EQ(found.isNothing() ? QString() : found.text("Name"), expected) << filter;
+    }
+    EXPECT_EQ(folders.of("Find", {"[Name] > 9"}).text("Name"), "12");
+    EXPECT_EQ(folders.of("FindNext").text("Name"), "100");
+    EXPECT_EQ(folders.of("FindNext").text("Name"), "12.5");
+    EXPECT_TRUE(folders.of("FindNext").isNothing());
+    EXPECT_EQ(failureOf([&] { folders.call("Find", {"[Subject] = 'x'"}); }), failures::automation(0x80020009));
+    QStringList names;
+    for (Handle each = folders.of("GetFirst"); !each.isNothing(); each = folders.of("GetNext")) {
+        names << each.text("Name");
+        each.call("Delete");
+    }
+    EXPECT_EQ(names, (QStringList{"9", "Customers", "12", "100", "12.5", "7 8", "1e2x"}));
+}
+
 TEST_F(FoldersTest, IdentifiersLeadBackToTheFolder) {
     const Handle made = publicFolder("Helpdesk");
     const QString entryId = made.text("EntryID");

@@ -18,7 +18,7 @@ class MailTest : public DeskTest {
     Handle delivered(const QByteArray &message) const {
         desk::Session &session_ = m_desk->session();
         const desk::FolderRecord inbox = session_.specialFolder(desk::SpecialFolder::Inbox);
-        desk::deliver(session_.mailbox(), inbox.id, message);
+        desk::deliver(session_, {&session_.mailbox(), inbox}, message);
         return folder(6).of("Items").of("GetLast");
     }
     [[nodiscard]] QStringList outgoing() const {
@@ -89,6 +89,66 @@ TEST_F(MailTest, AttachmentsComeOutUnderSafeNames) {
     EXPECT_EQ(attachments.of("Item", {1}).text("DisplayName"), "../../etc/passwd");
     EXPECT_EQ(failureOf([&] { attachments.of("Item", {1}).call("SaveAsFile", {"/nowhere/at/all"}); }),
               failures::pathNotFound);
+}
+
+// The names are made for a folder: no path, no more than a file system takes.
+TEST_F(MailTest, EmbeddedMessagesAreCalledAfterTheirSubjects) {
+    const struct {
+        QByteArray subject;
+        QString displayName;
+        QString fileName;
+    } cases[] = {
+        {"Printer on fire", "Printer on fire", "Printer on fire.eml"},
+        {"=?utf-8?Q?=C3=84rger?= with v1.2", "Ärger with v1.2", "Ärger with v1.2.eml"},
+        {"Re: TCP/IP is down", "Re_ TCP_IP is down", "Re_ TCP_IP is down.eml"},
+        {"..\\..\\etc/passwd", "_.._etc_passwd", "_.._etc_passwd.eml"},
+        {"con", "_con", "_con.eml"},
+        {"", "message.eml", "message.eml"},
+        {"...", "message.eml", "message.eml"},
+        {QByteArray(300'000, 'x'), QString(195, u'x') + "…", QString(195, u'x') + "….eml"},
+    };
+    for (const auto &[subject, displayName, fileName] : cases) {
+        const QByteArray type = "Content-Type: message/rfc822\r\n\r\n";
+        const Handle attachment =
+            delivered("Content-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\n\r\nSee\r\n--x\r\n" + type +
+                      "Subject: " + subject + "\r\n\r\nInner\r\n--x--\r\n")
+                .of("Attachments")
+                .of("Item", {1});
+        EXPECT_EQ(attachment.text("DisplayName"), displayName);
+        EXPECT_EQ(attachment.text("FileName"), fileName);
+        EXPECT_EQ(attachment.number("Type"), 5);
+    }
+}
+
+// One mail can't fill the lists of everybody; the message as it came keeps all it said.
+TEST_F(MailTest, LongHeadersAreBounded) {
+    const QByteArray longText(250'000, 'x');
+    const QByteArray message = "From: " + longText + " <bo@example.org>\r\nReply-To: " + longText + "@example.org\r\n" +
+                               "To: " + QByteArray("Somebody <a@example.org>, ").repeated(20'000) +
+                               "\r\nCc: " + longText + "\r\nSubject: Re: " + longText + " {12}\r\nMessage-ID: <" +
+                               longText + "@x>\r\nReferences: " + QByteArray("<a@x> ").repeated(10'000) +
+                               "\r\nContent-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\n\r\nText\r\n--x\r\n"
+                               "Content-Type: image/png; name=\"" +
+                               longText + ".png\"\r\nContent-ID: <" + longText + "@x>\r\n\r\npicture\r\n--x--\r\n";
+    const Handle mail = delivered(message);
+    EXPECT_EQ(mail.text("Subject").size(), 1000);
+    EXPECT_TRUE(mail.text("Subject").endsWith(" {12}"));
+    EXPECT_EQ(mail.text("SenderEmailAddress"), "bo@example.org");
+    const std::pair<const char *, qsizetype> limits[] = {
+        {"SenderName", 255}, {"SentOnBehalfOfName", 255}, {"ReplyRecipientNames", 255}, {"To", 65'536}, {"CC", 255}};
+    for (const auto &[member, limit] : limits) {
+        EXPECT_LE(mail.text(member).size(), limit) << member;
+        EXPECT_GT(mail.text(member).size(), 100) << member;
+    }
+    const Handle picture = mail.of("Attachments").of("Item", {1});
+    EXPECT_LE(picture.text("DisplayName").size(), 255);
+    EXPECT_TRUE(picture.text("DisplayName").endsWith(".png"));
+    const auto stored = m_desk->session().mailbox().itemByEntryId(mail.text("EntryID"));
+    ASSERT_TRUE(stored);
+    EXPECT_TRUE(stored->messageId.isEmpty());
+    EXPECT_LT(stored->references.size(), 1000);
+    mail.call("SaveAs", {file("copy.msg"), 3});
+    EXPECT_EQ(contentOf(file("copy.msg")), message);
 }
 
 /// What somebody sees of a mail who opens it.
@@ -337,6 +397,34 @@ TEST_F(MailTest, TheAddressBookLeadsToFoldersAndContacts) {
     const QString contactId = entry.text("ID").right(54).left(48);
     EXPECT_EQ(contactId, made.text("EntryID"));
     EXPECT_EQ(session().of("GetItemFromID", {contactId}).text("FullName"), "Bo Other");
+}
+
+/// A helpdesk has tens of thousands of folders, and another process may make a contacts folder among them at any time.
+TEST_F(MailTest, ContactsFoldersAreKnownWhereverTheyAreAndAsSoonAsAnybodyMakesThem) {
+    const auto listed = [&] {
+        QStringList paths;
+        const Handle lists = session().of("AddressLists");
+        for (int i = 1; i <= lists.number("Count"); ++i)
+            paths += session().of("GetFolderFromID", {lists.of("Item", {i}).text("ID").right(48)}).text("FolderPath");
+        return paths;
+    };
+    const QString own = folder(10).text("FolderPath");
+    EXPECT_EQ(listed(), QStringList{own});
+    desk::Store other(file("public.store"));
+    desk::FolderRecord place = other.root();
+    for (const char *name : {"Helpdesk", "12", "Customers"})
+        place = other.addFolder({.parent = place.id, .name = name, .defaultItemType = 6});
+    EXPECT_EQ(listed(), QStringList{own});
+    const desk::FolderRecord people = other.addFolder({.parent = place.id, .name = "People", .defaultItemType = 2});
+    EXPECT_EQ(listed(), (QStringList{own, "\\\\Public Folders\\Helpdesk\\12\\Customers\\People"}));
+    other.moveFolder(people.id, other.root().id);
+    EXPECT_EQ(listed(), (QStringList{own, "\\\\Public Folders\\People"}));
+    other.removeFolder(people.id);
+    EXPECT_EQ(listed(), QStringList{own});
+    const Handle friends = folder(10).of("Folders").of("Add", {"Friends"});
+    EXPECT_EQ(listed(), (QStringList{own, own + "\\Friends"}));
+    friends.call("Delete");
+    EXPECT_EQ(listed(), QStringList{own});
 }
 
 TEST_F(MailTest, RecipientsAreResolved) {

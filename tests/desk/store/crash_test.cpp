@@ -74,6 +74,41 @@ TEST_F(CrashTest, ASaveIsWholeOrNotThereAndAReportedOneIsThere) {
     }
 }
 
+/// First starts, several at once, each killed at some moment: what is there under the store's name is always a store,
+/// and the next start makes one or takes it.
+TEST_F(CrashTest, AStoreIsMadeWholeOrNotAtAll) {
+    int unfinished = 0;
+    int made = 0;
+    for (int round = 0; round < 150; ++round) {
+        const QString name = QStringLiteral("new%1").arg(round);
+        const auto start = [&](int) {
+            static_cast<void>(open(name));
+            return 0;
+        };
+        {
+            Child first(start);
+            Child second(start);
+            std::this_thread::sleep_for(std::chrono::microseconds(below(7000)));
+            first.kill();
+            std::this_thread::sleep_for(std::chrono::microseconds(below(1500)));
+            second.kill();
+        }
+        unfinished += QFile::exists(path(name + ".unfinished")) ? 1 : 0;
+        QString id;
+        if (QFile::exists(path(name))) {
+            ++made;
+            id = Store(path(name), {.create = false}).storeId();
+        }
+        const auto store = open(name);
+        EXPECT_TRUE(id.isEmpty() || id == store->storeId());
+        folderNamed(*store, "Inbox");
+        EXPECT_FALSE(id.isEmpty() && QFile::exists(path(name + ".unfinished")));
+    }
+    // Otherwise the kills fell before or behind everything, and the rounds showed nothing.
+    EXPECT_GT(unfinished, 0);
+    EXPECT_GT(made, 0);
+}
+
 /// Items that are moved, copied and deleted in one store: a copy is named by its item and removed before the next.
 TEST_F(CrashTest, AnItemIsAlwaysInOneFolder) {
     constexpr int items = 12;

@@ -7,6 +7,7 @@
 
 #include <random>
 
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -59,9 +60,36 @@ TEST_F(DamageTest, AMissingFileIsMadeOnlyWhenAsked) {
     EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), failures::notFound);
     EXPECT_FALSE(QFile::exists(path()));
     EXPECT_EQ(failureOf([&] { const Store store(path("none/x.store")); }), failures::accessDenied);
-    writtenFile(path(), {});
     EXPECT_EQ(open()->root().parent, 0);
     EXPECT_EQ(failureOf([&] { const Store store(path(), {.create = false}); }), 0);
+}
+
+/// The engine itself would begin anew over these, and delete the log.
+TEST_F(DamageTest, WhatIsLeftOfAStoreIsNotWrittenOver) {
+    makeStore(1);
+    const QByteArray good = contentOf(path());
+    struct Case {
+        const char *name;
+        std::optional<QByteArray> content;
+        const char *reason;
+    };
+    const Case cases[] = {{"empty", QByteArray(), "it is empty"},
+                          {"cut", good.left(100), "it is too short"},
+                          {"gone", std::nullopt, "is missing, but the log"}};
+    for (const Case &each : cases) {
+        SCOPED_TRACE(each.name);
+        const QString file = path(QString::fromLatin1(each.name));
+        if (each.content)
+            writtenFile(file, *each.content);
+        writtenFile(file + "-wal", good);
+        expectFailure([&] { const Store store(file); }, failures::unspecified, {file, each.reason});
+        EXPECT_EQ(contentOf(file), each.content.value_or("(no file)"));
+        EXPECT_EQ(contentOf(file + "-wal"), good);
+    }
+    expectFailure([&] { const Store store(path(QString())); }, failures::unspecified, {"it is no file"});
+    // A log without a byte in it is nobody's.
+    writtenFile(path("fresh-wal"), {});
+    EXPECT_EQ(failureOf([&] { const Store store(path("fresh")); }), 0);
 }
 
 /// Any bytes may stand in a damaged file; what is asked of it ends in an answer or a failure.
@@ -118,6 +146,39 @@ TEST_F(DamageTest, AFullDiskFailsTheSaveAndKeepsWhatStands) {
     EXPECT_TRUE(partsOf(*store, store->nth(inbox, 1).value().id) == everyPart("0"));
 }
 
+/// While little is left on the disk, what was begun can still be taken back.
+TEST_F(DamageTest, OnAnAlmostFullDiskItemsShrinkAndGoButDoNotComeOrGrow) {
+    const QByteArray disk = QFile::encodeName(path("disk"));
+    ASSERT_EQ(::mkdir(disk.constData(), 0700), 0);
+    if (::mount("tmpfs", disk.constData(), "tmpfs", 0, "size=12m") != 0)
+        GTEST_SKIP() << "no disk of a size of its own can be had here";
+    {
+        const auto store = open("disk/x.store");
+        const FolderId root = store->root().id;
+        ItemRecord item = store->insert(root, withSubject("item"));
+        const auto leave = [&](qint64 kilobytes) {
+            QFile filler(path("disk/filler"));
+            EXPECT_TRUE(filler.open(QIODevice::WriteOnly | QIODevice::Append));
+            const qint64 room = storage::roomFor(path("disk/filler")).value();
+            filler.write(QByteArray(room - kilobytes * 1024, 'x'));
+        };
+        leave(3000);
+        expectFailure([&] { store->insert(root, withSubject("new")); }, failures::noDiskSpace, {"disk is full"});
+        EXPECT_EQ(failureOf([&] { store->copy(item.id); }), failures::noDiskSpace);
+        item.billingInformation = "Working...";
+        item = store->save(item);
+        leave(600);
+        ItemRecord larger = item;
+        larger.subject = "a longer subject";
+        EXPECT_EQ(failureOf([&] { store->save(larger); }), failures::noDiskSpace);
+        EXPECT_EQ(failureOf([&] { store->save(item, everyPart("x")); }), failures::noDiskSpace);
+        item.billingInformation.clear();
+        EXPECT_EQ(failureOf([&] { item = store->save(item); }), 0);
+        EXPECT_EQ(failureOf([&] { store->remove(item); }), 0);
+    }
+    EXPECT_EQ(::umount(disk.constData()), 0);
+}
+
 TEST_F(DamageTest, AReadOnlyFileOrFolderDeniesTheWrite) {
     makeStore(1);
     const QByteArray folder = QFile::encodeName(path(QString()));
@@ -125,9 +186,22 @@ TEST_F(DamageTest, AReadOnlyFileOrFolderDeniesTheWrite) {
     ASSERT_EQ(::chmod(QFile::encodeName(path()).constData(), 0444), 0);
     Child closed([&](int) {
         becomeNobody();
-        return failureOf([&] { const Store store(path()); }) == failures::accessDenied ? 0 : 1;
+        const auto failure = Attempt([&] { const Store store(path()); });
+        return failure && failure->number() == failures::accessDenied && failure->description().contains("read-only")
+                   ? 0
+                   : 1;
     });
     EXPECT_EQ(closed.wait(), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(path()).constData(), 0644), 0);
+    Child without([&](int) {
+        becomeNobody();
+        const auto failure = Attempt([&] { const Store store(path()); });
+        return failure && failure->number() == failures::accessDenied && failure->description().contains("no right")
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(without.wait(), 0);
+    ASSERT_EQ(::chmod(QFile::encodeName(path()).constData(), 0444), 0);
     ASSERT_EQ(::chmod(folder.constData(), 0777), 0);
     Child writer([&](int) {
         becomeNobody();

@@ -148,6 +148,7 @@ TEST_F(FindTest, EveryIndexedLookUpUsesItsIndexAndSortsNothing) {
         {{subject, status, {"ID", "7"}}, "properties_by_value"},
         {{{"ID", ""}, {Field::SenderName, "x"}}, "items_by_sender_name"},
         {{}, "items_by_arrival"},
+        {{{"ID", 250.0, Condition::Kind::MayReach}, subject}, "items_by_subject"},
     };
     for (const Case &each : cases) {
         const Search search(connection, m_folder, each.conditions, 5);
@@ -159,6 +160,12 @@ TEST_F(FindTest, EveryIndexedLookUpUsesItsIndexAndSortsNothing) {
         for (const QString &step : plan)
             EXPECT_FALSE(step.startsWith("SCAN") || step.contains("TEMP B-TREE")) << plan.join(u'\n').toStdString();
     }
+    // A number to be reached leads where nothing is looked up: the items are not gone through for it.
+    const Search reaching(connection, m_folder, {{"ID", 250.0, Condition::Kind::MayReach}}, 0);
+    QStringList plan;
+    connection.each("EXPLAIN QUERY PLAN " + reaching.sql(), reaching.binds(),
+                    [&plan](const Row &row) { plan << row.text(3); });
+    EXPECT_TRUE(plan.first().contains("COVERING INDEX properties_by_value")) << plan.join(u'\n').toStdString();
     // The condition with the fewest matches leads, wherever it stands in the list.
     const Search search(connection, m_folder, {status, {"ID", "7"}, subject}, 0);
     EXPECT_TRUE(

@@ -2,6 +2,9 @@
 
 #include "storefixture.h"
 
+#include "desk/store/connection.h"
+#include "desk/store/statements.h"
+
 #include <random>
 
 namespace desk {
@@ -88,6 +91,29 @@ TEST_F(FoldersTest, ARemovedFolderTakesAllBelowItAlong) {
         EXPECT_EQ(failureOf([&] { static_cast<void>(store->attachmentData(attachment)); }), failures::notFound);
     }
     EXPECT_EQ(failureOf([&] { m_store->removeFolder(m_root); }), failures::invalidCall);
+}
+
+/// Also in a store of before these look-ups had an index.
+TEST_F(FoldersTest, FewFoldersAreFoundAmongManyWithoutAWalk) {
+    const FolderRecord people = m_store->addFolder({.parent = m_root, .name = "People", .defaultItemType = 2});
+    m_store.reset();
+    for (const bool isOld : {false, true}) {
+        if (isOld) {
+            Connection before(path(), std::chrono::milliseconds(0));
+            before.once("DROP INDEX folders_by_special");
+            before.once("DROP INDEX folders_of_contacts");
+        }
+        EXPECT_EQ(open()->contactsFolders(), QList{people});
+        Connection connection(path(), std::chrono::milliseconds(0));
+        for (const std::string_view sql :
+             {sql::contactsFolders, sql::specialFolder, sql::folderByName, sql::rootFolder, sql::folder}) {
+            QStringList plan;
+            connection.each("EXPLAIN QUERY PLAN " + std::string(sql), {},
+                            [&plan](const Row &row) { plan << row.text(3); });
+            ASSERT_EQ(plan.size(), 1) << plan.join(u'\n').toStdString();
+            EXPECT_TRUE(plan.first().startsWith("SEARCH")) << plan.first().toStdString();
+        }
+    }
 }
 
 /// Positions asked for in every order, while two connections add and take away at both ends and in the middle.

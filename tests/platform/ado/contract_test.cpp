@@ -34,6 +34,33 @@ INSTANTIATE_TEST_SUITE_P(Engines, Contract,
                          ::testing::Values(EngineKind{"File", [] { return std::make_unique<FileEngine>(); }}),
                          [](const auto &each) { return each.param.name; });
 
+TEST_P(Contract, NumbersGoOnBehindARaisedOneWhoeverRaisesIt) {
+    const Ref<ado::Connection> other = m_engine->connect();
+    ado::Provider &mine = *m_connection->provider();
+    ado::Provider &theirs = *other->provider();
+    EXPECT_EQ(mine.lastNumber("tblAll"), 0);
+    EXPECT_TRUE(mine.raiseLastNumber("tblAll", 5));
+    addTexts({"six"});
+    EXPECT_FALSE(theirs.raiseLastNumber("TBLALL", 6));
+    EXPECT_FALSE(theirs.raiseLastNumber("tblAll", 2));
+    EXPECT_TRUE(theirs.raiseLastNumber("tblAll", 9));
+    EXPECT_EQ(mine.lastNumber("tblAll"), 9);
+    EXPECT_EQ(failureOf([&] { mine.raiseLastNumber("tblAll", 2147483647); }), failures::overflow);
+    addTexts({"ten"});
+    // A deleted row's number is not given again either.
+    const Ref<Recordset> set = open("SELECT * FROM tblAll ORDER BY intID");
+    EXPECT_EQ(set->Fields("intID").Value(), Value(qint32{6}));
+    set->MoveNext();
+    EXPECT_EQ(set->Fields("intID").Value(), Value(qint32{10}));
+    set->Delete();
+    EXPECT_EQ(mine.lastNumber("tblAll"), 10);
+    {
+        ado::Transaction undone(*m_connection);
+        EXPECT_TRUE(mine.raiseLastNumber("tblAll", 50));
+    }
+    EXPECT_EQ(theirs.lastNumber("tblAll"), 10);
+}
+
 struct TypeCase {
     const char *field;
     Value set;

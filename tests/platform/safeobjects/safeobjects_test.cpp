@@ -69,15 +69,4 @@ TEST_F(SafeObjects, SessionWideObjectsWorkOnTheSessionOfTheMoment) {
     EXPECT_EQ(books->call("Item", {1}).object(), list);
 }
 
-TEST_F(SafeObjects, RemovedComponentsCannotBeMade) {
-    for (const QString &progId : safeobjects::progIds()) {
-        SCOPED_TRACE(progId.toStdString());
-        EXPECT_EQ(failureOf([&] { scripting::CreateObject(progId); }), 0);
-        scripting::Components::setInstalled(progId, false);
-        EXPECT_EQ(failureOf([&] { scripting::CreateObject(progId); }), failures::cannotCreateObject);
-        scripting::Components::setInstalled(progId, true);
-        EXPECT_EQ(failureOf([&] { scripting::CreateObject(progId); }), 0);
-    }
-}
-
 } // namespace

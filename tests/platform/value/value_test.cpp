@@ -121,6 +121,38 @@ TEST(DateTimes, EveryRegionReadsWhatItWrites) {
     Region::set(std::nullopt);
 }
 
+TEST_F(Conversions, ADayThatIsNoMonthIsReadInTheOrderOfEveryRegion) {
+    const DateTime moment{DateTime::fromDate(2026, 4, 13).days + DateTime::fromTime(14, 5, 9).days};
+    const QList<QLocale> regions =
+        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyCountry);
+    for (const QLocale &writer : regions) {
+        const QString text = formatDateTime(moment, writer);
+        for (const char *reader : {"en_US", "de_DE", "sv_SE", "ja_JP", "ar_EG"}) {
+            const std::optional<DateTime> read = parseDateTime(text, QLocale(reader));
+            EXPECT_TRUE(read && std::abs(read->days - moment.days) < 1e-8)
+                << text.toStdString() << " of " << writer.name().toStdString() << " in " << reader;
+        }
+    }
+}
+
+TEST_F(Conversions, RegionsAreNamedByLanguageAndCountry) {
+    for (const char *name : {"de_DE", "de-DE", "EN_gb", "zh_Hant_TW", "sr-Latn-RS", "pt_BR"})
+        EXPECT_TRUE(Region::named(name)) << name;
+    EXPECT_EQ(Region::named("en-GB")->territory(), QLocale::UnitedKingdom);
+    for (const char *name : {"", "de", "C", "xx_XX", "de_", "_DE", "de_US", "german", "de_DE.UTF-8", "en_GB;x"})
+        EXPECT_FALSE(Region::named(name)) << name;
+}
+
+TEST_F(Conversions, ADateWithoutAYearIsInThatOfTheClock) {
+    Clock::set(DateTime::fromDate(1999, 12, 31));
+    for (const char *text : {"4 March", "March 4", "3/4"}) {
+        const std::optional<DateTime> read = parseDateTime(text);
+        ASSERT_TRUE(read) << text;
+        EXPECT_EQ(*read, DateTime::fromDate(1999, 3, 4)) << text;
+    }
+    Clock::release();
+}
+
 TEST(DateTimes, AnHourThatTheClockLeavesOutIsKept) {
     const support::EnvironmentValue zone("TZ", "Europe/Stockholm");
     const DateTime moment{DateTime::fromDate(2026, 3, 29).days + DateTime::fromTime(2, 30, 0).days};

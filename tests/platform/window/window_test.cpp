@@ -169,6 +169,20 @@ TEST_F(APerson, AnswersByClickOrByKey) {
     }
 }
 
+TEST_F(APerson, FindsTheQuestionInFrontOfTheOtherWindows) {
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    whileOpen([&] {
+        QWidget *box = QApplication::activeModalWidget();
+        EXPECT_TRUE(box->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        EXPECT_TRUE(QTest::qWaitForWindowActive(box));
+        click("cmdOK");
+    });
+    EXPECT_EQ(asker->ask({"Seen?", Buttons::OK, Icon::None, "Title", window::OK}), window::OK);
+}
+
 TEST_F(APerson, ReadsAnyTextWholeAndAsItStands) {
     const QScreen *screen = QGuiApplication::primaryScreen();
     const std::vector<std::pair<QString, bool>> cases = {

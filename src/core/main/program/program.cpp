@@ -22,8 +22,10 @@ QString profileFolder() {
 }
 
 int endPipe[2] = {-1, -1};
+volatile std::sig_atomic_t endSignalled = 0;
 
 void onEndSignal(int) {
+    endSignalled = 1;
     const char byte = 0;
     // A full pipe already holds what the event loop has to know.
     [[maybe_unused]] const auto written = ::write(endPipe[1], &byte, 1);
@@ -47,9 +49,11 @@ int runProgram(const QString &command) {
     // Those whose host has gone stay, since their handles may still be held.
     std::vector<std::unique_ptr<automation::Client>> clients;
     std::function<void()> hostGone;
+    const int endSignalEnd = openEndSignals();
     ProgramSetup setup;
     setup.strCommand = command;
     setup.instanceFile = profile + "/orvelle.lock";
+    setup.endSignalled = [] { return endSignalled != 0; };
     setup.host = [&] {
         if (clients.empty() || !clients.back()->isConnected())
             clients.push_back(automation::Client::connect(profile + "/desk.socket", [&] { hostGone(); }));
@@ -58,7 +62,7 @@ int runProgram(const QString &command) {
     ProgramRun run(std::move(setup), [] { QCoreApplication::exit(); });
     hostGone = [&] { run.hostGone(); };
 
-    QSocketNotifier endSignals(openEndSignals(), QSocketNotifier::Read);
+    QSocketNotifier endSignals(endSignalEnd, QSocketNotifier::Read);
     QObject::connect(&endSignals, &QSocketNotifier::activated, &endSignals, [&] {
         endSignals.setEnabled(false);
         run.quit();

@@ -1,0 +1,17 @@
+/// The command that lists, and finishes, what programs left behind that ended in the middle of their work.
+#pragma once
+
+#include <QStringList>
+
+#include <optional>
+
+namespace settings {
+
+/// The exit status when something is left.
+inline constexpr int leftoversRemain = 3;
+
+/// Runs the command with the arguments behind its name. Returns the exit status: 0 when nothing is left, 3 when
+/// something is, 1 for a failure; nothing for wrong usage.
+std::optional<int> runIntake(const QStringList &arguments);
+
+} // namespace settings
