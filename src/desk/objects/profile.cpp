@@ -26,12 +26,6 @@ QString addressFor(const QString &user) {
     return (local.isEmpty() ? QStringLiteral("user") : local) + QStringLiteral("@localhost");
 }
 
-/// A settings file that is made is made readable for everybody.
-void keepToOwner(const QString &file) {
-    if (QFileInfo::exists(file))
-        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
-}
-
 /// The value asked for, remembered; or the remembered one; or the default.
 QString settle(QSettings &settings, const QString &key, const QString &asked, const QString &otherwise) {
     const QString standing = settings.value(key).toString();
@@ -83,15 +77,15 @@ Profile::Profile(const DeskOptions &options) : m_folder(profileFolder(options)) 
     narrowProfile(m_folder);
     mendSettings(m_folder, options.publicFile);
 
-    QSettings settings(file("desk.ini"), QSettings::IniFormat);
     const QString login = qEnvironmentVariable("USER", QStringLiteral("User"));
-    m_user = settle(settings, QStringLiteral("user"), options.user.trimmed(), login);
+    const QString asked = options.user.trimmed();
+    makeSettings(file("desk.ini"), asked.isEmpty() ? login : asked);
+    QSettings settings(file("desk.ini"), QSettings::IniFormat);
+    m_user = settle(settings, QStringLiteral("user"), asked, login);
     m_address = settle(settings, QStringLiteral("address"), {}, addressFor(m_user));
     const QString publicFile =
         options.publicFile.isEmpty() ? QString() : QFileInfo(options.publicFile).absoluteFilePath();
     m_publicFile = settle(settings, QStringLiteral("public"), publicFile, file("public.store"));
-    settings.sync();
-    keepToOwner(settings.fileName());
 }
 
 QString Profile::rootName() const { return mailboxPrefix + m_user; }
@@ -105,11 +99,8 @@ QString Profile::openPath() const {
 }
 
 void Profile::setOpenPath(const QString &path) const {
-    {
-        QSettings settings(file("desk.ini"), QSettings::IniFormat);
-        settings.setValue(QStringLiteral("open"), path);
-    }
-    keepToOwner(file("desk.ini"));
+    QSettings settings(file("desk.ini"), QSettings::IniFormat);
+    settings.setValue(QStringLiteral("open"), path);
 }
 
 QString Profile::file(const char *name) const { return m_folder + u'/' + QString::fromLatin1(name); }

@@ -111,14 +111,14 @@ QString keep(const QString &path, const QByteArray &bytes) {
     }
 }
 
-void write(const QString &path, const QByteArray &bytes) {
+void write(const QString &path, const QByteArray &bytes, storage::Draft::Taken taken) {
     storage::Draft draft(path, std::chrono::seconds(5));
     QFile file(draft.path());
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
         throw Failure(failures::noDiskSpace,
                       QStringLiteral("The settings file %1 can't be written: %2.").arg(path, file.errorString()));
     file.close();
-    draft.publish(storage::Draft::Taken::Replace);
+    draft.publish(taken);
 }
 
 QString iniValue(const QString &text) {
@@ -136,6 +136,18 @@ QString ownerOfMailbox(const QString &mailboxFile) {
             return name.startsWith(mailboxPrefix) ? name.mid(mailboxPrefix.size()) : QString();
         },
         QString());
+}
+
+void makeSettings(const QString &path, const QString &user) {
+    if (QFileInfo::exists(path))
+        return;
+    try {
+        write(path, asFile({{general, {{QStringLiteral("user"), iniValue(user)}}}}), storage::Draft::Taken::Refuse);
+    } catch (const Failure &failure) {
+        // Another start was faster.
+        if (failure.number() != failures::fileExists)
+            throw;
+    }
 }
 
 void mendSettings(const QString &profileFolder, const QString &publicFile) {
@@ -166,7 +178,7 @@ void mendSettings(const QString &profileFolder, const QString &publicFile) {
     if (values.isEmpty())
         QFile::remove(path);
     else
-        write(path, asFile(values));
+        write(path, asFile(values), storage::Draft::Taken::Replace);
     qCritical("The settings file %s is damaged. It is kept as %s. What could still be read in it, and the name of the "
               "mailbox, went into a new one: %s. Name with --user and --public, once, what is missing.",
               qUtf8Printable(path), qUtf8Printable(kept), qUtf8Printable(named(values)));

@@ -5,6 +5,10 @@
 
 namespace desk {
 
+/// Makes the settings file with the person's name in it where there is none. It is never anybody else's to read, as one
+/// that the settings' own writer makes would be for a moment. Failures as `durable.h` says.
+void makeSettings(const QString &path, const QString &user);
+
 /// Sees to it that the settings can be read. A file that is no settings file (cut, emptied, overwritten) is kept as
 /// "desk.ini.damaged-N", said on standard error, and written anew with what can still be read in it and with the
 /// person's name from the mailbox. Fails with `unspecified`, and changes nothing, where it can't be told which file the
