@@ -1,17 +1,17 @@
 #include "helpdesk.h"
 
-#include "core/process.h"
-#include "core/runtime.h"
-#include "database/connection.h"
-#include "database/creation.h"
 #include "desk/objects/itemmessage.h"
 #include "desk/objects/mailrules.h"
 #include "desk/objects/session.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/database/creation.h"
+#include "orvelle/reference/settings.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
-#include "reference/settings.h"
 
 #include <sqlite3.h>
 

@@ -4,7 +4,7 @@
 
 #include "desk/objects/desk.h"
 #include "desk/store/store.h"
-#include "outlook/host/host.h"
+#include "orvelle/host/host.h"
 #include "wallog.h"
 
 #include <benchmark/benchmark.h>

@@ -4,8 +4,8 @@
 //
 // The three run in turn on the same mails. ORVELLE_BENCH_MAILS gives their number (default 200).
 
-#include "core/main/programrun.h"
 #include "helpdesk.h"
+#include "orvelle/program/programrun.h"
 #include "platform/registry/registry.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 // How many open times are calculated in a second, for tickets of an hour and of a century.
 
-#include "reference/opentime.h"
-#include "reference/settings.h"
+#include "orvelle/reference/opentime.h"
+#include "orvelle/reference/settings.h"
 
 #include <benchmark/benchmark.h>
 

@@ -3,13 +3,13 @@
 //
 // The database lies in the directory ORVELLE_BENCH_DIR (default: the current one).
 
-#include "core/process.h"
-#include "core/runtime.h"
-#include "database/connection.h"
-#include "database/creation.h"
 #include "desk/objects/desk.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/database/creation.h"
+#include "orvelle/reference/settings.h"
 #include "platform/registry/registry.h"
-#include "reference/settings.h"
 
 #include <QCoreApplication>
 #include <QSqlDatabase>

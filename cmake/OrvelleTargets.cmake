@@ -35,9 +35,9 @@ add_library(orvelle_pch OBJECT ${CMAKE_BINARY_DIR}/pch.cpp)
 target_link_libraries(orvelle_pch PRIVATE orvelle_options Qt6::Core)
 target_precompile_headers(orvelle_pch PRIVATE ${CMAKE_SOURCE_DIR}/cmake/pch.h)
 
-# orvelle_library(NAME [MOC] LINKS targets...): the folder's *.cpp as the static library NAME. Its folder's headers are
+# folder_library(NAME [MOC] LINKS targets...): the folder's *.cpp as the static library NAME. Its folder's headers are
 # included by their path below src/. MOC for folders whose classes have properties, invokable functions or signals.
-function(orvelle_library name)
+function(folder_library name)
   cmake_parse_arguments(ARG "MOC" "" "LINKS;SOURCES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *.cpp)
   file(GLOB headers CONFIGURE_DEPENDS *.h)
@@ -54,8 +54,8 @@ function(orvelle_library name)
   endif()
 endfunction()
 
-# orvelle_program(NAME LINKS targets...): the folder's *.cpp as the executable NAME.
-function(orvelle_program name)
+# folder_program(NAME LINKS targets...): the folder's *.cpp as the executable NAME.
+function(folder_program name)
   cmake_parse_arguments(ARG "MOC" "" "LINKS;SOURCES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE orvelle_options Qt6::Core ${ARG_LINKS})
@@ -65,8 +65,8 @@ function(orvelle_program name)
   endif()
 endfunction()
 
-# orvelle_test(NAME [MOC] LINKS targets...): the folder's *.cpp as one test executable, its cases known to CTest.
-function(orvelle_test name)
+# folder_test(NAME [MOC] LINKS targets...): the folder's *.cpp as one test executable, its cases known to CTest.
+function(folder_test name)
   cmake_parse_arguments(ARG "MOC" "" "LINKS" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
   if(NOT sources)

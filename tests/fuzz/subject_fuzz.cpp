@@ -3,11 +3,11 @@
 #include "fault.h"
 #include "program.h"
 
-#include "database/connection.h"
-#include "database/creation.h"
 #include "desk/objects/filter.h"
-#include "reference/texts.h"
-#include "ticket/ticketfolders.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/database/creation.h"
+#include "orvelle/reference/texts.h"
+#include "orvelle/ticket/ticketfolders.h"
 
 #include <QTemporaryDir>
 

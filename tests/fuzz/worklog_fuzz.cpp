@@ -5,7 +5,7 @@
 #include "fault.h"
 #include "program.h"
 
-#include "ticket/worklog.h"
+#include "orvelle/ticket/worklog.h"
 
 namespace {
 

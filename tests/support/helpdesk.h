@@ -1,9 +1,9 @@
 // The situation of whole-program tests: one desk with a helpdesk on it, and any number of copies of the program.
 #pragma once
 
-#include "core/main/programrun.h"
 #include "desk/objects/desk.h"
-#include "outlook/host/host.h"
+#include "orvelle/host/host.h"
+#include "orvelle/program/programrun.h"
 #include "support/counting.h"
 #include "support/environment.h"
 #include "support/program.h"

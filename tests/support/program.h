@@ -1,8 +1,8 @@
 // One copy of the program in a folder of its own, in English, with nobody at the display but the script.
 #pragma once
 
-#include "core/phrases.h"
-#include "core/process.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
 #include "platform/registry/registry.h"
 #include "platform/scripting/path.h"
 #include "support/answers.h"

@@ -1,12 +1,12 @@
 // One copy of the program that has reached the desk, without a run.
 #pragma once
 
-#include "core/phrases.h"
-#include "core/process.h"
-#include "outlook/session.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/reference/settings.h"
+#include "orvelle/session/session.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
-#include "reference/settings.h"
 #include "support/helpdesk.h"
 
 namespace support {

@@ -1,7 +1,7 @@
 // The tables of the current copy's database, filled and read as a test needs it.
 #pragma once
 
-#include "database/connection.h"
+#include "orvelle/database/connection.h"
 #include "platform/value/convert.h"
 
 namespace support {

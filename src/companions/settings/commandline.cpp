@@ -5,8 +5,8 @@
 #include "companions/settings/installation.h"
 #include "companions/settings/intakecommand.h"
 #include "companions/settings/output.h"
-#include "core/phrases.h"
-#include "core/process.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,9 +1,9 @@
 #include "companions/settings/databasebackup.h"
 
-#include "core/process.h"
-#include "core/runtime.h"
-#include "database/connection.h"
-#include "database/upgrade.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/database/upgrade.h"
 #include "platform/ado/jetfile.h"
 #include "platform/storage/hold.h"
 #include "platform/storage/progress.h"

@@ -2,16 +2,16 @@
 
 #include "companions/settings/catalogue.h"
 #include "companions/settings/settingsfile.h"
-#include "core/process.h"
-#include "core/runtime.h"
-#include "database/connection.h"
-#include "database/creation.h"
-#include "database/upgrade.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/database/creation.h"
+#include "orvelle/database/upgrade.h"
+#include "orvelle/reference/settings.h"
+#include "orvelle/reference/texts.h"
 #include "platform/ado/command.h"
 #include "platform/ado/jetfile.h"
 #include "platform/value/convert.h"
-#include "reference/settings.h"
-#include "reference/texts.h"
 
 #include <QFile>
 #include <QScopeGuard>

@@ -1,0 +1,19 @@
+/// Tickets as mail and on paper, and what every mail of the system is given before it goes out.
+#pragma once
+
+#include "orvelle/host/items.h"
+
+class cTicket;
+
+/// Shows a mail about a ticket for the person to send, or prints the ticket. Never fails.
+/// \param strTo  the address; empty prints.
+/// \param OutputOption  the page, as in `cTicket::ToHTML`.
+/// \param ouiItem  the ticket's item, whose files go along with a mail; may be Nothing.
+void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 OutputOption, const host::Item &ouiItem);
+
+/// Sends under the name of the setting "EmailFrom" where that is longer than 5 characters.
+void subSetEmailFrom(const host::MailItem &ouiMail);
+
+/// Lets the sent copy go to the folder that the toolbar watches, where tickets have subfolders. Fails with 91 in a run
+/// without a toolbar.
+void subSetSentFolder(const host::MailItem &ouiMail);

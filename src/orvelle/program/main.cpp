@@ -1,0 +1,120 @@
+#include "orvelle/program/main.h"
+
+#include "orvelle/core/dialogs.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/chooseconnection.h"
+#include "orvelle/database/upgrade.h"
+#include "orvelle/mail/foldermonitor.h"
+#include "orvelle/mail/intake.h"
+#include "orvelle/program/dummy.h"
+#include "orvelle/reference/settings.h"
+#include "orvelle/reference/ticketfolder.h"
+#include "orvelle/session/clienttools.h"
+#include "orvelle/session/homepage.h"
+#include "orvelle/session/outlookfolder.h"
+#include "orvelle/session/properties.h"
+#include "orvelle/session/safeutils.h"
+#include "orvelle/session/session.h"
+#include "orvelle/ticket/ticketnumbers.h"
+#include "orvelle/toolbar/rootexplorer.h"
+
+ProcessLocal<bool> blnPreviousInstance;
+
+namespace {
+/// The first run goes on only with the safe-object library and a folder for the tickets.
+bool fncDecideInstall() {
+    if (!fncIsFirstRun())
+        return false;
+    if (!fncSetupSafeUtils() || oufTickets->isNothing())
+        subQuit();
+    return true;
+}
+
+void subStartMonitor(bool blnInstall) {
+    subTrace("Setting a reference to the active Outlook Explorer window");
+    if (blnInstall) {
+        // The first access to the database: it is what opens the dialogs that choose one.
+        objSettings->SaveSettings();
+    } else {
+        objSettings->GetSettings(false);
+        subRaiseTicketNumbers();
+        subSetupOutlookMonitor(ouaOutlook->ActiveExplorer());
+        subSetCurrentFolder(defaultfolder::calendar);
+    }
+    LoadLanguages(objSettings->CurrentSelectedLanguage);
+    if (objSettings->EmailFolders->DicList->Count() > 0)
+        subMonitorMailFolders();
+}
+
+void subFindFolderOfTicketRun() {
+    subReadFolderFromRegistry();
+    oufTickets = objSettings->objFolder->GetFolder();
+    objSettings->CurrentResponsible->FullName = fncGetUserName();
+}
+
+void subShowNewHelpdesk() {
+    if (oufTickets->isNothing() || ouaOutlook->isNothing() || ouaOutlook->Explorers().Count() == 0)
+        return;
+    ouaOutlook->ActiveExplorer().CurrentFolder(oufTickets);
+    if (frmChooseConnection->blnLoadExampleData)
+        subExecute("ORVELLEEXAMPLEDATA", "", "");
+    frmChooseConnection = ChooseConnectionForm();
+    subRefreshCBHomepage();
+}
+} // namespace
+
+void Main(const QString &strCommand) try {
+    const bool blnTicketRun = strCommand == strTicketCommand;
+    subFillLanguageNames();
+    subFillLanguageColumns();
+    subLoadStartLanguage(strCommand);
+    subInitCommonControls();
+    subSetupFS();
+    subRemoveOldReportFiles();
+    if (!blnTicketRun) {
+        subSetCurrentFolder(defaultfolder::calendar);
+        if (!oufTickets->isNothing())
+            oufTickets = fncValidTicketFolder();
+    }
+    subStartOutlook(defaultfolder::inbox);
+    subCheckClientTools();
+    subFindDatabaseFile();
+    const bool blnInstall = fncDecideInstall();
+    frmChooseConnection->blnHideExampleDataOption = false;
+    blnAllowDBCreation = true;
+    subCreateSettings();
+    if (!blnTicketRun && !blnPreviousInstance)
+        subStartMonitor(blnInstall);
+    if (blnTicketRun)
+        subFindFolderOfTicketRun();
+    if (blnInstall) {
+        subShowNewHelpdesk();
+        return;
+    }
+    if (blnTicketRun) {
+        objSettings->GetSettings(false);
+        LoadLanguages(objSettings->CurrentSelectedLanguage);
+        subRaiseTicketNumbers();
+        subCreateTicketFromSelected();
+    }
+    subRepairOneOffForms();
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "Main");
+}
+
+void subSetupOutlookMonitor(const host::Explorer &oue) {
+    objRootExplorer = Ref<cRootExplorer>::make();
+    objRootExplorer->Attach(ouaOutlook, oue);
+    objRootExplorer->subAddButtons();
+    if (fncUsesSubFolders())
+        objRootExplorer->subSetupSentORVL();
+    fncDummyForm()->Load();
+}
+
+bool fncIsFirstRun() {
+    subTrace("Checking if DB files exist");
+    strDBPath = fncNoTrailingSlash(fncProgramFolder()) + "\\";
+    subSetupFS();
+    return !fsoFileSystem->FileExists(fncDatabaseFile(strDBPath)) &&
+           !fsoFileSystem->FileExists(strDBPath.get() + "DBConnection.txt");
+}

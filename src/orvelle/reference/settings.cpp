@@ -1,0 +1,153 @@
+#include "orvelle/reference/settings.h"
+
+#include "orvelle/core/dialogs.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/reference/texts.h"
+#include "orvelle/reference/ticketfolder.h"
+#include "orvelle/session/folderpath.h"
+#include "orvelle/session/homepage.h"
+#include "orvelle/session/outlookfolder.h"
+#include "orvelle/session/session.h"
+
+ProcessLocal<Ref<cSettings>> objSettings;
+ProcessLocal<std::optional<QLocale>> objWorkRegion;
+
+namespace {
+constexpr qint32 sqlServer = 3;
+constexpr qint32 answerYes = 6;
+
+Ref<ado::Recordset> openTable(const QString &strSource, bool blnReadOnly) {
+    return fncReturnRecordset(strSource, blnReadOnly, true, false);
+}
+
+/// A log in another order than the helpdesk's is worse than none, so a region that isn't one is no region to go on
+/// with.
+std::optional<QLocale> regionFrom(const QString &strName) {
+    if (strName.isEmpty())
+        return std::nullopt;
+    std::optional<QLocale> region = Region::named(strName);
+    if (!region)
+        throw Failure(
+            failures::invalidCall,
+            QString("The setting Region holds \"%1\", which is no region. Write one such as de_DE or en_GB in "
+                    "the settings program, or leave it empty for that of each machine.")
+                .arg(strName.left(50)));
+    return region;
+}
+
+void setDefaults(cOtherSettings &objOther) {
+    objOther.SetValue("ServiceStart", "8:00:00 AM");
+    objOther.SetValue("ServiceEnd", "5:00:00 PM");
+    objOther.SetValue("BreakStart", "12:00:00 PM");
+    objOther.SetValue("BreakEnd", "1:00:00 PM");
+    objOther.SetValue("DayServiceStart", "0");
+    objOther.SetValue("DayServiceEnd", "4");
+    objOther.SetValue("ServiceHours", "1");
+    objOther.SetValue("LunchHours", "1");
+}
+} // namespace
+
+void subCreateSettings() {
+    objSettings = Ref<cSettings>::make();
+    reportTarget = Ref<ReportTarget>(objSettings.get());
+}
+
+cSettings::cSettings()
+    : Callers(Ref<cCallersList>::make()), Responsibles(Ref<cResponsibles>::make()), Statuses(Ref<cSimpleList>::make()),
+      CallerCategories(Ref<cSimpleList>::make()), ProblemTypes(Ref<cProblemTypes>::make()),
+      CurrentResponsible(Ref<cResponsible>::make()), OtherSettings(Ref<cOtherSettings>::make()),
+      EmailFolders(Ref<cSimpleList>::make()), objFolder(Ref<cOutlookFolder>::make()) {
+    CallerCategories->ListName = LNGCALLERCATEGORY;
+    Statuses->ListName = LNGSTATUS;
+    setDefaults(*OtherSettings);
+}
+
+void cSettings::GetSettings(bool /*blnInstall*/) try {
+    // The first access of the run: it is what opens the connection.
+    Responsibles->FromRS(openTable("SELECT * From tblPersons ORDER BY strPersonName", true));
+    if (!*adoConnection)
+        subNoConnection();
+    ReadLists();
+    EmailFolders->FromString(toText(OtherSettings->GetValue("EmailFolders", settingtype::text)));
+    CurrentSelectedLanguage = fncReadLanguage();
+    subSetCurrentResponsible();
+    strCurrentUserName = CurrentResponsible->FullName;
+    subCloseConnection();
+    if (oufTickets->isNothing())
+        subFindTicketFolder();
+    subWriteReg();
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cSettings.GetSettings");
+}
+
+void cSettings::ReadLists() {
+    ProblemTypes->FromRS(openTable("SELECT * From tblTypes ORDER BY strTypeDescription", true));
+    CallerCategories->FromRS(openTable("SELECT * From tblCallerCategories ORDER BY strCallerCategory", true));
+    Statuses->FromRS(openTable("SELECT * From tblStatuses ORDER BY strStatus", true));
+    Callers->FromRS(openTable("SELECT * From tblCallers ORDER BY strFullName", true));
+    OtherSettings->FromRS(openTable("tblOtherSettings", true));
+    objWorkRegion = regionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
+}
+
+void cSettings::subNoConnection() {
+    QString text = LNGERRCONNECTIONFAILED + strLineEnd + ReportToValue + strLineEnd;
+    if (ReportTo == sqlServer)
+        text += "To re-install, please remove the DBConnection.txt file.";
+    if (ouaOutlook->isNothing())
+        subStartOutlook(defaultfolder::inbox);
+    subAssistantMessage(ouaOutlook, text);
+    // Off the ticket folder, so that the next run is not started by the folder at once.
+    ouaOutlook->ActiveExplorer().CurrentFolder(onsMAPI->GetDefaultFolder(defaultfolder::inbox));
+    subQuit();
+}
+
+void cSettings::subFindTicketFolder() {
+    oufTickets = objFolder->GetFolder();
+    if (oufTickets->isNothing()) {
+        subReadFolderFromRegistry();
+        oufTickets = objFolder->GetFolder();
+    }
+    if (oufTickets->isNothing())
+        subSetCurrentFolder(defaultfolder::inbox);
+    while (oufTickets->isNothing()) {
+        if (fncAssistantYesNo(ouaOutlook, LNGFAILEDTOFINDCRVFOLDER, 4) != answerYes)
+            subReleaseAll();
+        oufTickets = fncPickFolder(nullptr);
+        if (oufTickets->isNothing())
+            continue;
+        OtherSettings->SetValue("RootFolderPath", fncGetFolderPath(oufTickets, onsMAPI));
+        SaveSettings();
+    }
+}
+
+void cSettings::subSetCurrentResponsible() {
+    const QString name = fncGetUserName();
+    if (Responsibles->DicList->Exists(name))
+        CurrentResponsible = Responsibles->DicList->Item(name);
+    else
+        CurrentResponsible->FullName = name;
+}
+
+QString cSettings::NewTicketHTML(const QString &ProblemDescription) const {
+    const QString place = "<span id ='Problem'></span>";
+    QString page =
+        "<html><head><style>p{ margin-bottom: -20 }</style></head><body topmargin='0' leftmargin='0'><p><font "
+        "color='blue' size='4'>" +
+        LNGPROBLEM + "</font></p><p>" + place + "&nbsp;</p><p>&nbsp;</p><p><font color='blue' size='4'>" + LNGSOLUTION +
+        "</font></p><p>&nbsp;</p></body></html>";
+    return page.replace(place, ProblemDescription);
+}
+
+void cSettings::SaveSettings() try {
+    subTrace("Saving setting values to database");
+    Responsibles->ToRS(openTable("tblPersons", false));
+    ProblemTypes->ToRS(openTable("tblTypes", false));
+    CallerCategories->ToRS(openTable("tblCallerCategories", false));
+    Statuses->ToRS(openTable("tblStatuses", false));
+    Callers->ToRS(openTable("tblCallers", false));
+    OtherSettings->SetValue("EmailFolders", EmailFolders->ToString());
+    fncSetSettingFile(m_strLanguageFile, CurrentSelectedLanguage);
+    OtherSettings->ToRS(openTable("tblOtherSettings", false));
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cSettings.SaveSettings");
+}

@@ -1,0 +1,60 @@
+#include "orvelle/session/outlookfolder.h"
+
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/process.h"
+#include "orvelle/session/folderpath.h"
+#include "orvelle/session/properties.h"
+
+namespace {
+QString fncNameOf(const host::MAPIFolder &ouf) {
+    return AttemptOr([&] { return ouf.Name(); }, QString());
+}
+} // namespace
+
+void cOutlookFolder::GetOutlookPathInfo(window::Form *frmFormToReactiveate, qint32 intFolderType) try {
+    const host::MAPIFolder ouf = fncPickFolder(frmFormToReactiveate);
+    if (ouf.isNothing() || ouf.DefaultItemType() != intFolderType)
+        return;
+    Path = fncGetFolderPath(ouf, onsMAPI);
+    EntryID = ouf.EntryID();
+    StoreID = ouf.StoreID();
+    Name = ouf.Name();
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cOutlookFolder.GetOutlookPathInfo");
+}
+
+host::MAPIFolder cOutlookFolder::GetFolder() const try {
+    host::MAPIFolder ouf;
+    if (!EntryID.isEmpty())
+        Attempt([&] { ouf = onsMAPI->GetFolderFromID(EntryID, StoreID); });
+    if (ouf.isNothing() && !Path.isEmpty())
+        ouf = fncGetFolderFromPath(Path);
+    if (Name.isEmpty())
+        return ouf;
+    if (ouf && fncNameOf(ouf) != Name)
+        ouf = fncGetFolderFromPath(Path);
+    return fncNameOf(ouf) == Name ? ouf : host::MAPIFolder();
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cOutlookFolder.GetFolder");
+}
+
+void cOutlookFolder::SaveToOutlookProps(const host::Item &ouiItem, const QString &strExtraName) const try {
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderName", Name, propertytype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderEntryID", EntryID, propertytype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderStoreID", StoreID, propertytype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderPath", Path, propertytype::text);
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cOutlookFolder.SaveToOutlookProps");
+}
+
+void cOutlookFolder::GetFromOutlookProps(const host::Item &ouiItem, const QString &strExtraName) try {
+    const auto read = [&](const QString &strName) {
+        return toText(fncGetOutlookValue(ouiItem, strExtraName + strName, propertytype::text, ""));
+    };
+    Name = read("OutlookFolderName");
+    EntryID = read("OutlookFolderEntryID");
+    StoreID = read("OutlookFolderStoreID");
+    Path = read("OutlookFolderPath");
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "cOutlookFolder.GetFromOutlookProps");
+}

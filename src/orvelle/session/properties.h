@@ -1,0 +1,40 @@
+/// Custom properties of an item: typed values, and texts too long for one property.
+#pragma once
+
+#include "orvelle/host/items.h"
+#include "platform/value/value.h"
+
+#include <QString>
+
+/// The data types in which a property is written and read.
+namespace propertytype {
+constexpr qint32 integer = 2;
+constexpr qint32 date = 7;
+constexpr qint32 text = 8;
+constexpr qint32 boolean = 11;
+} // namespace propertytype
+
+/// Writes one property, which is made when it is missing. A value that is no number counts as 0; one that is no date
+/// leaves a date as it was; another type writes nothing. Does nothing to Nothing.
+void subSetOutlookValue(const host::Item &ouiItem, const QString &PropName, const Value &value, qint32 intDataType);
+
+/// Reads one property. Never fails: what can't be read is the default (0 for a number that is none, the zero date for
+/// any date, Empty for a boolean without a default). An empty text counts as missing.
+Value fncGetOutlookValue(const host::Item &ouiItem, const QString &PropName, qint32 intDataType,
+                         const Value &varDefault = {});
+/// The same with the item's properties in hand: one question less to the host for each of many values.
+Value fncGetOutlookValue(const host::UserProperties &oups, const QString &PropName, qint32 intDataType,
+                         const Value &varDefault = {});
+void subSetOutlookValue(const host::UserProperties &oups, const QString &PropName, const Value &value,
+                        qint32 intDataType);
+
+/// Writes a text in pieces of at most 1000 characters: `PropName` with 0, 1 and so on behind it, and the highest of
+/// these numbers in `PropName` with "Count" behind it. That number is the length in thousands, a half going to the even
+/// neighbour, so that the last piece may be empty. Pieces of an earlier, longer text stay and are not read.
+///
+/// A failure stops the writing; the person is told of it unless `blnSilent`.
+void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const QString &PropName, bool blnSilent);
+
+/// Reads such a text; a missing count reads the first piece alone.
+QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName);
+QString fncGetLongProperty(const host::UserProperties &oups, const QString &PropName);

@@ -1,0 +1,3 @@
+#include "orvelle/ticket/ticket.h"
+
+cTicket::cTicket() : WorkDescs(Ref<cWorkDescs>::make()) {}

@@ -1,0 +1,124 @@
+// Writing a ticket to its item, and finding the item again. What is written here appears in the form.
+
+#include "orvelle/ticket/ticket.h"
+
+#include "orvelle/core/dialogs.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/database/connection.h"
+#include "orvelle/host/folders.h"
+#include "orvelle/reference/settings.h"
+#include "orvelle/reference/texts.h"
+#include "orvelle/session/properties.h"
+#include "orvelle/session/session.h"
+#include "platform/value/random.h"
+
+namespace {
+/// The last version of the host whose items have no body format.
+constexpr qint16 lastWithoutBodyFormat = 9;
+constexpr qint32 formatHTML = 2;
+constexpr qint32 formatRichText = 3;
+constexpr qint32 closeSaving = 0;
+
+void setText(const host::UserProperties &oups, const QString &strName, const QString &strText) {
+    subSetOutlookValue(oups, strName, strText, propertytype::text);
+}
+
+void setDate(const host::UserProperties &oups, const QString &strName, DateTime dteValue) {
+    subSetOutlookValue(oups, strName, dteValue, propertytype::date);
+}
+
+void writeCaller(const host::UserProperties &oups, const cCaller &objCaller) {
+    setText(oups, "Caller name", objCaller.FullName);
+    setText(oups, "Caller email", objCaller.Email);
+    setText(oups, "Caller comment", objCaller.Comment);
+    setText(oups, "Caller phone", objCaller.Telephone);
+    setText(oups, "Caller category", objCaller.Category);
+}
+
+void writeProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
+    const host::UserProperties oups = ouiTicket.UserProperties();
+    setDate(oups, "Date due", objTicket.DueDate);
+    setText(oups, "Custom Status", objTicket.TicketStatus);
+    if (objTicket.ProblemType) {
+        setText(oups, "Problem Type", objTicket.ProblemType->ProblemDescription);
+        setText(oups, "Problem category", objTicket.ProblemType->ProblemCategory);
+    }
+    setText(oups, "Ticket ID", objTicket.TicketID);
+    setDate(oups, "Created at", objTicket.DateCreated);
+    if (objTicket.Responsible) {
+        setText(oups, "Created by", objTicket.Responsible->FullName);
+        setText(oups, "Responsible", objTicket.Responsible->FullName);
+    }
+    if (objTicket.Caller)
+        writeCaller(oups, *objTicket.Caller);
+    setText(oups, "Ticket", objTicket.ToString());
+    subFixLongProperty(ouiTicket, objTicket.WorkDescs->ToString(), "WorkDescriptions", false);
+}
+
+/// The host keeps the old look of a body until the format has gone to rich text and back, and that costs the text: so
+/// it is set twice.
+void writeBody(const host::Item &ouiTicket, const QString &strHTML) {
+    ouiTicket.HTMLBody(strHTML);
+    if (fncOutlookVersion() > lastWithoutBodyFormat) {
+        ouiTicket.BodyFormat(formatRichText);
+        ouiTicket.BodyFormat(formatHTML);
+    }
+    ouiTicket.HTMLBody(strHTML);
+}
+
+void writeItem(const host::Item &item, const cTicket &objTicket) {
+    writeProperties(item, objTicket);
+    item.Subject(objTicket.Subject);
+    item.Importance(objTicket.TicketPriority);
+    const QString &strHTML = objTicket.HTMLDescription;
+    writeBody(item, strHTML.isEmpty() ? objSettings->NewTicketHTML(objTicket.Description) : strHTML);
+}
+
+bool randomUnRead() { return roundHalfEven(Random::next() * 100) > 50; }
+} // namespace
+
+void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTicket) const try {
+    subTrace("Saving values to Outlook object. Subject  = " + Subject);
+    const bool given = !ouiTicket.isNothing();
+    host::Item item = ouiTicket;
+    if (!given) {
+        const auto failure = Attempt([&] { item = oufTickets->AddItem(strTicketMessageClass); });
+        if (item.isNothing()) {
+            subAssistantMessage(ouaOutlook, fncFormsCacheMessage(failure ? failure->description() : QString()));
+            return;
+        }
+    }
+    writeItem(item, *this);
+    if (given)
+        item.UnRead(true);
+    else if (RandomRead)
+        item.UnRead(randomUnRead());
+    if (blnDisplay) {
+        item.Save();
+        item.Display();
+    } else {
+        item.Close(closeSaving);
+    }
+} catch (const Failure &failure) {
+    subErrorHandler(failure, "SaveToOutlook");
+}
+
+void cTicket::SaveBoth(const host::Item &ouiTicket) {
+    subSetupConnection();
+    // Other clients wait here, so that of two that write to one ticket the second meets what the first has saved.
+    ado::Transaction transaction(**adoConnection);
+    const auto adrTickets = OpenRow();
+    if (!adrTickets)
+        throw Failure(failures::unspecified);
+    WriteRow(adrTickets);
+    WorkDescs->AppendToDB(TicketID);
+    subTrace("Saving values to Outlook object. Subject  = " + Subject);
+    writeItem(ouiTicket, *this);
+    ouiTicket.UnRead(true);
+    ouiTicket.Close(closeSaving);
+    transaction.commit();
+}
+
+host::Item cTicket::GetPostItem() const {
+    return AttemptOr([&] { return oufTickets->FindItem("[Ticket ID] =" + fncQuoted(TicketID)); }, host::Item());
+}

@@ -1,0 +1,130 @@
+#include "orvelle/toolbar/rootexplorer.h"
+
+#include "orvelle/core/entry.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/runtime.h"
+#include "orvelle/session/session.h"
+#include "orvelle/ticket/ticket.h"
+#include "orvelle/ticket/ticketfolders.h"
+
+ProcessLocal<Ref<cRootExplorer>> objRootExplorer;
+
+cRootExplorer::~cRootExplorer() {
+    const WholeStep whole;
+    Class_Terminate();
+}
+
+std::function<void(const ValueList &)> cRootExplorer::Own(void (cRootExplorer::*subEvent)()) {
+    return [self = weak_from_this(), subEvent](const ValueList &) {
+        if (const auto root = self.lock())
+            (*root.*subEvent)();
+    };
+}
+
+void cRootExplorer::Attach(const host::Application &oua, const host::Explorer &oue) {
+    ouaMonitorApp = oua;
+    m_hostEvents.push_back(oua.connect("Quit", EntryOfEnd(Own(&cRootExplorer::ouaMonitorApp_Quit))));
+    oueCurrExplorer = oue;
+    m_hostEvents.push_back(oue.connect("Close", EntryOfEnd(Own(&cRootExplorer::oueCurrExplorer_Close))));
+    m_hostEvents.push_back(oue.connect("FolderSwitch", EntryOfEnd(Own(&cRootExplorer::oueCurrExplorer_FolderSwitch))));
+}
+
+void cRootExplorer::cmdCopy_Click() {
+    // A row without its item would be a ticket that nobody sees.
+    const WholeStep whole;
+    Attempt([] {
+        const host::Selection selection = ouaOutlook->ActiveExplorer().Selection();
+        if (selection.Count() != 1)
+            return;
+        const host::Item oui = selection.Item(1);
+        if (oui.isNothing() || oui.typeName() != "PostItem")
+            return;
+        cTicket objTicket;
+        if (!objTicket.ReadFromOutlook(oui))
+            return;
+        objTicket.TicketID.clear();
+        objTicket.SaveToDB();
+        host::Item ouiNew;
+        objTicket.SaveToOutlook(false, true, ouiNew);
+    });
+}
+
+void cRootExplorer::cmdSettings_Click() {
+    subExecute("ORVELLESETTINGS", "", "");
+    Class_Terminate();
+    subQuit();
+}
+
+void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
+    const WholeStep whole;
+    // A mail that has gone by now is nobody's trouble.
+    const QString strTicketID = fncGetTicketIDFromSubject(AttemptOr([&] { return Item.Subject(); }, QString()));
+    if (strTicketID.isEmpty())
+        return;
+    const host::MAPIFolder oufSent = fncGetTicketSubFolder(strTicketID, "Sent");
+    if (oufSent)
+        Attempt([&] { Item.Move(oufSent); });
+}
+
+void cRootExplorer::subFileSentMail() {
+    if (oisORVLSentItems.isNothing())
+        return;
+    Attempt([&] {
+        // The host tells of sent mail behind all the mail that has come in. Only the newest are looked at: what names
+        // no ticket stays in the folder for ever.
+        constexpr qint32 mostLookedAt = 1000;
+        const qint32 intCount = oisORVLSentItems.Count();
+        for (qint32 i = intCount; i >= 1 && i > intCount - mostLookedAt; --i)
+            oisORVLSentItems_ItemAdd(oisORVLSentItems.Item(i));
+    });
+}
+
+void cRootExplorer::ouaMonitorApp_Quit() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::oueCurrExplorer_Close() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::oueCurrExplorer_FolderSwitch() {
+    subRemoveButtons();
+    subReleaseAll();
+}
+
+void cRootExplorer::subSetupSentORVL() {
+    const host::MAPIFolder oufSent = onsMAPI->GetDefaultFolder(defaultfolder::sentItems);
+    const QString strName = "ORVLSentItems";
+    const auto find = [&] { oufORVLSentItems = oufSent.Folders().Item(strName); };
+    // Another copy may make it in between; then the adding fails, and it is there.
+    if (Attempt(find) && Attempt([&] { oufORVLSentItems = oufSent.Folders().Add(strName, 6); }))
+        Attempt(find);
+    if (oufORVLSentItems.isNothing())
+        return;
+    oisORVLSentItems = oufORVLSentItems.Items();
+    m_sentItemAdd = oisORVLSentItems.connect("ItemAdd", Entry([self = weak_from_this()](ValueList &arguments) {
+                                                 if (const auto root = self.lock())
+                                                     root->oisORVLSentItems_ItemAdd(host::Item(arguments.value(0)));
+                                             }));
+}
+
+void cRootExplorer::Class_Terminate() {
+    for (const host::CommandBarButton &button : {cmdSettings, cmdCopy}) {
+        if (button)
+            Attempt([&] { button.Delete(); });
+    }
+    if (cbrToolbar)
+        Attempt([&] { cbrToolbar.Delete(); });
+    m_buttonEvents.clear();
+    m_hostEvents.clear();
+    m_sentItemAdd.reset();
+    oueCurrExplorer = {};
+    ouaMonitorApp = {};
+    oisORVLSentItems = {};
+    oufORVLSentItems = {};
+    cmdSettings = {};
+    cmdCopy = {};
+    cbrToolbar = {};
+}

@@ -1,7 +1,0 @@
-#include "reference/recordlist.h"
-
-const Value &fncColumn(const ValueList &row, int intColumn) {
-    if (intColumn >= row.size())
-        throw Failure(failures::subscriptOutOfRange);
-    return row[intColumn];
-}

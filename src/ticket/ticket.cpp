@@ -1,3 +1,0 @@
-#include "ticket/ticket.h"
-
-cTicket::cTicket() : WorkDescs(Ref<cWorkDescs>::make()) {}

@@ -1,0 +1,216 @@
+#include "orvelle/core/runtime.h"
+
+#include "orvelle/core/trace.h"
+#include "platform/scripting/components.h"
+#include "support/fakeobject.h"
+#include "support/program.h"
+
+namespace {
+
+using Runtime = support::Program;
+
+TEST_F(Runtime, ADictionarySortsByKeysOrItems) {
+    const auto dic = fncCreateDic<QString>();
+    for (const auto &[key, item] : {std::pair("1", "beta"), {"3", "Alpha"}, {"2", "Gamma"}, {"4", "alpha"}})
+        dic->Add(key, item);
+    EXPECT_EQ(fncSortDictionary(dic, 0, false)->Keys(), (QStringList{"1", "2", "3", "4"}));
+    const auto sorted = fncSortDictionary(dic, 1, false);
+    EXPECT_EQ(sorted->Items(), (QStringList{"Alpha", "alpha", "beta", "Gamma"}));
+    EXPECT_EQ(sorted->Keys(), (QStringList{"3", "4", "1", "2"}));
+    EXPECT_EQ(dic->Keys().first(), "1");
+    EXPECT_EQ(fncSortDictionary(fncCreateDic<QString>(), 1, false)->Count(), 0);
+}
+
+TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
+    struct Case {
+        const char *component;
+        const char *report;
+        std::function<void()> need;
+    };
+    const std::vector<Case> cases = {
+        {"Scripting.Dictionary", "modScriptingDic.fncCreateDic", [] { fncCreateDic<QString>(); }},
+        {"Scripting.FileSystemObject", "subSetupFS", [] { subSetupFS(); }},
+    };
+    for (const Case &c : cases) {
+        ProgramCopy other;
+        const ProgramCopy::Scope inside(other);
+        registry::fileOverride = path("registry.ini");
+        LoadLanguages(1);
+        support::Answers answered;
+        const support::Launches launched;
+        scripting::Components::setInstalled(c.component, false);
+        answered.expect(QString("Sub routine : %1 ").arg(c.report), window::No);
+        EXPECT_TRUE(support::endsProcess(c.need)) << c.component;
+        EXPECT_TRUE(support::endsProcess(c.need)) << c.component;
+        EXPECT_EQ(launched.started(), QStringList{"regsvr32|scrrun.dll|/s"}) << c.component;
+        EXPECT_TRUE(answered.asked().first().text.contains(c.component));
+    }
+}
+
+TEST_F(Runtime, AMachineWithoutTheShellIsToldAndTheProcessEnds) {
+    scripting::Components::setInstalled("Wscript.Shell", false);
+    answers.expect("ERROR\r\nThis component is usually installed");
+    EXPECT_TRUE(support::endsProcess([] { fncGetShell(); }));
+    EXPECT_EQ(launches.started(), QStringList{"regsvr32|wshom.ocx|/s"});
+    EXPECT_EQ(answers.asked().first().icon, window::Icon::Critical);
+}
+
+TEST_F(Runtime, CompanionsAndLinksAreStarted) {
+    QDir(m_folder.path()).mkdir("other");
+    put("X.exe");
+    put("Y.exe");
+    put("other/Y.exe");
+    const QString here = m_folder.path();
+    struct Case {
+        QString file;
+        QString arguments;
+        QString path;
+        QString started;
+    };
+    const std::vector<Case> cases = {
+        {"X", "", "", here + "/X.exe"},
+        {"X", "one two", at("other"), here + "/X.exe|one|two"},
+        {"Y", "", at("other\\"), here + "/other/Y.exe"},
+        {"https://orvelle.example", "", "", "xdg-open|https://orvelle.example"},
+        {"MailTo:ann@orvelle.example", "", "", "xdg-open|MailTo:ann@orvelle.example"},
+    };
+    QStringList expected;
+    for (const Case &c : cases) {
+        subExecute(c.file, c.arguments, c.path);
+        expected << c.started;
+    }
+    EXPECT_EQ(launches.started(), expected);
+}
+
+TEST_F(Runtime, ACompanionThatCannotBeStartedIsToldAndTheRunGoesOn) {
+    put("X.exe");
+    launches.fail();
+    answers.expect("Error trying to run the file at " + at("Z.exe") + "\r\nFile not found");
+    answers.expect("Error trying to run the file at " + at("X.exe") + "\r\nIt can't be started.");
+    subExecute("Z", "", at("none"));
+    subExecute("X", "", "");
+    EXPECT_EQ(answers.asked().last().icon, window::Icon::Critical);
+    EXPECT_EQ(fncLastStep(), "Attempting to execute the path '" + at("X.exe") + "'");
+}
+
+TEST_F(Runtime, FilesAreOpenedAndPrintedWhereTheyAre) {
+    put("page.txt");
+    subInvokeShellVerb(at("none"), "page.txt");
+    subInvokeShellVerb(at(""), "none.txt");
+    subInvokeShellVerb(at(""), "page.txt");
+    subPrintFile(at("page.txt"));
+    EXPECT_EQ(launches.started(), (QStringList{"xdg-open|" + path("page.txt"), "lp|--|" + path("page.txt")}));
+}
+
+TEST_F(Runtime, ALinkThatCannotBeOpenedIsTold) {
+    const auto host = std::make_shared<support::FakeObject>("Application");
+    ouaOutlook = host::Application(automation::ObjectPtr(host));
+    subOpenLink("http://orvelle.example");
+    subOpenURL("http://orvelle.example/2");
+    EXPECT_EQ(launches.started().size(), 2);
+    launches.fail();
+    subOpenURL("http://orvelle.example/3");
+    answers.expect("Failed to start web browser!");
+    subOpenLink("http://orvelle.example/4");
+}
+
+TEST_F(Runtime, BodiesAreCutOutOfTheirPages) {
+    const std::vector<std::pair<QString, QString>> cases = {
+        {"<html><body>text</body></html>", "text"},
+        {"<HTML><BoDy bgcolor='red'><b>Text</b></bOdY>", "<b>Text</b>"},
+        {"<body>a</body><body>b</body>", "a"},
+        {"<body></body>", ""},
+        {"<body>no end", "<body>no end"},
+        {"no body at all", ""},
+        {"<b", ""},
+        {"", ""},
+        {"ßßß<body>ß</body>", "ß"},
+    };
+    for (const auto &[page, body] : cases)
+        EXPECT_EQ(fncGetBody(page), body) << page.toStdString();
+    EXPECT_EQ(fncLastStep(), "Attempting to analyze a 17 long body of html text");
+    answers.expect("Sub routine : fncGetBody ", window::No);
+    EXPECT_TRUE(support::endsProcess([] { fncGetBody("<html><body"); }));
+}
+
+TEST_F(Runtime, TheFirstLinkIsThatOfTheFirstPrefix) {
+    const std::vector<std::pair<QString, QString>> cases = {
+        {"see http://a.example/x now", "http://a.example/x"},
+        {"www.first.example and http://second.example", "http://second.example"},
+        {"ftp://a \\\\server\\share", "ftp://a"},
+        {"at \\\\server\\share", "\\\\server\\share"},
+        {"file:\\a.txt www.b", "file:\\a.txt"},
+        {"https://secure.example/www x", "www"},
+        {"https://secure.example x", "https://secure.example"},
+        {"HTTP://upper.example", ""},
+        {"line\r\nhttp://a.example\r\nnext line", "http://a.example\r\nnext"},
+        {"nothing", ""},
+        {"", ""},
+    };
+    for (const auto &[text, link] : cases)
+        EXPECT_EQ(fncFirstLink(text), link) << text.toStdString();
+}
+
+TEST_F(Runtime, TextsAreSafeForNull) {
+    const std::vector<std::pair<Value, QString>> cases = {
+        {Value::Null(), ""}, {Value(), ""}, {"text", "text"},    {"-1", "'-1"},
+        {"+x", "'+x"},       {"'-", "'-"},  {qint32{-5}, "'-5"}, {" -", " -"},
+    };
+    for (const auto &[value, text] : cases)
+        EXPECT_EQ(fncNullSafeText(value), text);
+}
+
+TEST_F(Runtime, AFieldChangesByItsValue) {
+    struct Case {
+        Value stored;
+        Value value;
+        bool changed;
+    };
+    const std::vector<Case> cases = {
+        {"a", "a", false},
+        {"a", "A", true},
+        {"a", Value::Null(), false},
+        {Value::Null(), "", true},
+        {Value::Null(), Value::Null(), false},
+        {"", Value(), false},
+        {qint16{5}, qint32{5}, false},
+        {Currency::fromDouble(1.5), 1.5, false},
+        {Currency::fromDouble(1.5), Currency::fromDouble(1.5001), true},
+        {qint32{5}, "5", false},
+        {qint32{5}, "five", true},
+    };
+    for (const Case &c : cases)
+        EXPECT_EQ(fncValueChanged(c.stored, c.value), c.changed)
+            << c.stored.kindName().toStdString() << " " << c.value.kindName().toStdString();
+}
+
+TEST_F(Runtime, AComboKeepsItsValue) {
+    struct Combo {
+        QString value;
+        QStringList items;
+        QString Value() const { return value; }
+        void SetValue(const QString &text) { value = text; }
+        void Clear() {
+            items.clear();
+            value.clear();
+        }
+        void AddItem(const QString &text) { items << text; }
+    };
+    const auto dic = fncCreateDic<QString>();
+    dic->Add("b", "1");
+    dic->Add("a", "2");
+    Combo combo{.value = "not in the list", .items = {"old"}};
+    subFillCombo(combo, dic);
+    EXPECT_EQ(combo.items, (QStringList{"b", "a"}));
+    EXPECT_EQ(combo.value, "not in the list");
+}
+
+TEST_F(Runtime, TheDefaultTicketBodyHasItsTwoParts) {
+    const QString body = fncNewTicketHTML();
+    EXPECT_EQ(body.split("\r\n").size(), 29);
+    EXPECT_FALSE(body.endsWith("\r\n"));
+    EXPECT_EQ(fncGetBody(body), "\r\n\r\n<h1>Problem</h1>\r\n<p>[BODY]</p>\r\n</p>&nbsp;</p>\r\n</p>&nbsp;</p>\r\n"
+                                "<h1>Solution</h1>\r\n<p></p>\r\n</p>&nbsp;</p>\r\n</p>&nbsp;</p>\r\n");
+}
+
+} // namespace

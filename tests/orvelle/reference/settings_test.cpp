@@ -1,0 +1,220 @@
+// The settings object: what it loads, what it writes back, and the language file beside the home page.
+
+#include "orvelle/reference/ticketfolder.h"
+#include "orvelle/session/outlookfolder.h"
+#include "platform/scripting/shell.h"
+#include "support/session.h"
+#include "support/tables.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+class SettingsTest : public support::Session {
+  protected:
+    [[nodiscard]] QString languageFile() const { return path("OrvelleSettings"); }
+    void writeLanguage(const QByteArray &content) const { writtenFile(languageFile(), content); }
+    [[nodiscard]] QByteArray language() const { return contentOf(languageFile()); }
+};
+
+TEST_F(SettingsTest, LoadsEverythingInOrder) {
+    support::fill("tblPersons", "strPersonName", {"Zoë", "Alma Tester"});
+    support::fill("tblTypes", "strTypeDescription", {"b", "a"});
+    support::fill("tblStatuses", "strStatus", {"Open", "Closed"});
+    support::fill("tblCallerCategories", "strCallerCategory", {"VIP"});
+    support::fill("tblCallers", "strFullName", {"Cal"});
+    setEmailFolders({"\\\\Box\\In", "\\\\Box\\In 2"});
+    writeLanguage(" 7 \n ");
+    objSettings->GetSettings(false);
+    EXPECT_EQ(objSettings->Responsibles->DicList->Keys(), (QStringList{"Alma Tester", "Zoë"}));
+    EXPECT_EQ(objSettings->ProblemTypes->GetProblemTypes(), "a*b");
+    EXPECT_EQ(objSettings->Statuses->ToString(), "Closed\r\nOpen");
+    EXPECT_EQ(objSettings->CallerCategories->ToString(), "VIP");
+    EXPECT_EQ(objSettings->Callers->DicList->Keys(), QStringList{"Cal"});
+    EXPECT_EQ(objSettings->EmailFolders->DicList->Keys(), (QStringList{"\\\\Box\\In", "\\\\Box\\In 2"}));
+    EXPECT_EQ(objSettings->CurrentSelectedLanguage, 7);
+    EXPECT_EQ(objSettings->ReportTo, 2);
+    EXPECT_EQ(objSettings->ReportToValue, strDBPath + "\\Orvelle.mdb");
+    // The user is the list's own person, found by the mailbox's name.
+    EXPECT_EQ(objSettings->CurrentResponsible->ID, 2);
+    EXPECT_EQ(*strCurrentUserName, "Alma Tester");
+    EXPECT_TRUE(adoConnection.get().isNothing());
+}
+
+TEST_F(SettingsTest, ASecondLoadStartsListsAnewButKeepsTheTextLists) {
+    support::fill("tblPersons", "strPersonName", {"Ann"});
+    objSettings->Responsibles->FromString("Added\t\t0");
+    objSettings->Statuses->FromString("Added");
+    objSettings->GetSettings(false);
+    EXPECT_EQ(objSettings->Responsibles->DicList->Keys(), QStringList{"Ann"});
+    EXPECT_EQ(objSettings->Statuses->DicList->Keys(), QStringList{"Added"});
+    // A user of no list has the name alone.
+    EXPECT_EQ(objSettings->CurrentResponsible->FullName, "Alma Tester");
+    EXPECT_EQ(objSettings->CurrentResponsible->ID, 0);
+}
+
+TEST_F(SettingsTest, WritesEverythingBack) {
+    writeLanguage("2");
+    objSettings->CurrentSelectedLanguage = 3;
+    objSettings->SaveSettings();
+    EXPECT_EQ(language(), "2") << "as long as the language has not been read";
+    EXPECT_THAT(rows("tblOtherSettings", {"strPropName", "strPropValue"}),
+                testing::UnorderedElementsAre("ServiceStart|8:00:00 AM", "ServiceEnd|5:00:00 PM",
+                                              "BreakStart|12:00:00 PM", "BreakEnd|1:00:00 PM", "DayServiceStart|0",
+                                              "DayServiceEnd|4", "ServiceHours|1", "LunchHours|1", "EmailFolders| "));
+    objSettings->GetSettings(false);
+    objSettings->Responsibles->FromString("Ann\ta@x\t5");
+    objSettings->ProblemTypes->FromString("Printer\tHardware\t15");
+    objSettings->CallerCategories->FromString("VIP");
+    objSettings->Statuses->FromString("Open");
+    objSettings->Callers->FromString("Cal\tc@x\t1\tVIP");
+    objSettings->EmailFolders->FromString("\\\\Box\\In");
+    objSettings->CurrentSelectedLanguage = 3;
+    objSettings->SaveSettings();
+    EXPECT_EQ(rows("tblPersons", {"strPersonName", "curRate"}), QStringList{"Ann|5"});
+    EXPECT_EQ(rows("tblTypes", {"strTypeDescription"}), QStringList{"Printer"});
+    EXPECT_EQ(rows("tblCallerCategories", {"strCallerCategory"}), QStringList{"VIP"});
+    EXPECT_EQ(rows("tblStatuses", {"strStatus"}), QStringList{"Open"});
+    EXPECT_EQ(rows("tblCallers", {"strFullName"}), QStringList{"Cal"});
+    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("EmailFolders|\\\\Box\\In"));
+    EXPECT_EQ(language(), "3");
+}
+
+TEST_F(SettingsTest, TheRegionOfWorkLogsIsKnownOnceTheSettingsAreRead) {
+    const auto readWith = [](const QString &region) {
+        objSettings->OtherSettings->SetValue("Region", region);
+        objSettings->SaveSettings();
+        return support::endsProcess([] { objSettings->GetSettings(false); });
+    };
+    EXPECT_FALSE(readWith(" de-CH "));
+    EXPECT_EQ(objWorkRegion.get(), std::optional(QLocale("de_CH")));
+    EXPECT_FALSE(readWith(""));
+    EXPECT_EQ(objWorkRegion.get(), std::nullopt);
+    expectReport("cSettings.GetSettings");
+    EXPECT_TRUE(readWith("Switzerland"));
+    EXPECT_TRUE(answers.asked().last().text.contains("\"Switzerland\", which is no region"));
+}
+
+TEST_F(SettingsTest, WithNoDatabaseTellsWhyAndEnds) {
+    strDBPath = path("nowhere");
+    answers.expect(LNGERRCONNECTIONFAILED + (strLineEnd + QString()) + strLineEnd);
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+    EXPECT_FALSE(answers.asked().first().text.contains("DBConnection"));
+    EXPECT_EQ(explorer().CurrentFolder().Name(), "Inbox");
+}
+
+TEST_F(SettingsTest, WithNoServerTellsHowToReinstallAndEnds) {
+    strDBPath = path("nowhere");
+    objSettings->ReportTo = 3;
+    answers.expect("To re-install, please remove the DBConnection.txt file.");
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+}
+
+TEST_F(SettingsTest, WithNoDatabaseAndNoHostAsksForTheHostFirst) {
+    strDBPath = path("nowhere");
+    ouaOutlook = host::Application();
+    runningHost = nullptr;
+    answers.expect("Please start Outlook manually");
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+}
+
+TEST_F(SettingsTest, TheLanguageIsTheFilesAndOtherwiseTheFirst) {
+    const std::pair<const char *, qint16> contents[] = {{"7", 7}, {"  12 ", 12}, {"", 1}, {"   ", 1}};
+    for (const auto &[content, number] : contents) {
+        writeLanguage(content);
+        EXPECT_EQ(objSettings->fncReadLanguage(), number) << content;
+        EXPECT_EQ(objSettings->CurrentSelectedLanguage, number);
+    }
+    QFile::remove(languageFile());
+    objSettings->CurrentSelectedLanguage = 4;
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    EXPECT_EQ(language(), "1") << "the first read makes the file";
+
+    QFile::remove(languageFile());
+    QDir().mkdir(languageFile());
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    objSettings->fncSetSettingFile(languageFile(), 3);
+    EXPECT_TRUE(QFileInfo(languageFile()).isDir()) << "what can't be used is left";
+
+    QDir().rmdir(languageFile());
+    oufTickets = nullptr;
+    EXPECT_EQ(objSettings->fncReadLanguage(), 1);
+    EXPECT_FALSE(QFile::exists(languageFile())) << "without a ticket folder there is no place for it";
+}
+
+TEST_F(SettingsTest, ALanguageThatIsNoNumberIsReportedAndLeft) {
+    writeLanguage("Swedish");
+    expectReport("cSettings.GetSettings");
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+    EXPECT_TRUE(answers.asked().first().text.contains("OrvelleSettings holds \"Swedish\""))
+        << qPrintable(answers.asked().first().text);
+    EXPECT_EQ(language(), "Swedish");
+}
+
+TEST_F(SettingsTest, TakesFromTheRegistryWhatStandsThere) {
+    cOutlookFolder &folder = *objSettings->objFolder;
+    const std::pair<const char *, QString *> values[] = {
+        {"EntryID", &folder.EntryID}, {"StoreID", &folder.StoreID}, {"Path", &folder.Path}, {"Name", &folder.Name}};
+    const auto expectFields = [&](const QString &prefix) {
+        for (const auto &[name, field] : values)
+            EXPECT_EQ(*field, prefix + name);
+    };
+    for (const auto &[name, field] : values)
+        *field = QString("old ") + name;
+    subReadFolderFromRegistry();
+    expectFields("old ");
+    for (const auto &[name, field] : values)
+        scripting::Shell().RegWrite(QString("HKCU\\Software\\Tessmark\\Orvelle\\Folder ") + name,
+                                    QString("new ") + name);
+    subReadFolderFromRegistry();
+    expectFields("new ");
+}
+
+TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {
+    const std::pair<const char *, const char *> cases[] = {
+        {"file://C:\\Data\\page.htm", "C:\\Data\\"},
+        {"file:C:\\Data\\page.htm", "C:\\Data\\"},
+        {"file:///srv/help desk/Orvelle.htm", "/srv/help desk/"},
+        {"file:C:\\x/y.htm", "C:\\x/"},
+        {"page.htm", "page.htm"},
+        {"", ""},
+    };
+    for (const auto &[url, folder] : cases) {
+        tickets().WebViewURL(url);
+        EXPECT_EQ(objSettings->fncGetFilePath(), folder) << url;
+    }
+    EXPECT_EQ(objSettings->fncGetFileName("C:\\x/y.htm"), "y.htm");
+    EXPECT_EQ(objSettings->fncGetFileName("y.htm"), "");
+}
+
+TEST_F(SettingsTest, LaysOutANewTicket) {
+    const QString page = objSettings->NewTicketHTML("It <b>burns</b>");
+    EXPECT_TRUE(page.startsWith("<html><head><style>p{ margin-bottom: -20 }</style></head>"));
+    EXPECT_TRUE(page.contains("size='4'>" + LNGPROBLEM + "</font></p><p>It <b>burns</b>&nbsp;</p>"));
+    EXPECT_TRUE(page.endsWith(LNGSOLUTION + "</font></p><p>&nbsp;</p></body></html>"));
+}
+
+TEST_F(SettingsTest, AskedForAFolderItTakesThePickedOneAndKeepsItsPathOrEnds) {
+    const QString picked = "\\\\Public Folders\\Helpdesk";
+    const auto questions = std::make_shared<support::Counting::Questions>();
+    questions->failing["Explorer.CurrentFolder"] = failures::notFound;
+    ouaOutlook = host::Application(support::Counting::of(ouaOutlook->object(), questions));
+    oufTickets = nullptr;
+    answers.expect("Outlook folder");
+    for (const char *button : {"", "cmdOK"}) {
+        answers.expect(LNGFAILEDTOFINDCRVFOLDER, window::Yes);
+        answers.expectSheet("frmPickFolder", button, {{"treFolders", picked}});
+    }
+    objSettings->GetSettings(false);
+    EXPECT_TRUE(oufTickets == tickets());
+    EXPECT_TRUE(rows("tblOtherSettings", {"strPropName", "strPropValue"}).contains("RootFolderPath|" + picked));
+
+    scripting::Shell().RegWrite("HKCU\\Software\\Tessmark\\Orvelle\\Folder Name", "none");
+    subCreateSettings();
+    oufTickets = nullptr;
+    answers.expect("Outlook folder");
+    answers.expect(LNGFAILEDTOFINDCRVFOLDER, window::No);
+    EXPECT_TRUE(support::endsProcess([] { objSettings->GetSettings(false); }));
+}
+
+} // namespace
