@@ -71,7 +71,7 @@ class DeskRun {
         connect();
         findHelpdesk();
         if (fncUsesSubFolders()) {
-            objRootExplorer = Ref<cRootExplorer>::make();
+            subMakeRootExplorer();
             objRootExplorer->subSetupSentORVL();
         }
     }

@@ -3,6 +3,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/output.h"
+#include "orvelle/mail/sentmail.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
 #include "orvelle/session/properties.h"

@@ -8,6 +8,7 @@
 #include "orvelle/mail/createticket.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/reply.h"
+#include "orvelle/mail/sentmail.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
 #include "orvelle/session/folderpath.h"
@@ -15,7 +16,6 @@
 #include "orvelle/session/safeutils.h"
 #include "orvelle/ticket/ticket.h"
 #include "orvelle/ticket/ticketfolders.h"
-#include "orvelle/toolbar/rootexplorer.h"
 
 using Kind = cLeftover::Kind;
 using State = RunningProcess::State;
@@ -336,7 +336,7 @@ class Finish {
     }
 
     cFinished SentMail() {
-        cRootExplorer().oisORVLSentItems_ItemAdd(m_oui);
+        subFileSentItem(m_oui);
         return {!fncLiesIn(m_oui, m_leftover.ouf), QString("it is filed under ticket %1").arg(m_leftover.strTicketID)};
     }
 

@@ -4,12 +4,11 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/mail/attachments.h"
-#include "orvelle/mail/intake.h"
+#include "orvelle/mail/sentmail.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/session.h"
 #include "orvelle/ticket/ticket.h"
-#include "orvelle/toolbar/rootexplorer.h"
 
 namespace {
 constexpr qint32 formatHTML = 2;
@@ -53,13 +52,4 @@ void subSetEmailFrom(const host::MailItem &ouiMail) {
         return;
     ouiMail.SentOnBehalfOfName(strFrom);
     ouiMail.ReplyRecipientNames(strFrom);
-}
-
-void subSetSentFolder(const host::MailItem &ouiMail) {
-    if (!fncUsesSubFolders())
-        return;
-    if (objRootExplorer->oufORVLSentItems.isNothing())
-        objRootExplorer->subSetupSentORVL();
-    if (objRootExplorer->oufORVLSentItems)
-        ouiMail.SaveSentMessageFolder(objRootExplorer->oufORVLSentItems);
 }

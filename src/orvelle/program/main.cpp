@@ -103,7 +103,7 @@ void Main(const QString &strCommand) try {
 }
 
 void subSetupOutlookMonitor(const host::Explorer &oue) {
-    objRootExplorer = Ref<cRootExplorer>::make();
+    subMakeRootExplorer();
     objRootExplorer->Attach(ouaOutlook, oue);
     objRootExplorer->subAddButtons();
     if (fncUsesSubFolders())

@@ -3,11 +3,16 @@
 #include "orvelle/core/entry.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/runtime.h"
+#include "orvelle/mail/sentmail.h"
 #include "orvelle/session/session.h"
 #include "orvelle/ticket/ticket.h"
-#include "orvelle/ticket/ticketfolders.h"
 
 ProcessLocal<Ref<cRootExplorer>> objRootExplorer;
+
+void subMakeRootExplorer() {
+    objRootExplorer = Ref<cRootExplorer>::make();
+    fncSentFolder = [] { return objRootExplorer->fncSentFolder(); };
+}
 
 cRootExplorer::~cRootExplorer() {
     const WholeStep whole;
@@ -55,16 +60,7 @@ void cRootExplorer::cmdSettings_Click() {
     subQuit();
 }
 
-void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) {
-    const WholeStep whole;
-    // A mail that has gone by now is nobody's trouble.
-    const QString strTicketID = fncGetTicketIDFromSubject(AttemptOr([&] { return Item.Subject(); }, QString()));
-    if (strTicketID.isEmpty())
-        return;
-    const host::MAPIFolder oufSent = fncGetTicketSubFolder(strTicketID, "Sent");
-    if (oufSent)
-        Attempt([&] { Item.Move(oufSent); });
-}
+void cRootExplorer::oisORVLSentItems_ItemAdd(const host::Item &Item) { subFileSentItem(Item); }
 
 void cRootExplorer::subFileSentMail() {
     if (oisORVLSentItems.isNothing())
@@ -108,6 +104,12 @@ void cRootExplorer::subSetupSentORVL() {
                                                  if (const auto root = self.lock())
                                                      root->oisORVLSentItems_ItemAdd(host::Item(arguments.value(0)));
                                              }));
+}
+
+host::MAPIFolder cRootExplorer::fncSentFolder() {
+    if (oufORVLSentItems.isNothing())
+        subSetupSentORVL();
+    return oufORVLSentItems;
 }
 
 void cRootExplorer::Class_Terminate() {

@@ -43,6 +43,8 @@ class cRootExplorer : public std::enable_shared_from_this<cRootExplorer> {
     void subAddButtons();
     /// Starts the watch of sent mail.
     void subSetupSentORVL();
+    /// The folder of sent mail, which is set up where it isn't yet; Nothing where it can't be had.
+    host::MAPIFolder fncSentFolder();
     /// Tears the bar down and lets go of everything.
     void Class_Terminate();
 
@@ -59,3 +61,6 @@ class cRootExplorer : public std::enable_shared_from_this<cRootExplorer> {
 
 /// Nothing outside of a run that is attached to an Explorer.
 extern ProcessLocal<Ref<cRootExplorer>> objRootExplorer;
+
+/// Makes it, and lets what is sent go to its folder.
+void subMakeRootExplorer();
