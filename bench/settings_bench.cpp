@@ -4,8 +4,8 @@
 // The database lies in the directory ORVELLE_BENCH_DIR (default: the current one).
 
 #include "desk/objects/desk.h"
+#include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"

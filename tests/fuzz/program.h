@@ -1,8 +1,8 @@
 // A copy of the program for entries that need one: in English, with somebody there who takes every report silently.
 #pragma once
 
+#include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
 #include "platform/window/window.h"
 
 #include <QCoreApplication>

@@ -4,7 +4,8 @@
 #include "desk/objects/mailrules.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/session.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
@@ -12,6 +13,7 @@
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
+#include "platform/value/convert.h"
 #include "support/tables.h"
 
 #include <QDir>

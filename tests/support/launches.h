@@ -1,7 +1,8 @@
 // What would have been started.
 #pragma once
 
-#include "platform/scripting/shell.h"
+#include "platform/launch/launcher.h"
+#include "platform/value/failure.h"
 
 namespace support {
 
@@ -11,11 +12,11 @@ class Launches {
     explicit Launches(ProgramCopy &copy = ProgramCopy::current())
         : m_copy(copy), m_recorder(std::make_shared<Recorder>()) {
         const ProgramCopy::Scope scope(m_copy);
-        scripting::launcher = m_recorder;
+        launch::launcher = m_recorder;
     }
     ~Launches() {
         const ProgramCopy::Scope scope(m_copy);
-        scripting::launcher = nullptr;
+        launch::launcher = nullptr;
     }
     Launches(const Launches &) = delete;
     Launches &operator=(const Launches &) = delete;
@@ -26,7 +27,7 @@ class Launches {
     void fail() { m_recorder->failing = true; }
 
   private:
-    struct Recorder : scripting::Launcher {
+    struct Recorder : launch::Launcher {
         void start(const QString &program, const QStringList &arguments) override {
             if (failing)
                 throw Failure(failures::fileNotFound, QStringLiteral("It can't be started."));

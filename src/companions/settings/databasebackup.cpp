@@ -1,7 +1,7 @@
 #include "companions/settings/databasebackup.h"
 
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/textfiles.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/upgrade.h"
 #include "platform/ado/jetfile.h"

@@ -3,7 +3,7 @@
 #include "companions/settings/catalogue.h"
 #include "companions/settings/settingsfile.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/sorting.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/database/upgrade.h"

@@ -11,7 +11,7 @@
 #include "desk/objects/userproperties.h"
 #include "desk/objects/windows.h"
 #include "desk/store/transfer.h"
-#include "platform/scripting/printhtml.h"
+#include "platform/print/printhtml.h"
 #include "platform/value/convert.h"
 
 #include <QCoreApplication>
@@ -312,7 +312,7 @@ void Item::PrintOut() {
     const QString page = html.isEmpty() ? htmlFromText(body()) : html;
     const QString title = subject().isEmpty() ? QStringLiteral("Printout") : subject();
     QMetaObject::invokeMethod(
-        qApp, [page, title] { scripting::printHtml(page, title); }, Qt::QueuedConnection);
+        qApp, [page, title] { print::printHtml(page, title); }, Qt::QueuedConnection);
 }
 
 } // namespace desk::objects

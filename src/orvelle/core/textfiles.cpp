@@ -1,6 +1,11 @@
 // Text files and paths.
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/textfiles.h"
+
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/trace.h"
+#include "platform/scripting/filesystem.h"
 
 namespace {
 

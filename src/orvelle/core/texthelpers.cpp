@@ -1,6 +1,12 @@
 // Texts: bodies, links, values.
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/texthelpers.h"
+
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
+#include "platform/value/convert.h"
 
 namespace {
 
@@ -17,11 +23,6 @@ QString fncUpperCase(QString strText) {
     for (QChar &character : strText)
         character = character.toUpper();
     return strText;
-}
-
-bool fncIsNumber(const Value &value) {
-    return value.holds<bool>() || value.holds<qint16>() || value.holds<qint32>() || value.holds<double>() ||
-           value.holds<Currency>() || value.holds<DateTime>();
 }
 
 } // namespace
@@ -90,18 +91,4 @@ QString fncNullSafeText(const Value &value) {
         return {};
     const QString strText = toText(value);
     return strText.startsWith(u'-') || strText.startsWith(u'+') ? "'" + strText : strText;
-}
-
-bool fncValueChanged(const Value &stored, const Value &value) {
-    if (value.isNull())
-        return false;
-    if (stored.isNull())
-        return true;
-    if (stored.holds<Currency>() && value.holds<Currency>())
-        return stored != value;
-    if (fncIsNumber(stored) && fncIsNumber(value))
-        return toDouble(stored) != toDouble(value);
-    if (fncIsNumber(stored) || fncIsNumber(value))
-        return AttemptOr([&] { return toDouble(stored) != toDouble(value); }, true);
-    return toText(stored) != toText(value);
 }

@@ -1,13 +1,15 @@
 #include "orvelle/database/connection.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/textfiles.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/chooseconnection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/database/upgrade.h"
 #include "platform/ado/connectionstring.h"
+#include "platform/scripting/filesystem.h"
 
 ProcessLocal<Ref<ReportTarget>> reportTarget;
 ProcessLocal<Ref<ado::Connection>> adoConnection;

@@ -3,7 +3,6 @@
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
 #include "orvelle/core/trace.h"
 #include "platform/value/processlocal.h"
 #include "platform/window/window.h"

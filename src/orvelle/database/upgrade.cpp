@@ -1,7 +1,8 @@
 #include "orvelle/database/upgrade.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/textfiles.h"
 #include "platform/ado/jetfile.h"
 
 namespace {

@@ -1,7 +1,8 @@
 #include "orvelle/mail/attachments.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/mail/temporaryfolder.h"
 #include "orvelle/session/safeutils.h"
 

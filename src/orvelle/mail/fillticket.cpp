@@ -1,11 +1,13 @@
 // The text, the subject and the caller of a ticket that is made from a mail.
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/texthelpers.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/safeutils.h"
 #include "orvelle/session/session.h"
+#include "platform/value/convert.h"
 
 namespace {
 /// The first version whose items have a body format.

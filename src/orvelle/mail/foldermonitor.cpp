@@ -1,16 +1,18 @@
 #include "orvelle/mail/foldermonitor.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/dialogs.h"
 #include "orvelle/core/entry.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/leftover.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/folderpath.h"
 #include "orvelle/session/safeutils.h"
+#include "platform/scripting/dictionary.h"
 
 ProcessLocal<Ref<scripting::Dictionary<Ref<cIncomingMonitor>>>> colIncomingMonitors;
 

@@ -2,7 +2,7 @@
 
 #include "orvelle/mail/leftover.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/process.h"
 #include "orvelle/mail/confirmation.h"
 #include "orvelle/mail/foldermonitor.h"
 #include "orvelle/mail/intake.h"
@@ -11,6 +11,7 @@
 #include "orvelle/session/properties.h"
 #include "orvelle/ticket/ticket.h"
 #include "orvelle/ticket/ticketfolders.h"
+#include "platform/value/convert.h"
 
 using Kind = cLeftover::Kind;
 using Remedy = cLeftover::Remedy;

@@ -1,6 +1,7 @@
 #include "orvelle/mail/temporaryfolder.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
 
 #include <QDateTime>

@@ -1,6 +1,8 @@
 // What a start puts in order: items with forms of their own, and report files of earlier versions.
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/program/main.h"
 #include "orvelle/ticket/ticket.h"
 

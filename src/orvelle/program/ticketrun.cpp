@@ -1,7 +1,10 @@
 // The ticket run: a ticket from the mail that the person has selected or opened.
 
 #include "orvelle/core/dialogs.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/reply.h"

@@ -1,8 +1,11 @@
 #include "orvelle/reference/callers.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/texthelpers.h"
 #include "orvelle/reference/recordlist.h"
 #include "orvelle/reference/texts.h"
+#include "platform/value/convert.h"
 
 namespace {
 const RecordTable<cCaller> &table() {

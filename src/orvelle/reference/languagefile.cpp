@@ -3,8 +3,10 @@
 
 #include "orvelle/reference/settings.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/process.h"
 #include "orvelle/reference/texts.h"
+#include "platform/scripting/filesystem.h"
 
 namespace {
 constexpr auto languageFileName = "OrvelleSettings";

@@ -1,9 +1,12 @@
 #include "orvelle/reference/othersettings.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/simplelist.h"
 #include "orvelle/reference/texts.h"
 #include "platform/ado/recordset.h"
+#include "platform/value/convert.h"
 
 namespace {
 constexpr int nameColumn = 1;

@@ -1,8 +1,12 @@
 #include "orvelle/reference/problemtypes.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/recordlist.h"
 #include "orvelle/reference/texts.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/value/convert.h"
 
 namespace {
 const RecordTable<cProblemType> &table() {

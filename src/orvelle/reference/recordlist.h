@@ -2,9 +2,12 @@
 /// how an example entry is drawn.
 #pragma once
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/fieldchange.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/rows.h"
 #include "platform/ado/recordset.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/value/convert.h"
 #include "platform/value/random.h"
 
 template <class Record>

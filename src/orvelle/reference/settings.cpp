@@ -1,13 +1,17 @@
 #include "orvelle/reference/settings.h"
 
 #include "orvelle/core/dialogs.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/texts.h"
 #include "orvelle/reference/ticketfolder.h"
 #include "orvelle/session/folderpath.h"
 #include "orvelle/session/homepage.h"
 #include "orvelle/session/outlookfolder.h"
 #include "orvelle/session/session.h"
+#include "platform/value/convert.h"
 
 ProcessLocal<Ref<cSettings>> objSettings;
 ProcessLocal<std::optional<QLocale>> objWorkRegion;

@@ -1,8 +1,12 @@
 #include "orvelle/reference/simplelist.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/process.h"
 #include "orvelle/reference/texts.h"
 #include "platform/ado/recordset.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/value/convert.h"
 #include "platform/value/random.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include "orvelle/core/dialogs.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/starting.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/session/homepage.h"
 #include "platform/scripting/components.h"

@@ -1,10 +1,11 @@
 #include "orvelle/session/folderpath.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/session/session.h"
 #include "platform/scripting/shell.h"
+#include "platform/value/convert.h"
 
 #include <QStringList>
 

@@ -1,9 +1,10 @@
 #include "orvelle/session/homepage.h"
 
+#include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/textfiles.h"
 #include "orvelle/session/folderpath.h"
 #include "platform/scripting/shell.h"
 #include "platform/window/window.h"

@@ -3,13 +3,18 @@
 #include "orvelle/ticket/ticket.h"
 
 #include "orvelle/core/dialogs.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
 #include "orvelle/core/savetrouble.h"
+#include "orvelle/core/texthelpers.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/reference/opentime.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
 #include "platform/ado/command.h"
+#include "platform/value/convert.h"
 
 namespace {
 /// What the 16-bit column of open minutes gets at most.

@@ -2,9 +2,11 @@
 
 #include "orvelle/ticket/ticket.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
+#include "platform/value/convert.h"
 
 namespace {
 /// A field of an object that the ticket may not have.

@@ -4,11 +4,14 @@
 #include "orvelle/ticket/ticket.h"
 
 #include "orvelle/core/dialogs.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/process.h"
 #include "orvelle/core/savetrouble.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/safeutils.h"
+#include "platform/value/convert.h"
 
 namespace {
 QString textOf(const host::UserProperties &oups, const QString &strName) {

@@ -3,7 +3,9 @@
 #include "orvelle/ticket/ticket.h"
 
 #include "orvelle/core/dialogs.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/host/folders.h"
 #include "orvelle/reference/settings.h"

@@ -1,8 +1,12 @@
 #include "orvelle/ticket/worklog.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/reference/control.h"
 #include "orvelle/reference/settings.h"
+#include "platform/scripting/dictionary.h"
+#include "platform/value/convert.h"
 #include "platform/value/random.h"
 
 namespace {

@@ -3,9 +3,12 @@
 
 #include "orvelle/ticket/worklog.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/reference/texts.h"
+#include "platform/value/convert.h"
 
 namespace {
 /// One less than the column holds.

@@ -2,7 +2,7 @@
 
 #include "orvelle/core/entry.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/starting.h"
 #include "orvelle/mail/sentmail.h"
 #include "orvelle/session/session.h"
 #include "orvelle/ticket/ticket.h"

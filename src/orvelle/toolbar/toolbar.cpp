@@ -1,7 +1,10 @@
 // The bar of the helpdesk in the Explorer and its buttons.
 
 #include "orvelle/core/entry.h"
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/errorhandler.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "orvelle/toolbar/rootexplorer.h"
 
 namespace {

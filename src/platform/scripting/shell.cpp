@@ -1,5 +1,6 @@
 #include "platform/scripting/shell.h"
 
+#include "platform/launch/launcher.h"
 #include "platform/registry/registry.h"
 #include "platform/scripting/path.h"
 #include "platform/window/window.h"
@@ -7,65 +8,16 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QStandardPaths>
-#include <QTemporaryFile>
 
 #include <pwd.h>
 #include <unistd.h>
 
 namespace scripting {
 
-ProcessLocal<std::shared_ptr<Launcher>> launcher;
-
 namespace {
 
 /// What the component gives for anything that it can't find.
 constexpr qint32 notThere = failures::automation(0x80070002);
-
-[[noreturn]] void cannotStart(const QString &program) {
-    throw Failure(
-        notThere,
-        QStringLiteral("The program %1 can't be started. Check that it is there and may be run.").arg(program));
-}
-
-class MachineLauncher : public Launcher {
-  public:
-    void start(const QString &program, const QStringList &arguments) override {
-        const QString found = find(program);
-        if (found.isEmpty() || !QProcess::startDetached(found, arguments))
-            cannotStart(program);
-    }
-
-    void handOver(const QString &program, const QStringList &arguments) override {
-        // A browser that is the first of its kind to run may take the place of the program that opened it.
-        constexpr int patience = 3000;
-        QTemporaryFile said;
-        auto process = std::make_unique<QProcess>();
-        process->setStandardInputFile(QProcess::nullDevice());
-        process->setStandardOutputFile(QProcess::nullDevice());
-        process->setStandardErrorFile(said.open() ? said.fileName() : QProcess::nullDevice());
-        process->setChildProcessModifier([] { ::setsid(); });
-        process->start(find(program), arguments);
-        if (!process->waitForStarted())
-            cannotStart(program);
-        if (!process->waitForFinished(patience)) {
-            // Dropping the object would end the program.
-            QObject::connect(process.get(), &QProcess::finished, process.get(), &QObject::deleteLater);
-            static_cast<void>(process.release());
-            return;
-        }
-        if (process->exitStatus() != QProcess::NormalExit || process->exitCode() != 0)
-            throw Failure(notThere, QStringLiteral("%1 can't pass on %2 (status %3). %4")
-                                        .arg(program, arguments.last())
-                                        .arg(process->exitCode())
-                                        .arg(QString::fromLocal8Bit(said.readAll()).trimmed()));
-    }
-
-  private:
-    static QString find(const QString &program) {
-        return program.contains(u'/') ? program : QStandardPaths::findExecutable(program);
-    }
-};
 
 QString loginName() {
     const passwd *entry = getpwuid(getuid());
@@ -87,11 +39,6 @@ QString linkOf(const QString &text) {
 }
 
 } // namespace
-
-Launcher &currentLauncher() {
-    static MachineLauncher machine;
-    return launcher.get() ? *launcher.get() : machine;
-}
 
 QString Shell::RegRead(const QString &name) const {
     const std::optional<QString> text = registry::read(name);
@@ -124,12 +71,12 @@ QString Shell::ExpandEnvironmentStrings(const QString &text) const {
 
 void Shell::Run(const QString &command, qint32 /*windowStyle*/) const {
     if (const QString link = linkOf(command); !link.isEmpty())
-        return currentLauncher().handOver(QStringLiteral("xdg-open"), {link});
+        return launch::currentLauncher().handOver(QStringLiteral("xdg-open"), {link});
     QStringList parts = QProcess::splitCommand(command);
     if (parts.isEmpty())
         throw Failure(failures::invalidCall, QStringLiteral("There is no program to run."));
     const QString program = nativePath(parts.takeFirst());
-    currentLauncher().start(program, parts);
+    launch::currentLauncher().start(program, parts);
 }
 
 bool Shell::AppActivate(const QString &title) const { return window::activate(title); }

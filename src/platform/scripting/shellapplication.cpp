@@ -1,6 +1,7 @@
+#include "platform/launch/launcher.h"
+#include "platform/print/printhtml.h"
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
-#include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "platform/window/window.h"
 
@@ -26,9 +27,9 @@ void FolderItem::open() const {
     const QString path = nativePath(m_path);
     const QFileInfo file(path);
     if (file.suffix().compare(u"exe", Qt::CaseInsensitive) == 0 && file.isFile())
-        currentLauncher().start(path, {});
+        launch::currentLauncher().start(path, {});
     else
-        currentLauncher().handOver(QStringLiteral("xdg-open"), {path});
+        launch::currentLauncher().handOver(QStringLiteral("xdg-open"), {path});
 }
 
 void FolderItem::print() const {
@@ -37,9 +38,9 @@ void FolderItem::print() const {
                         file.suffix().compare(u"html", Qt::CaseInsensitive) == 0;
     // The spooler knows no HTML and would print the source.
     if (isPage)
-        printHtml(FileSystemObject().OpenTextFile(m_path)->ReadAll(), file.completeBaseName());
+        print::printHtml(FileSystemObject().OpenTextFile(m_path)->ReadAll(), file.completeBaseName());
     else
-        currentLauncher().handOver(QStringLiteral("lp"), {QStringLiteral("--"), file.filePath()});
+        launch::currentLauncher().handOver(QStringLiteral("lp"), {QStringLiteral("--"), file.filePath()});
 }
 
 qint32 FolderItems::Count() const {

@@ -1,6 +1,8 @@
 #include "orvelle/core/dialogs.h"
 
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/formhelpers.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/trace.h"
 #include "support/fakeobject.h"
 #include "support/program.h"
 

@@ -1,4 +1,12 @@
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/fieldchange.h"
+#include "orvelle/core/formhelpers.h"
+#include "orvelle/core/phrases.h"
+#include "orvelle/core/process.h"
+#include "orvelle/core/sorting.h"
+#include "orvelle/core/starting.h"
+#include "orvelle/core/texthelpers.h"
+#include "platform/scripting/filesystem.h"
 
 #include "orvelle/core/trace.h"
 #include "platform/scripting/components.h"

@@ -1,4 +1,6 @@
-#include "orvelle/core/runtime.h"
+#include "orvelle/core/components.h"
+#include "orvelle/core/textfiles.h"
+#include "platform/scripting/filesystem.h"
 
 #include "support/environment.h"
 #include "support/program.h"

@@ -1,7 +1,7 @@
+#include "platform/print/printhtml.h"
 #include "platform/registry/registry.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
-#include "platform/scripting/printhtml.h"
 #include "platform/scripting/shell.h"
 #include "support/answers.h"
 #include "support/environment.h"
@@ -77,7 +77,7 @@ TEST_F(TheShell, StartsProgramsWithoutAnInterpreter) {
 }
 
 TEST_F(TheShell, ReallyStartsAndFailsByNumber) {
-    scripting::launcher = nullptr;
+    launch::launcher = nullptr;
     EXPECT_EQ(failureOf([&] { shell.Run("\"" + scripting::pathText(folder.filePath("none.exe")) + "\""); }),
               failures::automation(0x80070002));
     EXPECT_EQ(failureOf([&] { shell.Run("no-such-program-anywhere"); }), failures::automation(0x80070002));
@@ -109,7 +109,7 @@ class ADesktop : public TheShell {
   protected:
     void SetUp() override {
         TheShell::SetUp();
-        scripting::launcher = nullptr;
+        launch::launcher = nullptr;
     }
     /// \param script  lines of a shell script.
     void install(const QString &name, const QByteArray &script) const {
@@ -117,7 +117,7 @@ class ADesktop : public TheShell {
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
     QByteArray bytes(const QString &name) const { return contentOf(folder.filePath(name)); }
-    QStringList printouts() const { return QDir(scripting::printoutFolder()).entryList(QDir::Files); }
+    QStringList printouts() const { return QDir(print::printoutFolder()).entryList(QDir::Files); }
 
   private:
     const support::EnvironmentValue m_path{"PATH", folder.filePath("bin").toLocal8Bit()};
@@ -155,16 +155,15 @@ TEST_F(ADesktop, IsToldWhenNothingOpensALinkOrAFile) {
 TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
     const QString html = "<style>p{margin-bottom: -20}</style><p>Πρόβλημα</p><img src='/dev/zero'>";
     install("lp", "shift 3; /bin/cp \"$1\" '" + folder.filePath("printed").toLocal8Bit() + "'");
-    scripting::printHtml(html, "Ticket 7");
+    print::printHtml(html, "Ticket 7");
     EXPECT_TRUE(bytes("printed").startsWith("%PDF-"));
     EXPECT_TRUE(printouts().isEmpty());
 
     install("lp", "echo 'no default destination' >&2; exit 1");
     answers.expect("No printer took \"../Ticket\t7\".\r\n");
-    answers.expect("no default destination\r\nIt is kept as " + scripting::printoutFolder() +
-                   "/page.._Ticket_7 (2).pdf");
+    answers.expect("no default destination\r\nIt is kept as " + print::printoutFolder() + "/page.._Ticket_7 (2).pdf");
     for (int i = 0; i < 2; ++i)
-        scripting::printHtml(html, "../Ticket\t7");
+        print::printHtml(html, "../Ticket\t7");
     EXPECT_EQ(printouts(), (QStringList{"page.._Ticket_7 (2).pdf", "page.._Ticket_7.pdf"}));
 
     // The verb prints the page and not its source.
@@ -175,8 +174,8 @@ TEST_F(ADesktop, PrintsAPageAsAReaderSeesItOrKeepsIt) {
 
     QDir(folder.filePath("printouts")).removeRecursively();
     put("printouts");
-    answers.expect("It can't be kept in " + scripting::printoutFolder());
-    scripting::printHtml(html, "Ticket 7");
+    answers.expect("It can't be kept in " + print::printoutFolder());
+    print::printHtml(html, "Ticket 7");
 }
 
 TEST_F(TheShell, MakesTheComponentsThatAreInstalled) {

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-namespace scripting {
+namespace print {
 
 /// Prints a page on the person's default printer. Where no printer takes it, the page is kept as a PDF file, and a
 /// message says where it lies; a page that can't be printed at all gets a message too. Never fails.
@@ -19,4 +19,4 @@ void printHtml(const QString &html, const QString &title);
 /// documents. A machine's path.
 QString printoutFolder();
 
-} // namespace scripting
+} // namespace print

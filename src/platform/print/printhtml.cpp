@@ -1,6 +1,6 @@
-#include "platform/scripting/printhtml.h"
+#include "platform/print/printhtml.h"
 
-#include "platform/scripting/shell.h"
+#include "platform/launch/launcher.h"
 #include "platform/value/failure.h"
 #include "platform/window/window.h"
 
@@ -12,7 +12,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-namespace scripting {
+namespace print {
 
 namespace {
 
@@ -67,7 +67,7 @@ void toPrinter(const QString &html, const QString &title) {
                       QStringLiteral("The page %1 can't be printed: %2.").arg(title, file.errorString()));
     file.close();
     lay(page, result, title);
-    const auto failure = Attempt([&] { currentLauncher().handOver("lp", {"-t", title, "--", result}); });
+    const auto failure = Attempt([&] { launch::currentLauncher().handOver("lp", {"-t", title, "--", result}); });
     if (!failure)
         return;
     const QString reason =
@@ -92,4 +92,4 @@ QString printoutFolder() {
                              : profile + "/printouts";
 }
 
-} // namespace scripting
+} // namespace print
