@@ -1,8 +1,8 @@
 #include "helpdesk.h"
 
-#include "desk/objects/itemmessage.h"
-#include "desk/objects/mailrules.h"
+#include "desk/content/itemmessage.h"
 #include "desk/objects/session.h"
+#include "desk/transport/mailrules.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"

@@ -2,7 +2,7 @@
 // floor below them.
 #pragma once
 
-#include "desk/objects/desk.h"
+#include "desk/host/desk.h"
 #include "desk/store/store.h"
 #include "orvelle/host/host.h"
 #include "wallog.h"

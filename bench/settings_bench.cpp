@@ -3,7 +3,7 @@
 //
 // The database lies in the directory ORVELLE_BENCH_DIR (default: the current one).
 
-#include "desk/objects/desk.h"
+#include "desk/host/desk.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"

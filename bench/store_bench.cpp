@@ -4,7 +4,7 @@
 // Saves go to the directory ORVELLE_BENCH_DIR (default: the current one), since a disk in memory has no durable
 // commits. ORVELLE_BENCH_ITEMS sets the size of the folder that is searched (default 100000).
 
-#include "desk/objects/desk.h"
+#include "desk/host/desk.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/session.h"
 #include "desk/store/connection.h"

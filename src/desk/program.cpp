@@ -1,6 +1,6 @@
 // orvelle-desk: the host that keeps folders and items.
 
-#include "desk/commands.h"
+#include "desk/commands/commands.h"
 #include "platform/value/failure.h"
 #include "platform/window/application.h"
 

@@ -3,7 +3,7 @@
 #include "fault.h"
 #include "program.h"
 
-#include "desk/objects/filter.h"
+#include "desk/content/filter.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/texts.h"

@@ -1,9 +1,9 @@
 #include "support/helpdesk.h"
 
-#include "desk/objects/delivery.h"
-#include "desk/objects/mailrules.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/session.h"
+#include "desk/transport/delivery.h"
+#include "desk/transport/mailrules.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"

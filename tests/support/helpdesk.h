@@ -1,7 +1,7 @@
 // The situation of whole-program tests: one desk with a helpdesk on it, and any number of copies of the program.
 #pragma once
 
-#include "desk/objects/desk.h"
+#include "desk/host/desk.h"
 #include "orvelle/host/host.h"
 #include "orvelle/program/programrun.h"
 #include "support/counting.h"

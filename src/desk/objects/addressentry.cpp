@@ -1,6 +1,6 @@
 #include "desk/objects/addressentry.h"
 
-#include "desk/objects/directory.h"
+#include "desk/content/directory.h"
 #include "desk/objects/session.h"
 
 namespace desk::objects {

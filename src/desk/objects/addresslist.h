@@ -1,7 +1,7 @@
 /// One list of the address book.
 #pragma once
 
-#include "desk/objects/directory.h"
+#include "desk/content/directory.h"
 #include "desk/objects/sessionobject.h"
 
 namespace desk::objects {

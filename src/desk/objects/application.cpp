@@ -1,17 +1,17 @@
 #include "desk/objects/application.h"
 
+#include "desk/content/itemmessage.h"
 #include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
 #include "desk/objects/inspector.h"
 #include "desk/objects/inspectors.h"
 #include "desk/objects/item.h"
 #include "desk/objects/itemkinds.h"
-#include "desk/objects/itemmessage.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/namespace.h"
+#include "desk/objects/openwindows.h"
 #include "desk/objects/session.h"
-#include "desk/objects/transport.h"
-#include "desk/objects/windows.h"
+#include "desk/transport/transport.h"
 
 namespace desk::objects {
 

@@ -1,7 +1,7 @@
 #include "desk/objects/attachment.h"
 
+#include "desk/content/itemmessage.h"
 #include "desk/objects/item.h"
-#include "desk/objects/itemmessage.h"
 
 namespace desk::objects {
 

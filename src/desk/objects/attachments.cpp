@@ -1,8 +1,8 @@
 #include "desk/objects/attachments.h"
 
+#include "desk/content/itemmessage.h"
 #include "desk/objects/attachment.h"
 #include "desk/objects/item.h"
-#include "desk/objects/itemmessage.h"
 #include "desk/objects/session.h"
 #include "platform/value/convert.h"
 

@@ -3,9 +3,9 @@
 #include "desk/objects/commandbars.h"
 #include "desk/objects/item.h"
 #include "desk/objects/mapifolder.h"
+#include "desk/objects/openwindows.h"
 #include "desk/objects/selection.h"
 #include "desk/objects/session.h"
-#include "desk/objects/windows.h"
 
 namespace desk::objects {
 

@@ -1,7 +1,7 @@
 /// The folders below a folder, or the top folders of the session.
 #pragma once
 
-#include "desk/objects/filter.h"
+#include "desk/content/filter.h"
 #include "desk/objects/sessionobject.h"
 #include "desk/store/records.h"
 

@@ -2,8 +2,8 @@
 
 #include "desk/objects/commandbars.h"
 #include "desk/objects/item.h"
+#include "desk/objects/openwindows.h"
 #include "desk/objects/session.h"
-#include "desk/objects/windows.h"
 
 namespace desk::objects {
 namespace {

@@ -1,7 +1,7 @@
 /// An opened item of any class.
 #pragma once
 
-#include "desk/objects/itemcontent.h"
+#include "desk/content/itemcontent.h"
 #include "desk/objects/sessionobject.h"
 
 namespace desk::objects {

@@ -1,8 +1,8 @@
 #include "desk/objects/items.h"
 
+#include "desk/content/itemsearch.h"
 #include "desk/objects/item.h"
 #include "desk/objects/itemkinds.h"
-#include "desk/objects/itemsearch.h"
 #include "desk/objects/itemwatch.h"
 #include "desk/objects/mapifolder.h"
 #include "desk/objects/session.h"

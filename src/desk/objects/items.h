@@ -1,7 +1,7 @@
 /// The items of a folder.
 #pragma once
 
-#include "desk/objects/filter.h"
+#include "desk/content/filter.h"
 #include "desk/objects/sessionobject.h"
 #include "desk/store/store.h"
 

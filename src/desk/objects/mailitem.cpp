@@ -2,10 +2,10 @@
 
 #include "desk/mail/composer.h"
 #include "desk/objects/application.h"
-#include "desk/objects/automaticmail.h"
 #include "desk/objects/inspector.h"
+#include "desk/objects/openwindows.h"
 #include "desk/objects/session.h"
-#include "desk/objects/windows.h"
+#include "desk/transport/automaticmail.h"
 
 namespace desk::objects {
 

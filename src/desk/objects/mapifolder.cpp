@@ -1,14 +1,14 @@
 #include "desk/objects/mapifolder.h"
 
+#include "desk/content/folderpath.h"
 #include "desk/objects/explorer.h"
 #include "desk/objects/explorers.h"
-#include "desk/objects/folderpath.h"
 #include "desk/objects/folders.h"
 #include "desk/objects/itemkinds.h"
 #include "desk/objects/items.h"
 #include "desk/objects/namespace.h"
+#include "desk/objects/openwindows.h"
 #include "desk/objects/session.h"
-#include "desk/objects/windows.h"
 
 namespace desk::objects {
 

@@ -1,14 +1,14 @@
 #include "desk/objects/namespace.h"
 
+#include "desk/content/othermailboxes.h"
 #include "desk/objects/addresslists.h"
-#include "desk/objects/folderpicker.h"
 #include "desk/objects/folders.h"
 #include "desk/objects/item.h"
 #include "desk/objects/mapifolder.h"
-#include "desk/objects/othermailboxes.h"
 #include "desk/objects/recipient.h"
 #include "desk/objects/session.h"
-#include "desk/objects/transport.h"
+#include "desk/objects/windowfactory.h"
+#include "desk/transport/transport.h"
 #include "platform/value/convert.h"
 
 namespace desk::objects {
@@ -108,7 +108,8 @@ Value NameSpace::GetSharedDefaultFolder(const Value &Recipient, int FolderType) 
 
 Value NameSpace::PickFolder() {
     const std::shared_ptr<desk::Session> open = session();
-    const std::optional<FolderPlace> picked = pickFolder(*open);
+    WindowFactory *windows = open->windowFactory();
+    const std::optional<FolderPlace> picked = windows ? windows->pickFolder(*open) : std::nullopt;
     return picked ? Value(automation::wrap(open->folder(*picked->store, picked->folder.id))) : Value::nothing();
 }
 

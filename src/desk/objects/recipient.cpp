@@ -1,8 +1,8 @@
 #include "desk/objects/recipient.h"
 
+#include "desk/content/directory.h"
+#include "desk/content/itemmessage.h"
 #include "desk/objects/addressentry.h"
-#include "desk/objects/directory.h"
-#include "desk/objects/itemmessage.h"
 #include "desk/objects/session.h"
 
 namespace desk::objects {

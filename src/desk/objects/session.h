@@ -5,16 +5,14 @@
 /// programs that drive it: what is special about an item is its message class, and the form of a class comes as data.
 #pragma once
 
-#include "desk/objects/profile.h"
-#include "desk/store/store.h"
+#include "desk/content/mailboxes.h"
 
 namespace desk {
 
-class Directory;
 class Forms;
 class ItemWatch;
-class OtherMailboxes;
 class Transport;
+class WindowFactory;
 class Windows;
 
 namespace objects {
@@ -26,32 +24,13 @@ class NameSpace;
 
 /// One person's work with their mailbox and the public folders.
 ///
-/// Objects of the session know it weakly. Invariant: the stores live as long as the session.
-class Session : public std::enable_shared_from_this<Session> {
+/// Objects of the session know it weakly.
+class Session : public Mailboxes, public std::enable_shared_from_this<Session> {
   public:
     static std::shared_ptr<Session> open(const Profile &profile);
     ~Session();
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
-
-    [[nodiscard]] const Profile &profile() const { return m_profile; }
-
-    [[nodiscard]] Store &mailbox() { return *m_mailbox; }
-    [[nodiscard]] Store &publicStore() { return *m_public; }
-    /// The mailbox first, then the public folders, then the mailboxes of other people.
-    [[nodiscard]] QList<Store *> stores();
-    /// Whether a store is somebody's mailbox, this person's or another's.
-    [[nodiscard]] bool isMailbox(const Store &store) const { return &store != m_public.get(); }
-    /// The store that an entry identifier belongs to; null where it is none of this session.
-    [[nodiscard]] Store *storeOf(const QString &entryId);
-
-    /// A default folder of the mailbox, made when it is first asked for. Fails with 0x8004010F for an unknown number.
-    FolderRecord specialFolder(SpecialFolder special) { return specialFolder(*m_mailbox, special); }
-    /// The same of another person's mailbox.
-    static FolderRecord specialFolder(Store &mailbox, SpecialFolder special);
-    /// Makes those default folders that are missing: what somebody who looks into the mailbox expects to see.
-    void makeSpecialFolders();
-    [[nodiscard]] bool isIn(const ItemRecord &item, Store &store, SpecialFolder special);
 
     [[nodiscard]] std::shared_ptr<objects::Application> application();
     [[nodiscard]] std::shared_ptr<objects::NameSpace> nameSpace();
@@ -64,9 +43,11 @@ class Session : public std::enable_shared_from_this<Session> {
 
     [[nodiscard]] Windows &windows() { return *m_windows; }
     [[nodiscard]] ItemWatch &watch() { return *m_watch; }
-    [[nodiscard]] Directory &directory() { return *m_directory; }
     [[nodiscard]] Transport &transport() { return *m_transport; }
-    [[nodiscard]] OtherMailboxes &otherMailboxes() { return *m_others; }
+
+    /// Null where nobody sees the session.
+    [[nodiscard]] WindowFactory *windowFactory() { return m_windowFactory.get(); }
+    void setWindowFactory(std::unique_ptr<WindowFactory> factory);
 
     /// Called when a window begins to show a folder.
     std::function<void(const FolderRecord &)> folderShown;
@@ -78,19 +59,14 @@ class Session : public std::enable_shared_from_this<Session> {
   private:
     explicit Session(const Profile &profile);
 
-    Profile m_profile;
-    std::unique_ptr<Store> m_mailbox;
-    std::unique_ptr<Store> m_public;
-    std::unique_ptr<OtherMailboxes> m_others;
+    std::unique_ptr<WindowFactory> m_windowFactory;
     std::unique_ptr<Windows> m_windows;
     std::unique_ptr<ItemWatch> m_watch;
     std::unique_ptr<Transport> m_transport;
-    std::unique_ptr<Directory> m_directory;
     std::unique_ptr<Forms> m_forms;
     std::shared_ptr<objects::Application> m_application;
     std::shared_ptr<objects::NameSpace> m_nameSpace;
     std::map<std::pair<Store *, FolderId>, std::weak_ptr<objects::MAPIFolder>> m_folders;
-    bool m_hasSpecialFolders = false;
 };
 
 } // namespace desk

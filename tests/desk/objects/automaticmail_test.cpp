@@ -3,10 +3,10 @@
 #include "deskfixture.h"
 
 #include "desk/mail/parser.h"
-#include "desk/objects/automaticmail.h"
-#include "desk/objects/delivery.h"
-#include "desk/objects/mailrules.h"
 #include "desk/objects/session.h"
+#include "desk/transport/automaticmail.h"
+#include "desk/transport/delivery.h"
+#include "desk/transport/mailrules.h"
 
 #include <QDir>
 

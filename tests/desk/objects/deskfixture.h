@@ -1,7 +1,7 @@
 /// A desk on a temporary profile, driven as a client drives it.
 #pragma once
 
-#include "desk/objects/desk.h"
+#include "desk/host/desk.h"
 #include "platform/value/convert.h"
 #include "support/files.h"
 #include "support/steps.h"

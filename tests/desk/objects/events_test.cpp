@@ -2,9 +2,9 @@
 
 #include "deskfixture.h"
 
-#include "desk/objects/delivery.h"
-#include "desk/objects/folderpath.h"
+#include "desk/content/folderpath.h"
 #include "desk/objects/session.h"
+#include "desk/transport/delivery.h"
 
 namespace {
 

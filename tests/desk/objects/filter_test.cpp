@@ -2,7 +2,7 @@
 
 #include "deskfixture.h"
 
-#include "desk/objects/filter.h"
+#include "desk/content/filter.h"
 
 namespace {
 

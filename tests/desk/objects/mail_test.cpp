@@ -3,8 +3,8 @@
 #include "deskfixture.h"
 
 #include "desk/mail/parser.h"
-#include "desk/objects/delivery.h"
 #include "desk/objects/session.h"
+#include "desk/transport/delivery.h"
 
 #include <QDir>
 
