@@ -1,5 +1,6 @@
-# One static library a folder, one test executable a folder of tests/. The link lists in src/CMakeLists.txt are the
-# picture of the system: a header of a folder that is not in the list is not on the include path.
+# One static library a folder, one test executable a folder of tests/. The link lists are the picture of the system: what
+# a folder may include is what it links. All of src/ is on the include path, so it is scripts/layers that holds the
+# includes against the lists.
 
 include(CheckCXXCompilerFlag)
 find_program(CCACHE ccache)
