@@ -95,21 +95,21 @@ void frmMessageBox::Show() {
     chkCheckBox = sheet.value(chkName) == QStringLiteral("1") ? 1 : 0;
 }
 
-void clsAlwaysOnTop::MakeNormal(window::Form &frm) { frm.setTopMost(false); }
+void clsAlwaysOnTop::MakeNormal(controls::Form &frm) { frm.SetTopMost(false); }
 
-void clsAlwaysOnTop::MakeTopMost(window::Form &frm) { frm.setTopMost(true); }
+void clsAlwaysOnTop::MakeTopMost(controls::Form &frm) { frm.SetTopMost(true); }
 
-void subApplyBackColorToControl(const window::Pixels &hDC, window::Control &ctl) {
+void subApplyBackColorToControl(const controls::Pixels &hDC, controls::Control &ctl) {
     subTrace("Setting the background color of the control");
     std::optional<qint32> lngKept;
     const auto failure = Attempt([&] {
         lngKept = ctl.BackColor();
         const QRect place = ctl.place();
         if (const auto lngColor = hDC.GetPixel(place.x() + place.width() / 2, place.y() + place.height() / 2))
-            ctl.setBackColor(*lngColor);
+            ctl.SetBackColor(*lngColor);
     });
     if (failure && lngKept)
-        (void)Attempt([&] { ctl.setBackColor(*lngKept); });
+        (void)Attempt([&] { ctl.SetBackColor(*lngKept); });
 }
 
 void subInitCommonControls() {}

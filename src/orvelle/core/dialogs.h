@@ -2,7 +2,7 @@
 #pragma once
 
 #include "orvelle/host/host.h"
-#include "platform/window/form.h"
+#include "platform/controls/form.h"
 #include "platform/window/window.h"
 
 #include <QString>
@@ -36,12 +36,12 @@ class frmMessageBox {
 /// Keeps a window on top of the others.
 class clsAlwaysOnTop {
   public:
-    static void MakeNormal(window::Form &frm);
-    static void MakeTopMost(window::Form &frm);
+    static void MakeNormal(controls::Form &frm);
+    static void MakeTopMost(controls::Form &frm);
 };
 
 /// Gives a control the colour that the dialog really shows at the control's centre.
-void subApplyBackColorToControl(const window::Pixels &hDC, window::Control &ctl);
+void subApplyBackColorToControl(const controls::Pixels &hDC, controls::Control &ctl);
 
 /// Makes the classes of themed controls known to the system. Ours needs no such call.
 void subInitCommonControls();

@@ -4,9 +4,9 @@
 #include "orvelle/core/trace.h"
 #include "platform/window/window.h"
 
-void subEnsureVisibleTaskBar(window::Form &frm, const QString &strTitle) try {
+void subEnsureVisibleTaskBar(controls::Form &frm, const QString &strTitle) try {
     subTrace("Trying to make sure the form appears in the Activity bar");
-    frm.setInTaskBar(true);
+    frm.SetInTaskBar(true);
     (void)Attempt([&] {
         if (!strTitle.isEmpty())
             window::activate(strTitle);

@@ -52,12 +52,11 @@ QString cProblemTypes::GetProblemTypes() const {
     return distinctTexts(*DicList, &cProblemType::ProblemDescription).join(u'*');
 }
 
-void cProblemTypes::AddToComboOrList(Control &cmbCombo, qint16 intCatChoice) const {
+void cProblemTypes::AddToComboOrList(controls::Control &cmbCombo, qint16 intCatChoice) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
     const auto member = intCatChoice == 1 ? &cProblemType::ProblemDescription : &cProblemType::ProblemCategory;
-    for (const QString &text : distinctTexts(*DicList, member))
-        cmbCombo.AddItem(text);
+    cmbCombo.AddItems(distinctTexts(*DicList, member));
     if (!shown.isEmpty())
         cmbCombo.SetText(shown);
 }

@@ -1,8 +1,8 @@
 /// Problem types: what a ticket is about, the category above it and the minutes that such a ticket takes by default.
 #pragma once
 
-#include "orvelle/reference/control.h"
 #include "orvelle/reference/rows.h"
+#include "platform/controls/control.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/value/ref.h"
 
@@ -35,7 +35,7 @@ class cProblemTypes {
     /// The distinct descriptions joined by "*".
     [[nodiscard]] QString GetProblemTypes() const;
     /// Refills the control with the distinct descriptions (1) or categories (any other choice); what it showed stays.
-    void AddToComboOrList(Control &cmbCombo, qint16 intCatChoice) const;
+    void AddToComboOrList(controls::Control &cmbCombo, qint16 intCatChoice) const;
     /// Adds to the list. Fails with 9 on a line with too few fields, 13 on minutes that are no number.
     void FromString(const QString &StringToParse);
     /// Replaces the list with the table's rows, the nameless ones left out.

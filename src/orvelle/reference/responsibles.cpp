@@ -36,13 +36,10 @@ void cResponsible::FromRS(const Ref<ado::Recordset> &adrRecord) try {
 
 cResponsibles::cResponsibles() : DicList(fncCreateDic<Ref<cResponsible>>()) {}
 
-void cResponsibles::AddToComboOrList(Control &cmbCombo) const {
+void cResponsibles::AddToComboOrList(controls::Control &cmbCombo) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
-    for (const QString &name : DicList->Keys()) {
-        if (!fncTrim(name).isEmpty())
-            cmbCombo.AddItem(name);
-    }
+    cmbCombo.AddItems(fncNotBlank(DicList->Keys()));
     if (!shown.isEmpty())
         cmbCombo.SetText(shown);
 }

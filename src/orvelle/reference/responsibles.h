@@ -1,8 +1,8 @@
 /// Responsibles: the members of the helpdesk's staff who can be assigned a ticket.
 #pragma once
 
-#include "orvelle/reference/control.h"
 #include "orvelle/reference/rows.h"
+#include "platform/controls/control.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/value/ref.h"
 
@@ -34,7 +34,7 @@ class cResponsibles {
     Ref<scripting::Dictionary<Ref<cResponsible>>> DicList;
 
     /// Refills the control with the names; what it showed stays shown.
-    void AddToComboOrList(Control &cmbCombo) const;
+    void AddToComboOrList(controls::Control &cmbCombo) const;
     /// Adds to the list.
     void FromString(const QString &StringToParse);
     /// Replaces the list with the table's rows.

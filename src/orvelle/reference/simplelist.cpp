@@ -25,7 +25,7 @@ void addOnce(scripting::Dictionary<QString> &dicList, const QString &strItem) {
 }
 
 /// The first row that shows the text. A drop-down list takes no other choice than one of its rows.
-void chooseRow(Control &cmbCombo, const QString &strText) {
+void chooseRow(controls::Control &cmbCombo, const QString &strText) {
     for (int row = 0; row < cmbCombo.ListCount(); ++row) {
         if (toText(cmbCombo.List(row)) == strText) {
             cmbCombo.SetListIndex(row);
@@ -49,13 +49,10 @@ void cSimpleList::FromString(const QString &JoinedList) try {
     subErrorHandler(failure, "cSimpleList.FromString");
 }
 
-void cSimpleList::AddToComboOrList(Control &cmbCombo, QString &strDefaultValue) const {
+void cSimpleList::AddToComboOrList(controls::Control &cmbCombo, QString &strDefaultValue) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
-    for (const QString &item : DicList->Items()) {
-        if (!fncTrim(item).isEmpty())
-            cmbCombo.AddItem(item);
-    }
+    cmbCombo.AddItems(fncNotBlank(DicList->Items()));
     if (!shown.isEmpty())
         strDefaultValue = shown;
     if (strDefaultValue.isEmpty())
@@ -84,7 +81,7 @@ void cSimpleList::FromArray(const ValueList &ArrayToSplit) {
         addOnce(*DicList, toText(item));
 }
 
-void cSimpleList::FromComboOrList(const Control &cmbCombo) {
+void cSimpleList::FromComboOrList(const controls::Control &cmbCombo) {
     DicList = fncCreateDic<QString>();
     for (int row = 0; row < cmbCombo.ListCount(); ++row)
         addOnce(*DicList, toText(cmbCombo.List(row)));

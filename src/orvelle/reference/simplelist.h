@@ -2,8 +2,8 @@
 /// dictionary, a joined text, a combo or list box, an array and a table with a value column.
 #pragma once
 
-#include "orvelle/reference/control.h"
 #include "orvelle/reference/rows.h"
+#include "platform/controls/control.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/value/ref.h"
 
@@ -26,7 +26,7 @@ class cSimpleList {
     void FromString(const QString &JoinedList);
     /// Refills the control. What it showed stays shown and is handed back in `strDefaultValue`; a control that showed
     /// nothing gets `strDefaultValue`.
-    void AddToComboOrList(Control &cmbCombo, QString &strDefaultValue) const;
+    void AddToComboOrList(controls::Control &cmbCombo, QString &strDefaultValue) const;
     /// Fails with 9 on an empty list.
     [[nodiscard]] QString RandomItem() const;
     /// Adds the values of the table's second column, from the current row on. Nothing adds nothing.
@@ -34,7 +34,7 @@ class cSimpleList {
     /// Replaces the list, empty texts included.
     void FromArray(const ValueList &ArrayToSplit);
     /// Replaces the list with the control's rows.
-    void FromComboOrList(const Control &cmbCombo);
+    void FromComboOrList(const controls::Control &cmbCombo);
     /// One column. Fails with 9 on an empty list.
     [[nodiscard]] ValueRows ToArray() const;
     /// Brings the whole table, open for writing, in line with the list: adds what is new, deletes what is gone.

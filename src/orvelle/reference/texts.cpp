@@ -13,6 +13,11 @@ QString fncTrim(const QString &strText) {
     return strText.mid(first, last - first);
 }
 
+QStringList fncNotBlank(QStringList strTexts) {
+    strTexts.removeIf([](const QString &strText) { return fncTrim(strText).isEmpty(); });
+    return strTexts;
+}
+
 QString fncCut(const QString &strText, qsizetype lngCount) {
     const bool blnHalf = lngCount < strText.size() && strText[lngCount].isLowSurrogate();
     return strText.left(blnHalf ? lngCount - 1 : lngCount);

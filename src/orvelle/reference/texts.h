@@ -7,6 +7,9 @@
 /// Without blanks at both ends. Only blanks: a tab or a line end stays.
 QString fncTrim(const QString &strText);
 
+/// Those that are more than blanks.
+QStringList fncNotBlank(QStringList strTexts);
+
 /// The first so many characters, or one less where that would keep half of a sign.
 QString fncCut(const QString &strText, qsizetype lngCount);
 

@@ -63,7 +63,7 @@ host::MAPIFolder fncGetFolderFromPath(const QString &strPath) {
         host::MAPIFolder());
 }
 
-host::MAPIFolder fncPickFolder(window::Form *frmFormToReactiveate) {
+host::MAPIFolder fncPickFolder(controls::Form *frmFormToReactiveate) {
     subStartOutlook(defaultfolder::inbox);
     Attempt([] { ouaOutlook->ActiveExplorer().Activate(); });
     Attempt([] { fncGetShell()->AppActivate(toText(ouaOutlook->ActiveWindow().get("Caption"))); });

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "orvelle/host/folders.h"
-#include "platform/window/form.h"
+#include "platform/controls/form.h"
 
 #include <QString>
 
@@ -13,4 +13,4 @@ QString fncGetFolderPath(const host::MAPIFolder &ouf, const host::NameSpace &ons
 host::MAPIFolder fncGetFolderFromPath(const QString &strPath);
 
 /// Lets the person pick a folder; Nothing on cancel. The form, where one is given, comes to the front again afterwards.
-host::MAPIFolder fncPickFolder(window::Form *frmFormToReactiveate);
+host::MAPIFolder fncPickFolder(controls::Form *frmFormToReactiveate);

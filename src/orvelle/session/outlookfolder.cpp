@@ -11,7 +11,7 @@ QString fncNameOf(const host::MAPIFolder &ouf) {
 }
 } // namespace
 
-void cOutlookFolder::GetOutlookPathInfo(window::Form *frmFormToReactiveate, qint32 intFolderType) try {
+void cOutlookFolder::GetOutlookPathInfo(controls::Form *frmFormToReactiveate, qint32 intFolderType) try {
     const host::MAPIFolder ouf = fncPickFolder(frmFormToReactiveate);
     if (ouf.isNothing() || ouf.DefaultItemType() != intFolderType)
         return;

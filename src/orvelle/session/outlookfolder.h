@@ -2,7 +2,7 @@
 #pragma once
 
 #include "orvelle/host/folders.h"
-#include "platform/window/form.h"
+#include "platform/controls/form.h"
 
 #include <QString>
 
@@ -16,7 +16,7 @@ class cOutlookFolder {
     QString Name;
 
     /// Lets the person pick a folder and refers to it, unless its kind is another than `intFolderType`.
-    void GetOutlookPathInfo(window::Form *frmFormToReactiveate, qint32 intFolderType);
+    void GetOutlookPathInfo(controls::Form *frmFormToReactiveate, qint32 intFolderType);
     /// The folder, or Nothing.
     [[nodiscard]] host::MAPIFolder GetFolder() const;
     /// Writes the reference to four properties of an item, their names beginning with `strExtraName`.

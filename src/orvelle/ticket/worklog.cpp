@@ -3,8 +3,8 @@
 #include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/trace.h"
-#include "orvelle/reference/control.h"
 #include "orvelle/reference/settings.h"
+#include "platform/controls/control.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/value/convert.h"
 #include "platform/value/random.h"
@@ -33,7 +33,7 @@ QString cWorkDescription::ToString() const {
     return Description + u'\t' + formatDateTime(WorkDate, region()) + u'\t' + QString::number(Minutes) + u'\t' + User;
 }
 
-void cWorkDescription::AddRow(Control &ListBox) const {
+void cWorkDescription::AddRow(controls::Control &ListBox) const {
     ListBox.AddItem("");
     const int row = ListBox.ListCount() - 1;
     ListBox.SetList(row, descriptionColumn, Description);
@@ -42,7 +42,7 @@ void cWorkDescription::AddRow(Control &ListBox) const {
     ListBox.SetList(row, userColumn, User);
 }
 
-void cWorkDescription::FromRow(const Control &ListBox, int intRow) {
+void cWorkDescription::FromRow(const controls::Control &ListBox, int intRow) {
     Description = toText(ListBox.List(intRow, descriptionColumn));
     WorkDate = toDateTime(ListBox.List(intRow, dateColumn));
     Minutes = toInt16(ListBox.List(intRow, minutesColumn));
@@ -72,7 +72,7 @@ void cWorkDescription::RandomData(DateTime dteDate, const QString &strResponsibl
 
 cWorkDescs::cWorkDescs() : dicWorkDesc(fncCreateDic<Ref<cWorkDescription>>()) {}
 
-void cWorkDescs::ReadFromListBox(const Control &ListBox) {
+void cWorkDescs::ReadFromListBox(const controls::Control &ListBox) {
     for (int row = 0; row < ListBox.ListCount(); ++row) {
         const auto objWork = Ref<cWorkDescription>::make();
         objWork->FromRow(ListBox, row);

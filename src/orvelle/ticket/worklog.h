@@ -8,7 +8,9 @@
 #include "platform/value/ref.h"
 #include "platform/value/value.h"
 
+namespace controls {
 class Control;
+}
 
 /// One row of the log. As a text: description, date, minutes and user, parted by tabs.
 class cWorkDescription {
@@ -21,9 +23,9 @@ class cWorkDescription {
 
     [[nodiscard]] QString ToString() const;
     /// Appends the row to a list box: description, date, minutes, user.
-    void AddRow(Control &ListBox) const;
+    void AddRow(controls::Control &ListBox) const;
     /// Reads the same four columns of a list box back.
-    void FromRow(const Control &ListBox, int intRow);
+    void FromRow(const controls::Control &ListBox, int intRow);
     /// A text of any other number of parts than four leaves the row as it is.
     void FromString(const QString &StringToParse);
     /// Makes an example row.
@@ -38,7 +40,7 @@ class cWorkDescs {
     Ref<scripting::Dictionary<Ref<cWorkDescription>>> dicWorkDesc;
 
     /// Adds the list box's rows.
-    void ReadFromListBox(const Control &ListBox);
+    void ReadFromListBox(const controls::Control &ListBox);
     /// Every row followed by the separator; empty for an empty log.
     [[nodiscard]] QString ToString() const;
     /// Replaces all rows. A piece that can't be read is a blank row.

@@ -1,6 +1,8 @@
 #include "platform/window/sheetdialog.h"
 
+#include "platform/value/failure.h"
 #include "platform/window/tree.h"
+#include "platform/window/widgetcontrol.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -46,8 +48,11 @@ QWidget *makeText(Field &field) {
 
 QWidget *makeChoice(Field &field) {
     auto *choice = new QComboBox;
-    choice->addItems(field.choices);
-    choice->setCurrentText(field.value);
+    WidgetControl control(*choice);
+    control.AddItems(field.choices);
+    // A value of no row leaves the first one chosen.
+    if (Attempt([&] { control.SetText(field.value); }) && control.ListCount() > 0)
+        control.SetListIndex(0);
     QObject::connect(choice, &QComboBox::currentTextChanged, [&field](const QString &text) { field.value = text; });
     return choice;
 }

@@ -1,4 +1,4 @@
-/// A sheet as a dialog of widgets.
+/// The window that asks what a `Sheet` says: its text, a widget for each field, its buttons in a row.
 #pragma once
 
 #include "platform/window/window.h"

@@ -3,6 +3,7 @@
 #include "orvelle/core/formhelpers.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "support/fakecontrol.h"
 #include "support/fakeobject.h"
 #include "support/program.h"
 
@@ -115,7 +116,7 @@ TEST_F(Dialogs, TheBoxGivesItsAnswerAndItsCheck) {
 }
 
 TEST_F(Dialogs, AControlTakesTheColourAtItsCentreAndKeepsItsOwnOtherwise) {
-    struct Surface : window::Pixels {
+    struct Surface : controls::Pixels {
         std::optional<qint32> GetPixel(qint32 x, qint32 y) const override {
             if (fails)
                 throw Failure(failures::unspecified);
@@ -123,12 +124,6 @@ TEST_F(Dialogs, AControlTakesTheColourAtItsCentreAndKeepsItsOwnOtherwise) {
         }
         std::optional<qint32> color;
         bool fails = false;
-    };
-    struct Box : window::Control {
-        QRect place() const override { return {10, 20, 30, 40}; }
-        qint32 BackColor() const override { return color; }
-        void setBackColor(qint32 value) override { color = value; }
-        qint32 color = 5;
     };
     struct Case {
         std::optional<qint32> surface;
@@ -139,19 +134,20 @@ TEST_F(Dialogs, AControlTakesTheColourAtItsCentreAndKeepsItsOwnOtherwise) {
         Surface surface;
         surface.color = c.surface;
         surface.fails = c.fails;
-        Box box;
+        FakeControl box;
         subApplyBackColorToControl(surface, box);
-        EXPECT_EQ(box.color, c.color);
+        EXPECT_EQ(box.BackColor(), c.color);
     }
 }
 
 TEST_F(Dialogs, AFormIsShownInTheTaskbarAndOnlyAVisibleOneTakesTheFocus) {
-    struct Window : window::Form {
+    struct Window : controls::Form {
         QString Caption() const override { return "Caption"; }
         bool Visible() const override { return visible; }
-        void setTopMost(bool value) override { log << QString("top %1").arg(value); }
-        void setInTaskBar(bool value) override { log << QString("taskbar %1").arg(value); }
+        void SetTopMost(bool value) override { log << QString("top %1").arg(value); }
+        void SetInTaskBar(bool value) override { log << QString("taskbar %1").arg(value); }
         void SetFocus() override { log << "focus"; }
+        std::unique_ptr<controls::Control> Controls(const QString &) const override { return nullptr; }
         bool visible = false;
         QStringList log;
     };

@@ -10,6 +10,7 @@
 
 #include "orvelle/core/trace.h"
 #include "platform/scripting/components.h"
+#include "support/fakecontrol.h"
 #include "support/fakeobject.h"
 #include "support/program.h"
 
@@ -193,24 +194,14 @@ TEST_F(Runtime, AFieldChangesByItsValue) {
 }
 
 TEST_F(Runtime, AComboKeepsItsValue) {
-    struct Combo {
-        QString value;
-        QStringList items;
-        QString Value() const { return value; }
-        void SetValue(const QString &text) { value = text; }
-        void Clear() {
-            items.clear();
-            value.clear();
-        }
-        void AddItem(const QString &text) { items << text; }
-    };
     const auto dic = fncCreateDic<QString>();
     dic->Add("b", "1");
     dic->Add("a", "2");
-    Combo combo{.value = "not in the list", .items = {"old"}};
+    FakeControl combo(FakeControl::Kind::Combo, "not in the list");
+    combo.AddItem("old");
     subFillCombo(combo, dic);
-    EXPECT_EQ(combo.items, (QStringList{"b", "a"}));
-    EXPECT_EQ(combo.value, "not in the list");
+    EXPECT_EQ(combo.rows(), (QStringList{"b", "a"}));
+    EXPECT_EQ(combo.Text(), "not in the list");
 }
 
 TEST_F(Runtime, TheDefaultTicketBodyHasItsTwoParts) {

@@ -1,7 +1,7 @@
 // The lists of records: problem types, responsibles and callers, and the tables that mirror them.
 
-#include "orvelle/reference/fakecontrol.h"
 #include "orvelle/reference/program.h"
+#include "support/fakecontrol.h"
 
 #include "platform/value/random.h"
 

@@ -1,8 +1,8 @@
 // The list of texts and the five shapes it moves between.
 
-#include "orvelle/reference/fakecontrol.h"
 #include "orvelle/reference/program.h"
 #include "orvelle/reference/simplelist.h"
+#include "support/fakecontrol.h"
 
 #include "platform/value/random.h"
 

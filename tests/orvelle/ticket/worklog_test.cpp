@@ -1,9 +1,9 @@
 // The work log: its text, the list box, and the table that only grows.
 
-#include "orvelle/reference/fakecontrol.h"
 #include "orvelle/reference/program.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/ticket/worklog.h"
+#include "support/fakecontrol.h"
 
 #include <random>
 
