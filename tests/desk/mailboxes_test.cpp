@@ -127,7 +127,7 @@ TEST_F(MailboxesTest, OneThatMayOnlyBeReadSaysSo) {
 
 TEST_F(MailboxesTest, ARunningDeskOpensItAtOnceAndFindsPeopleByName) {
     startDesk();
-    const auto client = connect();
+    auto client = connect();
     const auto mapi = client->root()->call("GetNamespace", {"MAPI"}).object();
     const auto inboxOf = [&](const QString &name) -> QString {
         const Value folder = mapi->call("GetSharedDefaultFolder", {mapi->call("CreateRecipient", {name}), 6});
@@ -159,6 +159,7 @@ TEST_F(MailboxesTest, ARunningDeskOpensItAtOnceAndFindsPeopleByName) {
             EXPECT_EQ(inboxOf(each.name), each.path) << each.name.toStdString();
         }
     }
+    client.reset();
     EXPECT_EQ(endDesk(), 0);
 }
 

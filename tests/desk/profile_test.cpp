@@ -80,7 +80,7 @@ TEST_F(ProfileTest, ASharedStoreFollowsTheGroupOfItsFolder) {
     ASSERT_EQ(::chown(QFile::encodeName(file("team")).constData(), 0, group), 0);
     setMode(file("team"), 0770);
     startDesk({"--public", shared});
-    const auto client = connect();
+    auto client = connect();
     // A move into the store makes the file of the moves too.
     const auto session = client->root()->call("GetNamespace", {"MAPI"}).object();
     const auto mail = client->root()->call("CreateItem", {0}).object();
@@ -91,6 +91,7 @@ TEST_F(ProfileTest, ASharedStoreFollowsTheGroupOfItsFolder) {
         EXPECT_EQ(groupOf(shared + ending), group) << ending;
     }
     EXPECT_EQ(modeOf(inProfile("mailbox.store-wal")), 0600U);
+    client.reset();
     EXPECT_EQ(endDesk(), 0);
 }
 

@@ -61,6 +61,7 @@ class DeskProgramTest : public ::testing::Test {
         ASSERT_TRUE(m_desk.waitForReadyRead(30'000));
         ASSERT_TRUE(m_desk.readLine().startsWith("ready "));
     }
+    /// The desk waits for whoever is still connected; a client of the test goes before.
     int endDesk() {
         m_desk.terminate();
         EXPECT_TRUE(m_desk.waitForFinished(30'000));

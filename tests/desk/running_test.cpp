@@ -53,17 +53,19 @@ TEST_F(RunningTest, ItRunsWhateverTheDisplay) {
         environment.insert("DISPLAY", display);
         m_desk.setProcessEnvironment(environment);
         startDesk();
-        const auto client = connect();
+        auto client = connect();
         const auto session = client->root()->call("GetNamespace", {"MAPI"}).object();
         EXPECT_TRUE(session->call("PickFolder", {}).isNothing()) << display;
+        client.reset();
         EXPECT_EQ(endDesk(), 0) << display;
     }
 }
 
 TEST_F(RunningTest, AClientMayEndIt) {
     startDesk();
-    const auto client = connect();
+    auto client = connect();
     client->root()->call("Quit", {});
+    client.reset();
     EXPECT_TRUE(eventually([&] { return m_desk.waitForFinished(0) || m_desk.state() == QProcess::NotRunning; }));
     EXPECT_EQ(m_desk.exitCode(), 0);
 }
@@ -127,6 +129,7 @@ TEST_F(RunningTest, ADeskOutOfFileHandlesTurnsNewcomersAwayAtOnce) {
     EXPECT_LT(ticks() - before, 20) << "it spins";
     clients.pop_back();
     EXPECT_TRUE(eventually([&] { return !Attempt([&] { static_cast<void>(connect()); }); }));
+    clients.clear();
     EXPECT_EQ(endDesk(), 0);
 }
 
@@ -134,9 +137,10 @@ TEST_F(RunningTest, TheFolderShownIsRemembered) {
     EXPECT_EQ(run({"folder", "add", "\\\\Public Folders\\Ours"}).status, 0);
     for (const QStringList &arguments : {QStringList{"--open", "\\\\Public Folders\\Ours"}, QStringList{}}) {
         startDesk(arguments);
-        const auto client = connect();
+        auto client = connect();
         const auto explorer = client->root()->call("ActiveExplorer", {}).object();
         EXPECT_EQ(toText(explorer->get("CurrentFolder").object()->get("Name")), "Ours");
+        client.reset();
         EXPECT_EQ(endDesk(), 0);
     }
     EXPECT_EQ(run({"--open", "\\\\Nowhere"}).status, 1);
@@ -148,7 +152,7 @@ TEST_F(RunningTest, AHomePageStartsItsProgramAtEachShowing) {
     startDesk({"--open", folder});
     EXPECT_TRUE(eventually([&] { return starts() == 1; }));
     EXPECT_EQ(contentOf(file("page/note.started")).trimmed(), profile().toUtf8());
-    const auto client = connect();
+    auto client = connect();
     const auto explorer = client->root()->call("ActiveExplorer", {}).object();
     const Value shown = explorer->get("CurrentFolder");
     explorer->call("Activate", {});
@@ -158,6 +162,7 @@ TEST_F(RunningTest, AHomePageStartsItsProgramAtEachShowing) {
     shown.object()->put("WebViewOn", false);
     explorer->put("CurrentFolder", shown.object()->get("Parent"));
     explorer->put("CurrentFolder", shown);
+    client.reset();
     EXPECT_EQ(endDesk(), 0);
     EXPECT_EQ(starts(), 2);
 }
