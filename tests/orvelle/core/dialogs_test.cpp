@@ -27,13 +27,11 @@ TEST_F(Dialogs, TheAssistantIsAskedWhereThereIsOne) {
     answerWith(6);
     subAssistantMessage(oua, "told");
     EXPECT_EQ(fncAssistantYesNo(oua, "Open?", 4), 6);
-    EXPECT_EQ(fncAssistantOKCancel(oua, "Sure?"), 6);
     subAssistantWorking(oua);
     const QString title = strProgramTitle;
     EXPECT_EQ(assistant->log,
               (QStringList{"Visible=True", "DoAlert(" + title + ", told, 0, 4, 0, -1, False)", "Visible=True",
-                           "DoAlert(" + title + ", Open?, 4, 2, 0, -1, False)", "Visible=True",
-                           "DoAlert(" + title + ", Sure?, 1, 2, 0, -1, False)", "Visible=True", "Animation=25"}));
+                           "DoAlert(" + title + ", Open?, 4, 2, 0, -1, False)", "Visible=True", "Animation=25"}));
     EXPECT_EQ(fncLastStep(), "Showing that the Assistant is working");
 }
 
@@ -42,17 +40,15 @@ TEST_F(Dialogs, AMessageBoxTakesItsPlace) {
     using window::Icon;
     answers.expect("told");
     answers.expect("Open?", window::Yes);
-    answers.expect("Sure?", window::Cancel);
     subAssistantMessage(oua, "told");
     EXPECT_EQ(fncAssistantYesNo(oua, "Open?", 4), 6);
-    EXPECT_EQ(fncAssistantOKCancel(oua, "Sure?"), 2);
     for (int mail = 0; mail < 2; ++mail) {
         subTrace("another step");
         subAssistantWorking(oua);
         EXPECT_EQ(fncLastStep(), "Showing that the Assistant is working") << mail;
     }
-    const std::vector<std::pair<Buttons, Icon>> expected = {
-        {Buttons::OK, Icon::Information}, {Buttons::YesNo, Icon::None}, {Buttons::OKCancel, Icon::Question}};
+    const std::vector<std::pair<Buttons, Icon>> expected = {{Buttons::OK, Icon::Information},
+                                                            {Buttons::YesNo, Icon::None}};
     for (qsizetype i = 0; i < answers.asked().size(); ++i) {
         const window::Question &question = answers.asked().at(i);
         EXPECT_EQ(question.title, strProgramTitle);

@@ -18,18 +18,6 @@ namespace {
 
 using Runtime = support::Program;
 
-TEST_F(Runtime, ADictionarySortsByKeysOrItems) {
-    const auto dic = fncCreateDic<QString>();
-    for (const auto &[key, item] : {std::pair("1", "beta"), {"3", "Alpha"}, {"2", "Gamma"}, {"4", "alpha"}})
-        dic->Add(key, item);
-    EXPECT_EQ(fncSortDictionary(dic, 0, false)->Keys(), (QStringList{"1", "2", "3", "4"}));
-    const auto sorted = fncSortDictionary(dic, 1, false);
-    EXPECT_EQ(sorted->Items(), (QStringList{"Alpha", "alpha", "beta", "Gamma"}));
-    EXPECT_EQ(sorted->Keys(), (QStringList{"3", "4", "1", "2"}));
-    EXPECT_EQ(dic->Keys().first(), "1");
-    EXPECT_EQ(fncSortDictionary(fncCreateDic<QString>(), 1, false)->Count(), 0);
-}
-
 TEST_F(Runtime, AMissingComponentIsHealedOnceAndThenReported) {
     struct Case {
         const char *component;
@@ -102,25 +90,12 @@ TEST_F(Runtime, ACompanionThatCannotBeStartedIsToldAndTheRunGoesOn) {
     EXPECT_EQ(fncLastStep(), "Attempting to execute the path '" + at("X.exe") + "'");
 }
 
-TEST_F(Runtime, FilesAreOpenedAndPrintedWhereTheyAre) {
+TEST_F(Runtime, FilesAreOpenedWhereTheyAre) {
     put("page.txt");
     subInvokeShellVerb(at("none"), "page.txt");
     subInvokeShellVerb(at(""), "none.txt");
     subInvokeShellVerb(at(""), "page.txt");
-    subPrintFile(at("page.txt"));
-    EXPECT_EQ(launches.started(), (QStringList{"xdg-open|" + path("page.txt"), "lp|--|" + path("page.txt")}));
-}
-
-TEST_F(Runtime, ALinkThatCannotBeOpenedIsTold) {
-    const auto host = std::make_shared<support::FakeObject>("Application");
-    ouaOutlook = host::Application(automation::ObjectPtr(host));
-    subOpenLink("http://orvelle.example");
-    subOpenURL("http://orvelle.example/2");
-    EXPECT_EQ(launches.started().size(), 2);
-    launches.fail();
-    subOpenURL("http://orvelle.example/3");
-    answers.expect("Failed to start web browser!");
-    subOpenLink("http://orvelle.example/4");
+    EXPECT_EQ(launches.started(), QStringList{"xdg-open|" + path("page.txt")});
 }
 
 TEST_F(Runtime, BodiesAreCutOutOfTheirPages) {
@@ -140,24 +115,6 @@ TEST_F(Runtime, BodiesAreCutOutOfTheirPages) {
     EXPECT_EQ(fncLastStep(), "Attempting to analyze a 17 long body of html text");
     answers.expect("Sub routine : fncGetBody ", window::No);
     EXPECT_TRUE(support::endsProcess([] { fncGetBody("<html><body"); }));
-}
-
-TEST_F(Runtime, TheFirstLinkIsThatOfTheFirstPrefix) {
-    const std::vector<std::pair<QString, QString>> cases = {
-        {"see http://a.example/x now", "http://a.example/x"},
-        {"www.first.example and http://second.example", "http://second.example"},
-        {"ftp://a \\\\server\\share", "ftp://a"},
-        {"at \\\\server\\share", "\\\\server\\share"},
-        {"file:\\a.txt www.b", "file:\\a.txt"},
-        {"https://secure.example/www x", "www"},
-        {"https://secure.example x", "https://secure.example"},
-        {"HTTP://upper.example", ""},
-        {"line\r\nhttp://a.example\r\nnext line", "http://a.example\r\nnext"},
-        {"nothing", ""},
-        {"", ""},
-    };
-    for (const auto &[text, link] : cases)
-        EXPECT_EQ(fncFirstLink(text), link) << text.toStdString();
 }
 
 TEST_F(Runtime, TextsAreSafeForNull) {
@@ -202,14 +159,6 @@ TEST_F(Runtime, AComboKeepsItsValue) {
     subFillCombo(combo, dic);
     EXPECT_EQ(combo.rows(), (QStringList{"b", "a"}));
     EXPECT_EQ(combo.Text(), "not in the list");
-}
-
-TEST_F(Runtime, TheDefaultTicketBodyHasItsTwoParts) {
-    const QString body = fncNewTicketHTML();
-    EXPECT_EQ(body.split("\r\n").size(), 29);
-    EXPECT_FALSE(body.endsWith("\r\n"));
-    EXPECT_EQ(fncGetBody(body), "\r\n\r\n<h1>Problem</h1>\r\n<p>[BODY]</p>\r\n</p>&nbsp;</p>\r\n</p>&nbsp;</p>\r\n"
-                                "<h1>Solution</h1>\r\n<p></p>\r\n</p>&nbsp;</p>\r\n</p>&nbsp;</p>\r\n");
 }
 
 } // namespace

@@ -83,46 +83,11 @@ TEST_F(TextFiles, ThatCannotBeReplacedAreReportedWithoutRetry) {
     EXPECT_EQ(bytes("a.htm"), "old");
 }
 
-TEST_F(TextFiles, LongNamesComeOutOfShortOnes) {
-    /// A file system whose folders have short names, one folder inside the other.
-    struct ShortNamed : scripting::Folder {
-        ShortNamed(QString path, QString name, QString shortName, Ref<scripting::Folder> parent)
-            : Folder(std::move(path)), m_name(std::move(name)), m_short(std::move(shortName)),
-              m_parent(std::move(parent)) {}
-        QString Name() const override { return m_name; }
-        QString ShortName() const override { return m_short; }
-        bool IsRootFolder() const override { return m_parent.isNothing(); }
-        Ref<scripting::Folder> ParentFolder() const override { return m_parent; }
-        QList<Ref<scripting::Folder>> SubFolders() const override { return subs; }
-        QList<Ref<scripting::Folder>> subs;
-        QString m_name;
-        QString m_short;
-        Ref<scripting::Folder> m_parent;
-    };
-    const auto root = Ref<ShortNamed>::make("C:\\", "", "", nullptr);
-    const auto longNamed = Ref<ShortNamed>::make("C:\\Documents", "Documents", "DOCUME~1", root);
-    const auto shortNamed = Ref<ShortNamed>::make("C:\\DOCUME~1", "DOCUME~1", "DOCUME~1", root);
-    root->subs = {Ref<ShortNamed>::make("C:\\Other", "Other", "OTHER", root), longNamed};
-    const auto temp = Ref<ShortNamed>::make("C:\\DOCUME~1\\TEMP", "TEMP", "TEMP", shortNamed);
-    shortNamed->subs = {Ref<ShortNamed>::make("C:\\DOCUME~1\\Temp", "Temp", "TEMP", shortNamed)};
-    EXPECT_EQ(fncLongFolderPath(root), "C:\\");
-    EXPECT_EQ(fncLongFolderPath(longNamed), "C:\\Documents");
-    EXPECT_EQ(fncLongFolderPath(shortNamed), "C:\\Documents");
-    EXPECT_EQ(fncLongFolderPath(temp), "C:\\Documents\\Temp");
-    // They hold each other.
-    root->subs.clear();
-    shortNamed->subs.clear();
-    EXPECT_EQ(fncGetTempPath(), at("temp"));
-}
-
 TEST_F(TextFiles, PathsAreCutAsTexts) {
     const std::vector<std::pair<QString, QString>> cases = {{"a\\", "a"}, {"a/", "a"}, {"a\\\\", "a\\"},
                                                             {"a", "a"},   {"", ""},    {"\\", ""}};
     for (const auto &[path, cut] : cases)
         EXPECT_EQ(fncNoTrailingSlash(path), cut) << path.toStdString();
-    EXPECT_EQ(fncFolderPart("\\a\\b.txt"), "\\a\\");
-    EXPECT_EQ(fncFolderPart("\\a\\"), "\\a\\");
-    EXPECT_EQ(Attempt([] { fncFolderPart("b.txt"); })->number(), failures::invalidCall);
 }
 
 } // namespace

@@ -80,17 +80,6 @@ TEST_F(NewDatabase, HasTheEightTablesColumnByColumn) {
     EXPECT_TRUE(database->Relations().isEmpty());
 }
 
-TEST_F(NewDatabase, HasItsCaptionsInTheLanguageInForce) {
-    LoadLanguages(3);
-    ASSERT_TRUE(create());
-    const Ref<dao::Database> database = definition();
-    const QList<Ref<dao::Field>> fields = database->FindTableDef("tblPersons")->Fields();
-    EXPECT_EQ(caption(fields[2]), "Tarif");
-    EXPECT_EQ(caption(fields[0]), LNGRESPONSIBLE + " ID");
-    EXPECT_EQ(caption(database->FindTableDef("tblOtherSettings")->Fields()[2]), "Value")
-        << "a literal in every language";
-}
-
 TEST_F(NewDatabase, IsAbsentWhenItCouldNotBeFinished) {
     put("Orvelle.mdb", "in the way");
     answers.expect("fncCreateV7DB", window::No);
@@ -104,35 +93,6 @@ TEST_F(NewDatabase, StepsWithoutADatabaseFail) {
     EXPECT_FALSE(fncAddTicketColumns());
     answers.expect("subAddOtherSettingsTable", window::No);
     EXPECT_THROW(fncAddReferenceTables(), ProcessEnd);
-}
-
-TEST_F(NewDatabase, RemovingRelationsFromNoDatabaseIsReported) {
-    answers.expect("subDAORemoveForeignKeys", window::No);
-    EXPECT_THROW(subDAORemoveForeignKeys(nullptr, "tblTickets"), ProcessEnd);
-}
-
-TEST_F(NewDatabase, AColumnOrTableThatIsThereBelongsToTheCaller) {
-    ASSERT_TRUE(create());
-    const Ref<dao::Database> database = definition();
-    EXPECT_TRUE(Attempt([&] { fncDAOAddTable(database, "tblWork", "intID", ""); }));
-    EXPECT_TRUE(
-        Attempt([&] { subDAOAddField(database->FindTableDef("tblWork"), "strPersonName", "", dao::dbText, 9); }));
-}
-
-TEST_F(NewDatabase, RelationsOfOneForeignTableAreRemoved) {
-    ASSERT_TRUE(create());
-    const Ref<dao::Database> database = definition();
-    const std::pair<const char *, const char *> relations[] = {
-        {"a", "tblTickets"}, {"b", "tblWork"}, {"c", "tblTickets"}, {"d", "TBLTICKETS"}};
-    for (const auto &[name, foreignTable] : relations)
-        database->AppendRelation({name, "tblTypes", foreignTable, dao::dbRelationDontEnforce});
-    subDAORemoveForeignKeys(database, "tblTickets");
-    QStringList left;
-    for (const dao::Relation &relation : database->Relations())
-        left.append(relation.Name);
-    EXPECT_EQ(left.join(" "), "b d");
-    subDAORemoveForeignKeys(database, "tblNone");
-    EXPECT_EQ(database->Relations().size(), 2);
 }
 
 TEST_F(NewDatabase, KeepsWhatWasWrittenWhenTheProgramIsKilled) {

@@ -1,9 +1,6 @@
 // The lists of records: problem types, responsibles and callers, and the tables that mirror them.
 
 #include "orvelle/reference/program.h"
-#include "support/fakecontrol.h"
-
-#include "platform/value/random.h"
 
 namespace {
 
@@ -29,8 +26,6 @@ TEST_F(TypesTest, ReadsTheTable) {
     types.FromRS(open("tblTypes"));
     EXPECT_EQ(types.ToArray(), (ValueRows{{"Printer", "Hardware", qint16{15}}, {"Bare", "", qint16{0}}}));
     EXPECT_EQ(types.DicList->Item("PRINTER")->ID, 1);
-    EXPECT_EQ(types.GetProblemCategory("pRINTER"), "Hardware");
-    EXPECT_EQ(types.GetProblemCategory("none"), "");
     types.FromRS(nullptr);
     EXPECT_EQ(types.DicList->Count(), 0);
 }
@@ -89,33 +84,6 @@ TEST_F(TypesTest, TakesAnArray) {
     EXPECT_EQ(types.ToArray(), (ValueRows{{"a", "A", qint16{5}}, {"b", "B", qint16{0}}, {"c", "C", qint16{12}}}));
 }
 
-TEST_F(TypesTest, ShowsDescriptionsOrCategoriesOnceEach) {
-    cProblemTypes types;
-    addType(types, "Printer", "Hardware", 1);
-    addType(types, "Screen", "hardware", 1);
-    addType(types, "Mail", "Software", 1);
-    addType(types, " ", "", 1);
-    FakeControl control(FakeControl::Kind::Combo, "own text");
-    types.AddToComboOrList(control, 1);
-    EXPECT_EQ(control.rows(), (QStringList{"Printer", "Screen", "Mail"}));
-    EXPECT_EQ(control.Text(), "own text");
-    types.AddToComboOrList(control, 2);
-    EXPECT_EQ(control.rows(), (QStringList{"Hardware", "Software"}));
-    EXPECT_EQ(types.GetProblemTypes(), "Printer*Screen*Mail");
-}
-
-TEST_F(TypesTest, DrawsEveryTypeAndFailsOnNone) {
-    Random::seed(3);
-    cProblemTypes types;
-    EXPECT_EQ(failureOf([&] { (void)types.RandomProblemType(); }), failures::subscriptOutOfRange);
-    for (const char *name : {"a", "b", "c"})
-        addType(types, name, "", 0);
-    QMap<QString, int> drawn;
-    for (int i = 0; i < 300; ++i)
-        ++drawn[types.RandomProblemType()->ProblemDescription];
-    EXPECT_EQ(drawn.keys(), (QStringList{"a", "b", "c"}));
-}
-
 TEST_F(PersonsTest, ReadsTheTableTheNamelessIncluded) {
     addRow("tblPersons", {{"strPersonName", "Ann"}, {"curRate", Currency::fromScaled(123456)}, {"strEmail", "a@x"}});
     addRow("tblPersons", {{"strPersonName", ""}});
@@ -149,14 +117,6 @@ TEST_F(PersonsTest, BringsTheTableInLine) {
     renamed.FromArray({{"Anna", "a@x", "12.5"}, {"O'Brien", "", 0}, {"Zoë", "z@x", "no rate"}});
     renamed.ToRS(open("tblPersons"));
     EXPECT_EQ(rows("tblPersons", columns), (QStringList{"3 O'Brien 0 ", "4 Zoë 0 z@x", "5 Anna 12.5 a@x"}));
-}
-
-TEST_F(PersonsTest, FillsAControl) {
-    cResponsibles persons;
-    persons.FromString("Ann\t\t0\r\n \t\t0\r\nBob\t\t0");
-    FakeControl control(FakeControl::Kind::DropDownList, "");
-    persons.AddToComboOrList(control);
-    EXPECT_EQ(control.rows(), (QStringList{"Ann", "Bob"}));
 }
 
 TEST_F(CallersTest, ReadsTheTable) {
@@ -228,7 +188,6 @@ INSTANTIATE_TEST_SUITE_P(
                        list.ToRS(readOnly("tblStatuses"));
                    },
                    "read-only"},
-        ReportCase{"cProblemTypes.ToArray", [] { (void)cProblemTypes().ToArray(); }},
         ReportCase{"cProblemTypes.ToRS",
                    [] {
                        cProblemTypes types;
@@ -240,7 +199,6 @@ INSTANTIATE_TEST_SUITE_P(
                        types.ToRS(recordset);
                    },
                    "changed or deleted by another program"},
-        ReportCase{"cProblemTypes.FromArray", [] { cProblemTypes().FromArray({{"a"}}); }},
         ReportCase{"cProblemType.FromRS",
                    [] {
                        addRow("tblTypes", {{"strCategory", "no description"}});
@@ -251,7 +209,6 @@ INSTANTIATE_TEST_SUITE_P(
                        addRow("tblPersons", {{"strEmail", "no name"}});
                        cResponsibles().FromRS(open("tblPersons"));
                    }},
-        ReportCase{"cResponsibles.FromString", [] { cResponsibles().FromString("Ann\ta@x\tdear"); }},
         ReportCase{"cOtherSettings.GetValue",
                    [] {
                        objSettings->OtherSettings->SetValue("ServiceStart", "soon");
@@ -259,39 +216,13 @@ INSTANTIATE_TEST_SUITE_P(
                    },
                    "The setting ServiceStart holds \"soon\""},
         ReportCase{"cResponsibles.FromRS", [] { cResponsibles().FromRS(closed("tblPersons")); }, "not open"},
-        ReportCase{"cResponsibles.ToRS",
-                   [] {
-                       cResponsibles persons;
-                       persons.FromString("Ann\t\t0");
-                       persons.ToRS(nullptr);
-                   }},
-        ReportCase{"cResponsibles.FromArray", [] { cResponsibles().FromArray({{"Ann"}}); }},
-        ReportCase{"cResponsibles.GetResponsibleFromID",
-                   [] {
-                       cResponsibles persons;
-                       persons.DicList = nullptr;
-                       (void)persons.GetResponsibleFromID(1);
-                   }},
-        ReportCase{"cCallerList.ToRS", [] { cCallersList().ToRS(nullptr); }},
-        ReportCase{"cCallersList_RandomCaller",
-                   [] {
-                       cCallersList callers;
-                       callers.DicList = nullptr;
-                       (void)callers.RandomCaller();
-                   }},
-        ReportCase{"cOtherSettings.FromRS", [] { cOtherSettings().FromRS(closed("tblOtherSettings")); }, "not open"},
         ReportCase{"cOtherSettings.ToRS",
                    [] {
                        cOtherSettings settings;
                        settings.SetValue("KBPath", "x");
                        settings.ToRS(readOnly("tblOtherSettings"));
                    },
-                   "read-only"},
-        ReportCase{"cSettings.SaveSettings",
-                   [] {
-                       objSettings->Callers = nullptr;
-                       objSettings->SaveSettings();
-                   }}),
+                   "read-only"}),
     [](const auto &each) { return QString(each.param.procedure).replace(u'.', u'_').toStdString(); });
 
 TEST_P(Reports, UnderTheirNamesAndEnd) {
@@ -299,16 +230,6 @@ TEST_P(Reports, UnderTheirNamesAndEnd) {
     expectReport(GetParam().procedure);
     EXPECT_TRUE(endsProcess(GetParam().step));
     EXPECT_TRUE(answers.asked().first().text.contains(GetParam().reason)) << qPrintable(answers.asked().first().text);
-}
-
-TEST_F(CallersTest, HasAnExampleCallerWhereThereIsNone) {
-    const cCallersList callers;
-    EXPECT_EQ(callers.RandomCaller()->FullName, "Alma Tester");
-    EXPECT_EQ(callers.DicList->Count(), 0);
-    cCallersList one;
-    one.FromString("Cal\t\t\t");
-    for (int i = 0; i < 20; ++i)
-        EXPECT_EQ(one.RandomCaller()->FullName, "Cal");
 }
 
 } // namespace

@@ -151,25 +151,6 @@ TEST_F(SettingsTest, ALanguageThatIsNoNumberIsReportedAndLeft) {
     EXPECT_EQ(language(), "Swedish");
 }
 
-TEST_F(SettingsTest, TakesFromTheRegistryWhatStandsThere) {
-    cOutlookFolder &folder = *objSettings->objFolder;
-    const std::pair<const char *, QString *> values[] = {
-        {"EntryID", &folder.EntryID}, {"StoreID", &folder.StoreID}, {"Path", &folder.Path}, {"Name", &folder.Name}};
-    const auto expectFields = [&](const QString &prefix) {
-        for (const auto &[name, field] : values)
-            EXPECT_EQ(*field, prefix + name);
-    };
-    for (const auto &[name, field] : values)
-        *field = QString("old ") + name;
-    subReadFolderFromRegistry();
-    expectFields("old ");
-    for (const auto &[name, field] : values)
-        scripting::Shell().RegWrite(QString("HKCU\\Software\\Tessmark\\Orvelle\\Folder ") + name,
-                                    QString("new ") + name);
-    subReadFolderFromRegistry();
-    expectFields("new ");
-}
-
 TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {
     const std::pair<const char *, const char *> cases[] = {
         {"file://C:\\Data\\page.htm", "C:\\Data\\"},
@@ -183,15 +164,6 @@ TEST_F(SettingsTest, FindsTheFolderOfTheHomePage) {
         tickets().WebViewURL(url);
         EXPECT_EQ(objSettings->fncGetFilePath(), folder) << url;
     }
-    EXPECT_EQ(objSettings->fncGetFileName("C:\\x/y.htm"), "y.htm");
-    EXPECT_EQ(objSettings->fncGetFileName("y.htm"), "");
-}
-
-TEST_F(SettingsTest, LaysOutANewTicket) {
-    const QString page = objSettings->NewTicketHTML("It <b>burns</b>");
-    EXPECT_TRUE(page.startsWith("<html><head><style>p{ margin-bottom: -20 }</style></head>"));
-    EXPECT_TRUE(page.contains("size='4'>" + LNGPROBLEM + "</font></p><p>It <b>burns</b>&nbsp;</p>"));
-    EXPECT_TRUE(page.endsWith(LNGSOLUTION + "</font></p><p>&nbsp;</p></body></html>"));
 }
 
 TEST_F(SettingsTest, AskedForAFolderItTakesThePickedOneAndKeepsItsPathOrEnds) {

@@ -1,10 +1,7 @@
-// The list of texts and the five shapes it moves between.
+// The list of texts, as a joined text and as a table.
 
 #include "orvelle/reference/program.h"
 #include "orvelle/reference/simplelist.h"
-#include "support/fakecontrol.h"
-
-#include "platform/value/random.h"
 
 namespace {
 
@@ -42,73 +39,6 @@ TEST_F(SimpleListTest, TakesAJoinedTextApartAndPutsItTogether) {
         EXPECT_EQ(list.DicList->Keys(), one.items);
         EXPECT_EQ(list.ToString(), one.joinedAgain);
     }
-}
-
-struct ControlCase {
-    const char *name;
-    FakeControl::Kind kind;
-    QString shown, preset;
-    QString shownAfter, presetAfter;
-    int indexAfter;
-};
-
-TEST_F(SimpleListTest, FillsAControlAndKeepsWhatItShows) {
-    using Kind = FakeControl::Kind;
-    const QList<ControlCase> cases{
-        {"nothing shown, no preset", Kind::Combo, "", "", "", "", -1},
-        {"preset", Kind::Combo, "", "b", "b", "b", 1},
-        {"shown wins over preset", Kind::Combo, "a", "b", "a", "a", 0},
-        {"a combo keeps a text of no row", Kind::Combo, "x", "b", "x", "x", -1},
-        {"a list shows its row", Kind::DropDownList, "b", "", "b", "b", 1},
-        {"a list refuses a text of no row", Kind::DropDownList, "x", "", "", "x", -1},
-    };
-    for (const ControlCase &one : cases) {
-        SCOPED_TRACE(one.name);
-        FakeControl control(one.kind, one.shown);
-        QString preset = one.preset;
-        listOf({"a", "b", "", "  ", " c "}).AddToComboOrList(control, preset);
-        EXPECT_EQ(control.rows(), (QStringList{"a", "b", " c "}));
-        EXPECT_EQ(control.Text(), one.shownAfter);
-        EXPECT_EQ(preset, one.presetAfter);
-        EXPECT_EQ(control.ListIndex(), one.indexAfter);
-    }
-}
-
-/// A list that takes no text at all, only a choice of its rows.
-class ChoiceOnly : public FakeControl {
-  public:
-    void SetText(const QString &) override { throw Failure(380, "Invalid property value"); }
-};
-
-TEST_F(SimpleListTest, ChoosesTheRowWhereAControlTakesNoText) {
-    ChoiceOnly control;
-    QString preset = "b";
-    listOf({"a", "b", "B2"}).AddToComboOrList(control, preset);
-    EXPECT_EQ(control.ListIndex(), 1);
-}
-
-TEST_F(SimpleListTest, ReadsAControlAndAnArrayBack) {
-    FakeControl control;
-    for (const char *text : {"a", "", "A", "b"})
-        control.AddItem(text);
-    cSimpleList list = listOf({"old"});
-    list.FromComboOrList(control);
-    EXPECT_EQ(list.DicList->Keys(), (QStringList{"a", "", "b"}));
-
-    list.FromArray({"x", "", "X", qint32{7}});
-    EXPECT_EQ(list.DicList->Keys(), (QStringList{"x", "", "7"}));
-    EXPECT_EQ(list.ToArray(), (ValueRows{{"x"}, {""}, {"7"}}));
-}
-
-TEST_F(SimpleListTest, DrawsEveryItemAndFailsOnNone) {
-    Random::seed(7);
-    const cSimpleList list = listOf({"a", "b", "c"});
-    QMap<QString, int> drawn;
-    for (int i = 0; i < 300; ++i)
-        ++drawn[list.RandomItem()];
-    EXPECT_EQ(drawn.keys(), (QStringList{"a", "b", "c"}));
-    EXPECT_EQ(failureOf([] { (void)cSimpleList().ToArray(); }), failures::subscriptOutOfRange);
-    EXPECT_EQ(failureOf([] { (void)cSimpleList().RandomItem(); }), failures::subscriptOutOfRange);
 }
 
 using SimpleListTableTest = DatabaseTest;

@@ -70,39 +70,6 @@ TEST_F(FolderTest, ASavedReferenceFindsByIdentifierThenByPathAndChecksTheName) {
     }
 }
 
-TEST_F(FolderTest, ASavedReferenceCrossesAnItem) {
-    cOutlookFolder written;
-    written.Path = "\\\\A\\B";
-    written.EntryID = "01";
-    written.StoreID = "02";
-    written.Name = "B";
-    const host::Item item = put(tickets(), "IPM.Post", "holder");
-    written.SaveToOutlookProps(item, "Home");
-    EXPECT_EQ(property(item, "HomeOutlookFolderName"), "B");
-    cOutlookFolder read;
-    read.GetFromOutlookProps(item, "Home");
-    EXPECT_EQ(read.Path, written.Path);
-    EXPECT_EQ(read.EntryID, written.EntryID);
-    EXPECT_EQ(read.StoreID, written.StoreID);
-    EXPECT_EQ(read.Name, written.Name);
-}
-
-TEST_F(FolderTest, APickOfTheRightKindIsReferredToAndAnotherLeavesTheReference) {
-    const qint32 kind = tickets().DefaultItemType();
-    const QString path = "\\\\Public Folders\\Helpdesk";
-    const std::pair<qint32, const char *> picks[] = {{kind, ""}, {kind + 1, "cmdOK"}, {kind, "cmdOK"}};
-    for (const auto &[wanted, button] : picks) {
-        const bool isTaken = wanted == kind && *button != '\0';
-        cOutlookFolder folder;
-        folder.Path = "as it was";
-        answers.expectSheet("frmPickFolder", button, {{"treFolders", path}});
-        folder.GetOutlookPathInfo(nullptr, wanted);
-        EXPECT_EQ(folder.Path, isTaken ? path : "as it was");
-        EXPECT_EQ(folder.EntryID, isTaken ? tickets().EntryID() : QString());
-        EXPECT_EQ(!folder.GetFolder().isNothing(), isTaken);
-    }
-}
-
 TEST_F(FolderTest, TheHomePageMarksAHelpdeskFolderWhateverItsCase) {
     tickets().WebViewURL("file:C:\\Share\\orvelle.HTM");
     EXPECT_TRUE(fncValidTicketFolder() == tickets());
@@ -135,13 +102,6 @@ TEST_F(FolderTest, AFolderThatCantBeTheHelpdesksIsRefusedByItsKind) {
     }
     EXPECT_TRUE(fncValidTicketFolder() == tickets());
     EXPECT_TRUE(ouaOutlook->ActiveExplorer().CurrentFolder() == shown);
-}
-
-TEST_F(FolderTest, TheHomePagesFolderIsItsPathWithoutTheScheme) {
-    EXPECT_EQ(fncHomePageFolder("file:C:\\Share\\Orvelle.htm"), "C:\\Share");
-    EXPECT_EQ(fncHomePageFolder("file:\\\\server\\share\\sub\\Orvelle.htm"), "\\\\server\\share\\sub");
-    EXPECT_EQ(fncHomePageFolder("file:/srv/helpdesk/Orvelle.htm"), "/srv/helpdesk");
-    EXPECT_EQ(fncHomePageFolder("Orvelle.htm"), "");
 }
 
 TEST_F(FolderTest, TheReferenceIsLeftInTheRegistry) {

@@ -6,7 +6,6 @@
 #include "orvelle/session/folderpath.h"
 #include "orvelle/session/forms.h"
 #include "orvelle/session/homepage.h"
-#include "orvelle/session/outlookfolder.h"
 #include "orvelle/session/safeutils.h"
 #include "platform/scripting/components.h"
 #include "support/fakeobject.h"
@@ -88,8 +87,6 @@ TEST_F(SessionTest, WhatTheHostRefusesIsToldReportedOrPassedOver) {
                   [] { subSetCurrentFolder(9); }},
              Case{"Explorer.CurrentFolder", "", false, expectValidFolder, helpdesk},
              Case{"Application.ActiveExplorer()", "", false, expectValidFolder, helpdesk},
-             Case{"MAPIFolder.DefaultItemType", " : cOutlookFolder.GetOutlookPathInfo ", true,
-                  [] { cOutlookFolder().GetOutlookPathInfo(nullptr, 6); }, helpdesk},
              Case{"NameSpace.GetDefaultFolder()", " : subGetSafeMailboxName ", true, [] { (void)fncGetUserName(); }},
              Case{"NameSpace.Folders()", "", false,
                   [] { EXPECT_TRUE(fncGetFolderFromPath("\\\\Public Folders\\Helpdesk").isNothing()); }},
@@ -137,23 +134,6 @@ TEST_F(SessionTest, TheUserIsReadFromTheMailboxRoot) {
     }
     strCurrentUserName = QString();
     EXPECT_FALSE(fncGetUserName().isEmpty()) << "a mailbox without a name leaves it to the machine";
-}
-
-TEST_F(SessionTest, TheFormsMessageEndsInWhatTheHostSaid) {
-    const QStringList lines{"Failed to create a new Outlook form!",
-                            "Most likely the forms cache has been corrupted!",
-                            "Please do the following:",
-                            "1.    Right click your inbox folder",
-                            "2.   Properties",
-                            "3.  Select the Forms tab",
-                            "4.    Manage",
-                            "5.  Clear Cache",
-                            "6. Restart Outlook",
-                            "",
-                            "I apologize for the trouble!",
-                            "",
-                            "the reason"};
-    EXPECT_EQ(fncFormsCacheMessage("the reason").split("\r\n"), lines);
 }
 
 class StubbornForm : public LoadableForm {

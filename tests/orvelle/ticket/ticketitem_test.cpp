@@ -219,18 +219,6 @@ TEST_F(TicketItem, IsWrittenInItsOrderAndOldHostsHaveNoBodyFormat) {
     }
 }
 
-TEST_F(TicketItem, NewItemsAreMarkedUnreadByChance) {
-    Random::seed(1);
-    int unread = 0;
-    for (qint32 i = 1; i <= 60; ++i) {
-        host::Item item;
-        fullTicket().SaveToOutlook(true, false, item);
-        unread += tickets().Items().Item(i).UnRead() ? 1 : 0;
-    }
-    EXPECT_GT(unread, 15);
-    EXPECT_LT(unread, 45);
-}
-
 TEST_F(TicketItem, AWriteThatFailsIsToldOrReported) {
     oufTickets = counted(tickets());
     m_questions->failing = {{"Items.Add()", failures::unspecified}, {"PostItem.Subject=", failures::accessDenied}};
