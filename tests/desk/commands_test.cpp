@@ -1,10 +1,9 @@
 // The commands of orvelle-desk, without a running desk.
 
 #include "program.h"
+#include "support/plaintool.h"
 
 #include <QCryptographicHash>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -146,14 +145,9 @@ TEST_F(CommandsTest, ADeletedItemGoesToTheDeletedItemsAndFromThereForEver) {
 
 TEST_F(CommandsTest, WhatIsMissingOrCantBeStoredIsNamedAndAFullDiskStops) {
     ASSERT_EQ(run({"folders"}).status, 0);
-    {
-        QSqlDatabase store = QSqlDatabase::addDatabase("QSQLITE", "refusing");
-        store.setDatabaseName(profile() + "/mailbox.store");
-        ASSERT_TRUE(store.open());
-        ASSERT_TRUE(QSqlQuery(store).exec("CREATE TRIGGER refuse BEFORE INSERT ON items WHEN NEW.sender_name = 'Bad' "
-                                          "BEGIN SELECT RAISE(ABORT, 'not this one'); END"));
-    }
-    QSqlDatabase::removeDatabase("refusing");
+    plainTool(profile() + "/mailbox.store",
+              {"CREATE TRIGGER refuse BEFORE INSERT ON items WHEN NEW.sender_name = 'Bad' "
+               "BEGIN SELECT RAISE(ABORT, 'not this one'); END"});
     const auto boxed = [](const QByteArray &sender, qsizetype size = 1) {
         return "From x Mon Nov 16 09:00:00 2026\nFrom: " + sender + " <x@example.org>\n\n" + QByteArray(size, 'x') +
                "\n\n";

@@ -32,37 +32,29 @@ std::string shown(const QList<Address> &list) {
     return result;
 }
 
+/// A message's fields by their names.
+std::vector<std::pair<std::string, std::string>> fieldsOf(const Message &message) {
+    std::vector<std::pair<std::string, std::string>> fields{
+        {"subject", shown(message.subject)},
+        {"text", shown(message.text)},
+        {"html", shown(message.html)},
+        {"people", shown(QList<Address>{message.from, message.sender}) + shown(message.replyTo) + "to" +
+                       shown(message.to) + "cc" + shown(message.cc) + "bcc" + shown(message.bcc)},
+        {"identifiers", shown(message.messageId + " / " + message.inReplyTo.join(u' ') + " / " +
+                              message.references.join(u' ') + message.sentAt.toString(Qt::ISODate))},
+        {"number of attachments", std::to_string(message.attachments.size())}};
+    for (const Attachment &each : message.attachments)
+        fields.emplace_back("attachment",
+                            shown(each.name + ", " + each.mimeType + ", " + each.charset + ", " + each.contentId));
+    return fields;
+}
+
 std::string difference(const Message &first, const Message &second) {
-    const auto differ = [](const char *field, const std::string &a, const std::string &b) {
-        return std::string(field) + " was\n" + a + "\nand came back as\n" + b;
-    };
-    if (first.subject != second.subject)
-        return differ("subject", shown(first.subject), shown(second.subject));
-    if (first.text != second.text)
-        return differ("text", shown(first.text), shown(second.text));
-    if (first.html != second.html)
-        return differ("html", shown(first.html), shown(second.html));
-    const auto people = [](const Message &message) {
-        return shown(QList<Address>{message.from, message.sender}) + shown(message.replyTo) + "to" + shown(message.to) +
-               "cc" + shown(message.cc) + "bcc" + shown(message.bcc);
-    };
-    if (people(first) != people(second))
-        return differ("people", people(first), people(second));
-    for (qsizetype i = 0; i < std::min(first.attachments.size(), second.attachments.size()); ++i) {
-        const Attachment &a = first.attachments[i];
-        const Attachment &b = second.attachments[i];
-        if (a != b)
-            return differ("attachment", shown(a.name + ", " + a.mimeType + ", " + a.charset + ", " + a.contentId),
-                          shown(b.name + ", " + b.mimeType + ", " + b.charset + ", " + b.contentId));
-    }
-    if (first.attachments.size() != second.attachments.size())
-        return differ("number of attachments", std::to_string(first.attachments.size()),
-                      std::to_string(second.attachments.size()));
-    const auto ids = [](const Message &message) {
-        return shown(message.messageId + " / " + message.inReplyTo.join(u' ') + " / " + message.references.join(u' '));
-    };
-    return differ("another field", ids(first) + shown(first.sentAt.toString(Qt::ISODate)),
-                  ids(second) + shown(second.sentAt.toString(Qt::ISODate)));
+    const auto was = fieldsOf(first);
+    const auto is = fieldsOf(second);
+    const auto [a, b] = std::mismatch(was.begin(), was.end(), is.begin(), is.end());
+    return a == was.end() ? "another field differs"
+                          : a->first + " was\n" + a->second + "\nand came back as\n" + b->second;
 }
 
 } // namespace

@@ -29,10 +29,8 @@ class Copies : public Helpdesk {
     void endAll();
     static void expectSilence(const Station &station);
 
-    enum class Killed { No, Yes };
-    /// The books of all delivered mails. Where programs were killed, a mail may stand at "Working..." for each kill,
-    /// and such a mail alone may lack its ticket, its number or its confirmation.
-    void expectBooks(Killed killed = Killed::No, int kills = 0);
+    /// The books of all delivered mails: each has its ticket, its number, its row and its confirmation, once.
+    void expectBooks();
 
   private:
     std::vector<std::unique_ptr<Station>> m_people;

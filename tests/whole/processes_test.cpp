@@ -95,12 +95,6 @@ TEST_F(Helpdesk, AReportIsInTheLanguageOfTheCommandLineAndTheStepsAreInTheLog) {
         EXPECT_TRUE(log.contains(step)) << step;
 }
 
-TEST_F(TwoProcesses, AnOrderlyEndFreesTheFolder) {
-    endOrvelle();
-    EXPECT_EQ(orvelle().exitCode(), 0);
-    EXPECT_EQ(list(inbox).size(), 0);
-}
-
 TEST_F(TwoProcesses, TheExampleDayBecomesTickets) {
     deliver({QStringLiteral(EXAMPLE_MAILS)});
     const auto mails = QDir(QStringLiteral(EXAMPLE_MAILS)).entryList({"*.eml"}).size();

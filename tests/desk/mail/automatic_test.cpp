@@ -209,7 +209,9 @@ const QByteArrayList texts{"It makes a noise.", "Auto-Submitted: auto-replied\ni
 
 TEST(AutomaticMail, TwoHundredMailsOfPeopleAreOrdinary) {
     QRandomGenerator random(20261116);
-    const auto one = [&](const auto &list) { return list[random.bounded(static_cast<int>(std::size(list)))]; };
+    const auto one = [&](const auto &list) {
+        return *std::next(list.begin(), random.bounded(static_cast<int>(std::size(list))));
+    };
     std::set<QByteArray> different;
     for (int i = 0; i < 200; ++i) {
         Case mail = one(ordinary);

@@ -44,12 +44,6 @@ const SubjectCase subjects[] = {
 };
 INSTANTIATE_TEST_SUITE_P(All, Subjects, testing::ValuesIn(subjects), nameOfCase);
 
-TEST(Headers, RawTextInAnotherSetFollowsTheBody) {
-    const Message message =
-        parseMessage("Subject: \xCF\xF0\r\nContent-Type: text/plain; charset=windows-1251\r\n\r\n\xCF\r\n");
-    EXPECT_EQ(message.subject, "Пр");
-}
-
 struct AddressCase {
     const char *name;
     QByteArray value;
@@ -95,17 +89,6 @@ const AddressCase addressLists[] = {
     {"NameIsAnAddress", "\"x@y\" <a@b>", {{"x@y", "a@b"}}},
 };
 INSTANTIATE_TEST_SUITE_P(All, AddressLists, testing::ValuesIn(addressLists), nameOfCase);
-
-TEST(Headers, PeopleComeFromTheirFields) {
-    const Message message = withHeader("From: Ann <a@x>\r\nSender: Bob <b@x>\r\nReply-To: c@x\r\nTo: d@x\r\nTo: e@x\r\n"
-                                       "Cc: f@x\r\nBcc: g@x");
-    EXPECT_EQ(message.from, (Address{"Ann", "a@x"}));
-    EXPECT_EQ(message.sender, (Address{"Bob", "b@x"}));
-    EXPECT_EQ(message.replyTo.value(0).address, "c@x");
-    EXPECT_EQ(message.to.size(), 2);
-    EXPECT_EQ(message.cc.value(0).address, "f@x");
-    EXPECT_EQ(message.bcc.value(0).address, "g@x");
-}
 
 TEST(Headers, WithoutFromTheSenderIsTheWriter) {
     const Message message = withHeader("Sender: Bob <b@x>");

@@ -94,14 +94,6 @@ TEST_F(FoldersTest, ADeletedFolderGoesToTheDeletedItemsAndThenForEver) {
     EXPECT_EQ(failureOf([&] { folder(6).call("Delete"); }), failures::accessDenied);
 }
 
-TEST_F(FoldersTest, OnlyThePersonsOwnFoldersAreShared) {
-    const Handle own = session().of("CreateRecipient", {"alma tester"});
-    EXPECT_TRUE(session().of("GetSharedDefaultFolder", {own, 6}) == folder(6));
-    const Handle other = session().of("CreateRecipient", {"Bo Other"});
-    EXPECT_EQ(failureOf([&] { session().call("GetSharedDefaultFolder", {other, 6}); }), failures::notFound);
-    EXPECT_TRUE(Handle(session().call("PickFolder")).isNothing());
-}
-
 TEST_F(FoldersTest, ObjectsThatOutliveTheDeskFailInsteadOfCrashing) {
     const Handle app = application();
     const Handle inbox = folder(6);

@@ -132,16 +132,6 @@ TEST_F(ItemsTest, AMoveTakesEverythingAlong) {
     }
 }
 
-TEST_F(ItemsTest, OnlyOneOfTwoMovesTheItem) {
-    static_cast<void>(savedItem(folder(6), "IPM.Note", "Wanted"));
-    const Handle one = folder(6).of("Items").of("Item", {1});
-    const Handle other = folder(6).of("Items").of("Item", {1});
-    one.call("Move", {folder(16)});
-    EXPECT_EQ(failureOf([&] { other.call("Move", {publicFolder("Helpdesk")}); }), failures::itemGone);
-    EXPECT_EQ(subjects(folder(16)), QStringList{"Wanted"});
-    EXPECT_EQ(publicFolder("Helpdesk").of("Items").number("Count"), 0);
-}
-
 TEST_F(ItemsTest, ACopyStandsBesideItsItem) {
     const Handle item = savedItem(folder(6), "IPM.Note", "Twice");
     item.of("Attachments").call("Add", {written("a.txt", "attached")});

@@ -51,17 +51,6 @@ TEST_F(Report, ReadsInFullAndOnNoNothingIsMailed) {
     EXPECT_EQ(releases, 1);
 }
 
-TEST_F(Report, BeforeAnyPhraseAndStepIsStillComplete) {
-    m_copy.clear();
-    support::Answers others;
-    others.expect("#-2147467259", window::No);
-    fail("Unspecified error", failures::unspecified, 10, "Main");
-    EXPECT_EQ(others.asked().first().text,
-              " " + title + " (" + fncOSName() + ")\r\n" + QString(70, u'-') +
-                  "\r\n\r\n :\r\n\r\n\r\n :\r\nUnspecified error\r\n#-2147467259\r\n\r\n : "
-                  "Main \r\n: 10\r\n\r\n?");
-}
-
 TEST_F(Report, NamesThePlaceOfItsHandler) {
     answers.expect("Sub routine : subReadPhrases ", window::No);
     const auto guarded = [] {
@@ -169,10 +158,6 @@ TEST_F(Report, StandsInFullOnStandardErrorWhereNobodyIs) {
     for (const char *part :
          {"The last step", "Some text", "#5", "Sub routine : Main", "Error on line: 7", "answered: No"})
         EXPECT_NE(told.find(part), std::string::npos) << part;
-}
-
-TEST_F(Report, TheSystemIsNamedWithItsVersion) {
-    EXPECT_TRUE(QRegularExpression("^Linux \\d+\\.\\d+$").match(fncOSName()).hasMatch()) << fncOSName().toStdString();
 }
 
 } // namespace

@@ -37,14 +37,6 @@ TEST_F(Process, AnEntryBelongsToTheCopyThatMadeIt) {
     EXPECT_EQ(strCurrentUserName.get(), "7");
 }
 
-TEST_F(Process, AnEntryPassesItsArgumentsByReference) {
-    const auto handler = Entry([](ValueList &arguments) { arguments[0] = true; });
-    ValueList arguments{false};
-    auto changing = handler;
-    changing(arguments);
-    EXPECT_EQ(arguments.first(), Value(true));
-}
-
 TEST_F(Process, AFailureThatReachesTheEntryIsReportedAndEndsTheCopy) {
     answers.expect("Type mismatch", window::No);
     int entered = 0;

@@ -126,6 +126,13 @@ TEST_F(Runtime, TextsAreSafeForNull) {
         EXPECT_EQ(fncNullSafeText(value), text);
 }
 
+TEST_F(Runtime, PathsLoseTheirLastSeparator) {
+    const std::vector<std::pair<QString, QString>> cases = {{"a\\", "a"}, {"a/", "a"}, {"a\\\\", "a\\"},
+                                                            {"a", "a"},   {"", ""},    {"\\", ""}};
+    for (const auto &[path, cut] : cases)
+        EXPECT_EQ(fncNoTrailingSlash(path), cut) << path.toStdString();
+}
+
 TEST_F(Runtime, AFieldChangesByItsValue) {
     struct Case {
         Value stored;

@@ -29,16 +29,4 @@ TEST(Handle, IdentityIsTheHostsObject) {
     EXPECT_TRUE(host::Item() == host::Item());
 }
 
-TEST(Handle, ArgumentsStandAtTheirPositions) {
-    const auto object = std::make_shared<support::FakeObject>("Item");
-    const auto folder = std::make_shared<support::FakeObject>("Folder");
-
-    static_cast<void>(host::Attachments(object).Add("C:\\a.txt", 1, "a"));
-    host::Item(object).Move(host::MAPIFolder(folder));
-    static_cast<void>(host::CommandBarControls(object).Add(1, 1, true));
-    host::Explorer(object).CurrentFolder(host::MAPIFolder(folder));
-    EXPECT_EQ(object->log, (QStringList{"Add(C:\\a.txt, 1, (missing), a)", "Move((Folder))",
-                                        "Add(1, 1, (missing), (missing), True)", "CurrentFolder=(Folder)"}));
-}
-
 } // namespace

@@ -1,10 +1,7 @@
 // What a ticket made from a mail holds: its caller, its text, and what happens without the safe-object library.
 
-#include "orvelle/mail/createticket.h"
-
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "support/fakeobject.h"
 #include "support/helpdesk.h"
 
 namespace {
@@ -67,21 +64,6 @@ INSTANTIATE_TEST_SUITE_P(
                     TextCase{"no body tag", "<p>one</p>", "one\r\ntwo", "[one<br>two"},
                     TextCase{"body without an end", "<body><p>x</p>", "x", "[<body><p>x</p>"}),
     [](const auto &each) { return QString(each.param.what).replace(' ', '_').toStdString(); });
-
-// The detour over rich text costs the text, so that it is written again.
-TEST_F(CreateTicket, ABodyIsWrittenTwice) {
-    setSetting("NewHTML", "[BODY]");
-    auto &copy = start();
-    const host::MAPIFolder inbox = mapi().GetDefaultFolder(6);
-    deliver({.subject = "one", .html = "<body>text</body>"}, inbox);
-    const auto post = std::make_shared<support::FakeObject>("PostItem");
-    copy.in([&] {
-        const host::Item other = put(tickets(), "IPM.Post", "other");
-        subFillTicketFromMail(inbox.Items().Item(1), host::PostItem(post), other.UserProperties());
-    });
-    EXPECT_EQ(post->log, (QStringList{"Importance=1", "BodyFormat=2", "HTMLBody=text", "BodyFormat=3", "BodyFormat=2",
-                                      "HTMLBody=text", "Subject=one"}));
-}
 
 TEST_F(CreateTicket, AnEmptySubjectStaysEmptyAndImportanceIsTaken) {
     start();

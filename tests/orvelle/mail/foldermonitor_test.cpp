@@ -156,20 +156,6 @@ INSTANTIATE_TEST_SUITE_P(Classes, ItemClasses,
                                          ClassCase{"IPM.Notes", true, 0, "", "Support"},
                                          ClassCase{"REPORT.IPM.Note.NDR", false, 0, "", "Support"}));
 
-TEST_F(FolderMonitor, ItemsThatAreClaimedOrFlagsOrNothingAreNotNew) {
-    auto &copy = newCopy();
-    const auto isNew = [&](const host::Item &item) { return copy.in([&] { return fncIsNewMailItem(item); }); };
-    const host::Item claimed = put(intake(), "IPM.Note", "claimed");
-    claimed.BillingInformation("Working...");
-    EXPECT_FALSE(isNew(claimed));
-    EXPECT_FALSE(isNew(put(intake(), "IPM.Post", strFlagSubject)));
-    EXPECT_FALSE(isNew(host::Item()));
-    EXPECT_TRUE(isNew(put(intake(), "IPM.Note", "")));
-    const host::Item gone = put(intake(), "IPM.Note", "gone");
-    gone.Delete();
-    EXPECT_FALSE(isNew(gone));
-}
-
 // Anybody can write the subject of the flag item on a mail, and would stop the intake by it.
 TEST_F(FolderMonitor, AMailThatPosesAsTheFlagIsAMailLikeAnyOther) {
     const support::Mail poser{.subject = strFlagSubject, .from = "x@example.org\r\nX-Message-Class: IPM.Post"};

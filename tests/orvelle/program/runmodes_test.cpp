@@ -17,8 +17,6 @@
 
 #include <QDir>
 
-#include <gmock/gmock.h>
-
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -390,21 +388,5 @@ TEST_P(Repair, WalksASmallFolderWholeAndOfALargeOneTheLastItemAlone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, Repair, testing::Values(RepairCase{0, 1}, RepairCase{49, 25}, RepairCase{50, 1}));
-
-TEST_F(RunModes, OldReportFilesAreRemoved) {
-    const QStringList inBoth{"Anv„ndarkategori Antal.txt", "Anv„ndarkategori Taxa.txt", "Anv„ndarkategori Tim.txt"};
-    const QStringList inOne{"Ansvarig AVG Timmar ”ppen.txt", "Anv„ndarkategori AVG Timmar ”ppen.txt",
-                            "Datum AVG Timmar ”ppen.txt", "Problemkategori AVG Timmar ”ppen.txt"};
-    const QStringList none{"Användarkategori Antal.txt", "mine.txt"};
-    const std::pair<const char *, QStringList> kept[] = {{"Reports2K", inOne + none}, {"ReportsXP", none}};
-    const auto folderOf = [this](const char *name) { return path(QString("program/%1/Corvane/").arg(name)); };
-    for (const auto &[folder, files] : kept) {
-        for (const QString &file : inBoth + inOne + none)
-            writtenFile(folderOf(folder) + file, {});
-    }
-    start();
-    for (const auto &[folder, files] : kept)
-        EXPECT_THAT(QDir(folderOf(folder)).entryList(QDir::Files), testing::UnorderedElementsAreArray(files)) << folder;
-}
 
 } // namespace

@@ -66,24 +66,6 @@ TEST_F(TypesTest, FindsRowsByTheTablesOwnKeysAlone) {
     EXPECT_EQ(rows("tblTypes", {"strTypeDescription", "strCategory", "intDefMin"}), (QStringList{"a A 1", "b B 2"}));
 }
 
-TEST_F(TypesTest, ParsesLines) {
-    cProblemTypes types;
-    addType(types, "kept", "older", 1);
-    types.FromString("Kept\tnewer\t9\r\nPrinter\tHardware\t15");
-    types.FromString("");
-    EXPECT_EQ(types.ToArray(), (ValueRows{{"kept", "older", qint16{1}}, {"Printer", "Hardware", qint16{15}}}));
-    EXPECT_EQ(failureOf([&] { types.FromString("a\tb"); }), failures::subscriptOutOfRange);
-    EXPECT_EQ(failureOf([&] { types.FromString("a\tb\t1\r\n"); }), failures::subscriptOutOfRange);
-    EXPECT_EQ(failureOf([&] { types.FromString("x\tb\tmany"); }), failures::typeMismatch);
-}
-
-TEST_F(TypesTest, TakesAnArray) {
-    cProblemTypes types;
-    addType(types, "old", "", 0);
-    types.FromArray({{"a", "A", 5}, {"", "skipped", 1}, {"A", "again", 1}, {"b", "B", "no number"}, {"c", "C", "12"}});
-    EXPECT_EQ(types.ToArray(), (ValueRows{{"a", "A", qint16{5}}, {"b", "B", qint16{0}}, {"c", "C", qint16{12}}}));
-}
-
 TEST_F(PersonsTest, ReadsTheTableTheNamelessIncluded) {
     addRow("tblPersons", {{"strPersonName", "Ann"}, {"curRate", Currency::fromScaled(123456)}, {"strEmail", "a@x"}});
     addRow("tblPersons", {{"strPersonName", ""}});
@@ -153,14 +135,6 @@ TEST_F(CallersTest, BringsTheTableInLineAndSettles) {
               (QStringList{"1 Cal 1 c@x  VIP", "2  Null nobody Null Null", "4 Eve 2 e@x  "}));
 }
 
-TEST_F(CallersTest, TakesAnArrayWithComments) {
-    cCallersList callers;
-    callers.FromArray({{"Cal", "c@x", "1", "VIP", "kind"}, {"", "", "", "", ""}, {"cal", "", "", "", ""}});
-    EXPECT_EQ(callers.ToArray(), (ValueRows{{"Cal", "c@x", "1", "VIP", "kind"}}));
-    EXPECT_EQ(failureOf([&] { callers.FromString("a\tb\tc"); }), failures::subscriptOutOfRange);
-    EXPECT_EQ(failureOf([&] { (void)cCallersList().ToArray(); }), failures::subscriptOutOfRange);
-}
-
 struct ReportCase {
     const char *procedure;
     std::function<void()> step;
@@ -180,49 +154,49 @@ class Reports : public DatabaseTest, public ::testing::WithParamInterface<Report
 
 INSTANTIATE_TEST_SUITE_P(
     OfLists, Reports,
-    ::testing::Values(
-        ReportCase{"cSimpleList.ToRS",
-                   [] {
-                       cSimpleList list;
-                       list.FromString("new");
-                       list.ToRS(readOnly("tblStatuses"));
-                   },
-                   "read-only"},
-        ReportCase{"cProblemTypes.ToRS",
-                   [] {
-                       cProblemTypes types;
-                       addType(types, "a", "changed", 1);
-                       const auto recordset = fncReturnRecordset("tblTypes", false, true, false);
-                       const auto other = fncCreateCommand();
-                       other->SetCommandText("UPDATE tblTypes SET intDefMin = 9");
-                       other->Execute();
-                       types.ToRS(recordset);
-                   },
-                   "changed or deleted by another program"},
-        ReportCase{"cProblemType.FromRS",
-                   [] {
-                       addRow("tblTypes", {{"strCategory", "no description"}});
-                       cProblemTypes().FromRS(open("tblTypes"));
-                   }},
-        ReportCase{"cResponsible.FromRS",
-                   [] {
-                       addRow("tblPersons", {{"strEmail", "no name"}});
-                       cResponsibles().FromRS(open("tblPersons"));
-                   }},
-        ReportCase{"cOtherSettings.GetValue",
-                   [] {
-                       objSettings->OtherSettings->SetValue("ServiceStart", "soon");
-                       (void)objSettings->OtherSettings->GetValue("ServiceStart", settingtype::date);
-                   },
-                   "The setting ServiceStart holds \"soon\""},
-        ReportCase{"cResponsibles.FromRS", [] { cResponsibles().FromRS(closed("tblPersons")); }, "not open"},
-        ReportCase{"cOtherSettings.ToRS",
-                   [] {
-                       cOtherSettings settings;
-                       settings.SetValue("KBPath", "x");
-                       settings.ToRS(readOnly("tblOtherSettings"));
-                   },
-                   "read-only"}),
+    ::testing::Values(ReportCase{"cSimpleList.ToRS",
+                                 [] {
+                                     cSimpleList list;
+                                     list.FromString("new");
+                                     list.ToRS(readOnly("tblStatuses"));
+                                 },
+                                 "read-only"},
+                      ReportCase{"cProblemTypes.ToRS",
+                                 [] {
+                                     cProblemTypes types;
+                                     addType(types, "a", "changed", 1);
+                                     const auto recordset = fncReturnRecordset("tblTypes", false, true, false);
+                                     const auto other = fncCreateCommand();
+                                     other->SetCommandText("UPDATE tblTypes SET intDefMin = 9");
+                                     other->Execute();
+                                     types.ToRS(recordset);
+                                 },
+                                 "changed or deleted by another program"},
+                      ReportCase{"cProblemType.FromRS",
+                                 [] {
+                                     addRow("tblTypes", {{"strCategory", "no description"}});
+                                     cProblemTypes().FromRS(open("tblTypes"));
+                                 }},
+                      ReportCase{"cResponsible.FromRS",
+                                 [] {
+                                     addRow("tblPersons", {{"strEmail", "no name"}});
+                                     cResponsibles().FromRS(open("tblPersons"));
+                                 }},
+                      ReportCase{"cOtherSettings.GetValue",
+                                 [] {
+                                     objSettings->OtherSettings->SetValue("ServiceStart", "soon");
+                                     (void)objSettings->OtherSettings->GetValue("ServiceStart", settingtype::date);
+                                 },
+                                 "The setting ServiceStart holds \"soon\""},
+                      ReportCase{"cResponsibles.FromRS", [] { cResponsibles().FromRS(closed("tblPersons")); },
+                                 "not open"},
+                      ReportCase{"cOtherSettings.ToRS",
+                                 [] {
+                                     cOtherSettings settings;
+                                     settings.SetValue("KBPath", "x");
+                                     settings.ToRS(readOnly("tblOtherSettings"));
+                                 },
+                                 "read-only"}),
     [](const auto &each) { return QString(each.param.procedure).replace(u'.', u'_').toStdString(); });
 
 TEST_P(Reports, UnderTheirNamesAndEnd) {

@@ -35,16 +35,6 @@ class PhraseTable : public testing::Test {
     QList<QStringList> rows;
 };
 
-TEST_F(PhraseTable, HasItsFixedByteForm) {
-    EXPECT_TRUE(phraseTable().startsWith("\xFF\xFEL"));
-    EXPECT_EQ(phraseTable().size() % 2, 0);
-    EXPECT_TRUE(phraseTable().endsWith(QByteArray("\r\0\n\0", 4)));
-    for (const QStringList &row : rows) {
-        for (const QString &field : row)
-            EXPECT_FALSE(field.contains(u'\n') || field.contains(u'\r')) << row.first().toStdString();
-    }
-}
-
 TEST_F(PhraseTable, HasEveryPhraseInEveryLanguage) {
     ASSERT_EQ(rows.size(), 185);
     ASSERT_EQ(std::size(strPhraseKeys), 185U);

@@ -3,28 +3,9 @@
 #include "orvelle/reference/program.h"
 #include "orvelle/ticket/ticketfixture.h"
 #include "support/fakeobject.h"
-
-#include <QSqlDatabase>
-#include <QSqlQuery>
+#include "support/plaintool.h"
 
 namespace {
-
-/// Another program on a database file, for as long as it lives.
-class OtherProgram {
-  public:
-    OtherProgram(const QString &path, const QString &statement) {
-        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "other program");
-        database.setDatabaseName(path);
-        EXPECT_TRUE(database.open());
-        EXPECT_TRUE(QSqlQuery(database).exec(statement));
-    }
-    ~OtherProgram() {
-        QSqlDatabase::database("other program").close();
-        QSqlDatabase::removeDatabase("other program");
-    }
-    OtherProgram(const OtherProgram &) = delete;
-    OtherProgram &operator=(const OtherProgram &) = delete;
-};
 
 class TicketRowTest : public DatabaseTest {
   protected:
@@ -174,28 +155,31 @@ TEST_F(TicketRowTest, ARowThatSomebodyHoldsIsLeftAndToldOf) {
     adoConnection->SetConnectionString(fncGetConnection());
     adoConnection->SetCommandTimeout(0);
     adoConnection->Open();
-    auto writer = std::make_unique<OtherProgram>(path("1/Orvelle.mdb"), "BEGIN IMMEDIATE");
+    // Another program's write that is under way.
+    const auto other = Ref<ado::Connection>::make();
+    other->SetConnectionString(fncGetConnection());
+    other->Open();
+    other->BeginTrans();
     ticket.Subject = "Lost";
     addWork(ticket, "work", 5);
     answers.expect("Failed to write current ticket to DB!\r\nEither the database seems to have read-only attribute, "
                    "or\r\nthe ticket seems to be locked by another user!\r\n\r\nPlease try again");
     ticket.SaveToDB();
-    writer.reset();
+    other->RollbackTrans();
     EXPECT_EQ(only("strTicketSubject"), "Printer's on fire");
     EXPECT_EQ(rows("tblWork", {"intTicketID"}), QStringList{});
 }
 
 // A row without its number in it would not be found again, and the next save would add another.
 TEST_F(TicketRowTest, ANewRowThatCannotTakeItsNumberIsNotAdded) {
-    static_cast<void>(
-        OtherProgram(path("1/Orvelle.mdb"),
-                     "CREATE TRIGGER refuse BEFORE UPDATE ON tblTickets BEGIN SELECT RAISE(ABORT, 'refused'); END"));
+    plainTool(path("1/Orvelle.mdb"),
+              {"CREATE TRIGGER refuse BEFORE UPDATE ON tblTickets BEGIN SELECT RAISE(ABORT, 'refused'); END"});
     cTicket ticket = fullTicket();
     expectReport("SaveToDB");
     EXPECT_TRUE(endsProcess([&] { ticket.SaveToDB(); }));
     EXPECT_EQ(ticket.TicketID, "");
     subCloseConnection();
-    static_cast<void>(OtherProgram(path("1/Orvelle.mdb"), "DROP TRIGGER refuse"));
+    plainTool(path("1/Orvelle.mdb"), {"DROP TRIGGER refuse"});
     EXPECT_EQ(rows("tblTickets", {"intTicketID"}), QStringList{});
     ticket.SaveToDB();
     EXPECT_EQ(rows("tblTickets", {"strTicketID"}), QStringList{ticket.TicketID});

@@ -1,8 +1,6 @@
 // The ticket and its item in the ticket folder of a real desk.
 
 #include "orvelle/ticket/ticketfixture.h"
-#include "platform/value/random.h"
-#include "support/fakeobject.h"
 #include "support/session.h"
 
 namespace {
@@ -186,37 +184,6 @@ TEST_F(TicketItem, AGivenItemComesOutUnreadAndKeepsWhatTheRecordDoesNotHave) {
     EXPECT_TRUE(toDateTime(item.UserProperties().Find("Date due").value()).isZero());
     EXPECT_EQ(item.HTMLBody(), objSettings->NewTicketHTML("plain")) << "the page around a text without HTML";
     EXPECT_EQ(m_questions->mid(m_questions->size() - 2), (QStringList{"PostItem.Save()", "PostItem.Display()"}));
-}
-
-// A form that shows the item hears of each write as it comes.
-TEST_F(TicketItem, IsWrittenInItsOrderAndOldHostsHaveNoBodyFormat) {
-    const std::pair<const char *, QStringList> hosts[] = {{"9.0.0.2711", {}},
-                                                          {"10.0.0.2627", {"BodyFormat=3", "BodyFormat=2"}}};
-    for (const auto &[version, formats] : hosts) {
-        const auto application = std::make_shared<support::FakeObject>("Application");
-        application->properties["Version"] = version;
-        const auto item = std::make_shared<support::FakeObject>("PostItem");
-        const auto properties = std::make_shared<support::FakeObject>("UserProperties");
-        item->properties["UserProperties"] = automation::ObjectPtr(properties);
-        for (const char *verb : {"Find", "Add"}) {
-            properties->calls[verb] = [&](const ValueList &arguments) -> Value {
-                item->log << toText(arguments.first());
-                return automation::ObjectPtr(std::make_shared<support::FakeObject>("UserProperty"));
-            };
-        }
-        support::inAnotherCopy([&] {
-            ouaOutlook = host::Application(automation::ObjectPtr(application));
-            host::Item given(item);
-            fullTicket().SaveToOutlook(false, false, given);
-        });
-        const QString body = "HTMLBody=" + fullTicket().HTMLDescription;
-        const QString before =
-            "Date due|Custom Status|Problem Type|Problem category|Ticket ID|Created at|Created by|"
-            "Responsible|Caller name|Caller email|Caller comment|Caller phone|Caller category|Ticket|"
-            "WorkDescriptions0|WorkDescriptionsCount|Subject=Printer's on fire|Importance=2|";
-        const QStringList after{body, "UnRead=True", "Close(0)"};
-        EXPECT_EQ(item->log, (before + body).split(u'|') + formats + after) << version;
-    }
 }
 
 TEST_F(TicketItem, AWriteThatFailsIsToldOrReported) {

@@ -64,26 +64,4 @@ TEST_F(TicketOutputTest, FieldsThatAValueBringsInAreFilledByTheLaterOnes) {
     EXPECT_EQ(m_ticket.ToHTML(3), "[TICKETID][SUBJECT][PROBLEMTYPE]AnnCalOpen");
 }
 
-TEST_F(TicketOutputTest, EachOptionHasItsTemplateAndBlanksAreNone) {
-    setTemplate("EmailToCaller", "caller");
-    setTemplate("EmailToResponsible", "responsible");
-    setTemplate("PrintOut", "   ");
-    EXPECT_EQ(m_ticket.ToHTML(1), "caller");
-    EXPECT_EQ(m_ticket.ToHTML(2), "responsible");
-    EXPECT_EQ(m_ticket.ToHTML(3), m_ticket.ToHTML(99));
-}
-
-TEST_F(TicketOutputTest, HasAPageOfItsOwn) {
-    const auto row = [](const QString &name, const QString &value) {
-        return "<tr><td width='28%'>|" + name + ":</td><td width='72%'>" + value + "</td>|";
-    };
-    EXPECT_EQ(m_ticket.ToHTML(1).replace("\r\n", "|"),
-              "<html>|<head>||<style>|p{ margin-bottom: -20 }</style>||</head>|<body topmargin='0' leftmargin='0'>|"
-              "<h3>Orvelle Ticket 12</h3>|<h3>Smoke</h3>||<table  width='75%'>|" +
-                  row(LNGRESPONSIBLE, "Ann") + row(LNGPROBLEMTYPE, "Printer") + "</table>|<h3>" + LNGDESCRIPTION +
-                  "</h3>|<html>It burns</html>|<hr>|<table  width='75%'>|" + row(LNGCALLER, "Cal") +
-                  row(LNGEMAIL, "<a href='mailto:c@x'>c@x") + row(LNGPHONE, "1") + row(LNGCALLERCATEGORY, "VIP") +
-                  "</table>|</body>|</html>|");
-}
-
 } // namespace

@@ -49,22 +49,14 @@ QString scramble(std::mt19937 &random) {
     return text;
 }
 
-TEST(ConnectionString, AnyTextIsReadOrRefused) {
+TEST(ConnectionString, AnyTextIsReadOrRefusedAndAQuotedOneReadBack) {
     for (unsigned seed = 0; seed < 20000; ++seed) {
         std::mt19937 random(seed);
         const QString text = scramble(random);
         const auto failure = Attempt([&] { ConnectionPieces::parse(text); });
         ASSERT_TRUE(!failure || failure->number() == ado::badConnectionString) << seed;
-    }
-}
-
-TEST(ConnectionString, AQuotedValueIsReadBackWhateverItHolds) {
-    for (unsigned seed = 0; seed < 20000; ++seed) {
-        std::mt19937 random(seed);
-        const QString value = scramble(random);
-        const QString text = "A=" + ado::quotedConnectionValue(value) + ";B=last";
-        const ConnectionPieces pieces = ConnectionPieces::parse(text);
-        ASSERT_EQ(pieces.value("A"), value) << seed;
+        const ConnectionPieces pieces = ConnectionPieces::parse("A=" + ado::quotedConnectionValue(text) + ";B=last");
+        ASSERT_EQ(pieces.value("A"), text) << seed;
         ASSERT_EQ(pieces.value("B"), "last") << seed;
     }
 }

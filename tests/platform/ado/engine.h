@@ -4,15 +4,12 @@
 
 #include "platform/ado/command.h"
 #include "platform/ado/recordset.h"
+#include "support/plaintool.h"
 #include "support/steps.h"
 
 #include <gtest/gtest.h>
 
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTemporaryDir>
-#include <QUuid>
 
 #include <memory>
 
@@ -23,21 +20,6 @@ class Engine {
     /// A connection of its own to the database, as another program would open it.
     virtual Ref<ado::Connection> connect() = 0;
 };
-
-/// Runs statements on a SQLite file with nothing of this system around: what a plain tool does.
-inline void plainTool(const QString &file, const QStringList &statements) {
-    const QString name = QUuid::createUuid().toString();
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", name);
-        database.setDatabaseName(file);
-        ASSERT_TRUE(database.open());
-        for (const QString &statement : statements) {
-            QSqlQuery query(database);
-            ASSERT_TRUE(query.exec(statement)) << qPrintable(statement + ": " + query.lastError().text());
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
-}
 
 class FileEngine : public Engine {
   public:
