@@ -5,6 +5,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/sorting.h"
 #include "orvelle/core/starting.h"
+#include "orvelle/core/textfiles.h"
 #include "orvelle/core/texthelpers.h"
 #include "platform/scripting/filesystem.h"
 

@@ -2,6 +2,7 @@
 
 #include "orvelle/reference/program.h"
 #include "orvelle/reference/simplelist.h"
+#include "support/fakecontrol.h"
 
 namespace {
 
@@ -86,6 +87,49 @@ TEST_F(SimpleListTableTest, ReadsFromTheCurrentRowOnAndAdds) {
     EXPECT_TRUE(recordset->IsEOF());
     list.FromRS(nullptr);
     EXPECT_EQ(list.DicList->Count(), 2);
+}
+
+struct ControlCase {
+    const char *name;
+    FakeControl::Kind kind;
+    QString shown, preset;
+    QString shownAfter, presetAfter;
+    int indexAfter;
+};
+
+TEST_F(SimpleListTest, FillsAControlAndKeepsWhatItShows) {
+    using Kind = FakeControl::Kind;
+    const QList<ControlCase> cases{
+        {"nothing shown, no preset", Kind::Combo, "", "", "", "", -1},
+        {"preset", Kind::Combo, "", "b", "b", "b", 1},
+        {"shown wins over preset", Kind::Combo, "a", "b", "a", "a", 0},
+        {"a combo keeps a text of no row", Kind::Combo, "x", "b", "x", "x", -1},
+        {"a list shows its row", Kind::DropDownList, "b", "", "b", "b", 1},
+        {"a list refuses a text of no row", Kind::DropDownList, "x", "", "", "x", -1},
+    };
+    for (const ControlCase &one : cases) {
+        SCOPED_TRACE(one.name);
+        FakeControl control(one.kind, one.shown);
+        QString preset = one.preset;
+        listOf({"a", "b", "", "  ", " c "}).AddToComboOrList(control, preset);
+        EXPECT_EQ(control.rows(), (QStringList{"a", "b", " c "}));
+        EXPECT_EQ(control.Text(), one.shownAfter);
+        EXPECT_EQ(preset, one.presetAfter);
+        EXPECT_EQ(control.ListIndex(), one.indexAfter);
+    }
+}
+
+/// A list that takes no text at all, only a choice of its rows.
+class ChoiceOnly : public FakeControl {
+  public:
+    void SetText(const QString &) override { throw Failure(380, "Invalid property value"); }
+};
+
+TEST_F(SimpleListTest, ChoosesTheRowWhereAControlTakesNoText) {
+    ChoiceOnly control;
+    QString preset = "b";
+    listOf({"a", "b", "B2"}).AddToComboOrList(control, preset);
+    EXPECT_EQ(control.ListIndex(), 1);
 }
 
 } // namespace

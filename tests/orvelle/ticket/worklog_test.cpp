@@ -3,6 +3,7 @@
 #include "orvelle/reference/program.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/ticket/worklog.h"
+#include "support/fakecontrol.h"
 
 #include <random>
 
@@ -169,6 +170,22 @@ TEST_F(WorkLogTest, RandomLogsComeBackTheSameInEveryRegion) {
             ASSERT_EQ(again.ToString(), log.ToString());
         }
     }
+}
+
+TEST_F(WorkLogTest, GoesThroughAListBox) {
+    FakeControl box;
+    box.AddItem("");
+    box.SetList(0, 1, DateTime{1});
+    box.SetList(0, 2, qint16{0});
+    box.SetList(0, 3, "");
+    row("Tested", DateTime{46000.5}, 20, "Ann")->AddRow(box);
+    cWorkDescs log;
+    log.ReadFromListBox(box);
+    ASSERT_EQ(log.dicWorkDesc->Keys(), (QStringList{"0", "1"}));
+    EXPECT_TRUE(same(*log.dicWorkDesc->Item("1"), *row("Tested", DateTime{46000.5}, 20, "Ann")));
+    log.FromString("there\t\t1\tBob\r\n====\r\n");
+    log.ReadFromListBox(box);
+    EXPECT_EQ(log.MinutesTotal(), 21) << "the rows of the box join those already there";
 }
 
 using WorkTableTest = DatabaseTest;
