@@ -31,6 +31,7 @@ constexpr Known known[] = {
     {"OnlineTrackingTimes", Known::Number, "minutes between two fetches of online tickets"},
     {"Region", Known::Region, "order of dates in work logs, such as de_DE; empty: that of each machine"},
     {"RootFolderPath", Known::Text, "path of the ticket folder"},
+    {"TicketNumbersNotCounted", Known::Text, "which numbers of the ticket folder have been told of as not counted"},
 };
 
 /// The system takes the time of a date with one too. A date alone, such as 8.30, would be midnight to it.

@@ -14,6 +14,7 @@
 #include "orvelle/session/safeutils.h"
 #include "orvelle/ticket/ticketnumbers.h"
 #include "orvelle/toolbar/rootexplorer.h"
+#include "orvelle/core/dialogs.h"
 #include "platform/ado/jetfile.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
@@ -210,7 +211,8 @@ struct Repaired {
 Repaired repair(const Options &options) {
     Repaired repaired;
     DeskRun::requireClientTools();
-    subRaiseTicketNumbers();
+    if (const QString numbers = fncRaiseTicketNumbers(); !numbers.isEmpty())
+        subAssistantMessage(ouaOutlook, numbers);
     const QList<cLeftover> found = fncAllLeftovers();
     if (std::ranges::any_of(found, [&](const cLeftover &each) { return mayFinish(each, options); }))
         letTheDeskFinish();

@@ -23,6 +23,9 @@
 #include "orvelle/session/session.h"
 #include "orvelle/ticket/ticketnumbers.h"
 #include "orvelle/toolbar/rootexplorer.h"
+#include "orvelle/core/steps.h"
+
+#include <QScopeGuard>
 
 ProcessLocal<bool> blnPreviousInstance;
 
@@ -36,20 +39,34 @@ bool fncDecideInstall() {
     return true;
 }
 
+void subTell(const QString &strText) {
+    if (!strText.isEmpty())
+        subAssistantMessage(ouaOutlook, strText);
+}
+
 void subStartMonitor(bool blnInstall) {
     subTrace("Setting a reference to the active Outlook Explorer window");
+    // It is told when mail is taken in already, for the message may wait for somebody all night. No other start tells
+    // it, so a run that ends before tells it on standard error.
+    QString strNumbers;
+    auto untold = qScopeGuard([&] {
+        if (fncEndAsked())
+            subTell(strNumbers);
+    });
     if (blnInstall) {
         // The first access to the database: it is what opens the dialogs that choose one.
         objSettings->SaveSettings();
     } else {
         objSettings->GetSettings(false);
-        subRaiseTicketNumbers();
+        strNumbers = fncRaiseTicketNumbers();
         subSetupOutlookMonitor(ouaOutlook->ActiveExplorer());
         subSetCurrentFolder(defaultfolder::calendar);
     }
     LoadLanguages(objSettings->CurrentSelectedLanguage);
     if (objSettings->EmailFolders->DicList->Count() > 0)
         subMonitorMailFolders();
+    untold.dismiss();
+    subTell(strNumbers);
 }
 
 void subFindFolderOfTicketRun() {
@@ -100,7 +117,7 @@ void Main(const QString &strCommand) try {
     if (blnTicketRun) {
         objSettings->GetSettings(false);
         LoadLanguages(objSettings->CurrentSelectedLanguage);
-        subRaiseTicketNumbers();
+        subTell(fncRaiseTicketNumbers());
         subCreateTicketFromSelected();
     }
     subRepairOneOffForms();

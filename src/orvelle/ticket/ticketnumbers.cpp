@@ -1,14 +1,18 @@
 #include "orvelle/ticket/ticketnumbers.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
+#include "platform/ado/recordset.h"
+#include "orvelle/reference/settings.h"
+#include "orvelle/reference/texts.h"
 
 #include <cmath>
 
 namespace {
 constexpr char strTicketTable[] = "tblTickets";
+/// What has been told of: the highest item and the highest folder that are not counted.
+constexpr char strToldSetting[] = "TicketNumbersNotCounted";
 
 /// So far from the next lower one a number is still taken for one of this helpdesk. Of several databases lost in a row
 /// there may be nothing left but the newest tickets; a folder of a ticket lies near an item, or near another folder.
@@ -92,62 +96,144 @@ qint64 fncClimbFolders(const QList<cFolder> &folders, qint64 intNumber) {
     return intNumber;
 }
 
-/// What is not counted, for the message.
-QString fncLeftOut(qint64 intNumber, const QList<cFolder> &folders) {
+/// What the bounds leave out; 0 for none.
+struct cLeftOut {
+    qint64 intItem = 0;
+    qint64 intFolder = 0;
+
+    [[nodiscard]] QString ToString() const { return QString("%1 %2").arg(intItem).arg(intFolder); }
+    static cLeftOut FromString(const QString &strText) {
+        const QStringList parts = strText.split(u' ');
+        return {fncWhole(parts.value(0)), fncWhole(parts.value(1))};
+    }
+};
+
+/// A text for the message; empty where nothing is left out.
+QString fncNames(const cLeftOut &leftOut) {
     QStringList texts;
-    constexpr qint64 anything = 1000000000000000;
-    if (const qint64 intItem = AttemptOr([&] { return fncFindItem(intNumber + 1, anything); }, qint64{0}))
-        texts += QString("the item with the number %1").arg(intItem);
-    if (!folders.isEmpty() && folders.first().intNumber > intNumber)
-        texts += QString("the subfolder %1").arg(folders.first().ouf.Name());
-    if (texts.isEmpty())
-        return {};
-    return strLineEnd +
-           QString("Not counted, for being far from all other numbers, or a folder of nothing but replies: "
-                   "%1.")
-               .arg(texts.join(", "));
+    if (leftOut.intItem > 0)
+        texts += QString("the item with the number %1").arg(leftOut.intItem);
+    if (leftOut.intFolder > 0)
+        texts += QString("the subfolder %1").arg(leftOut.intFolder);
+    return texts.join(", ");
 }
 
-void subTell(qint64 intLast, qint64 intNumber, const QList<cFolder> &folders) {
-    subAssistantMessage(
-        ouaOutlook,
-        QString(
-            "The ticket database was behind the ticket folder \"%1\": the last number that it had given was %2, but "
-            "the folder knows number %3. It was lost, or replaced by an older copy. New tickets now get the "
-            "numbers from %4 on, so that none is given twice.%5%6Read \"A lost or older database\" in "
-            "docs/administration.md.")
-            .arg(oufTickets->Name())
-            .arg(intLast)
-            .arg(intNumber)
-            .arg(intNumber + 1)
-            .arg(fncLeftOut(intNumber, folders), strLineEnd));
+/// The highest of each above a number.
+cLeftOut fncLeftOut(qint64 intNumber, const QList<cFolder> &folders) {
+    constexpr qint64 anything = 1000000000000000;
+    cLeftOut leftOut;
+    if (const qint64 intItem = AttemptOr([&] { return fncFindItem(intNumber + 1, anything); }, qint64{0}))
+        leftOut.intItem = fncHighestItem(intItem, anything);
+    if (!folders.isEmpty() && folders.first().intNumber > intNumber)
+        leftOut.intFolder = folders.first().intNumber;
+    return leftOut;
+}
+
+/// The same without what has been told of before. A folder of replies alone is nothing to tell: whoever writes a mail
+/// would bring the message up.
+cLeftOut fncLeftOutUntold(qint64 intNumber, const QList<cFolder> &folders) {
+    const cLeftOut told =
+        cLeftOut::FromString(toText(objSettings->OtherSettings->GetValue(strToldSetting, settingtype::text)));
+    cLeftOut untold = fncLeftOut(std::max(intNumber, told.intItem), {});
+    for (const cFolder &each : folders) {
+        if (each.intNumber <= std::max(intNumber, told.intFolder))
+            break;
+        if (fncMadeForReplies(each.ouf))
+            continue;
+        untold.intFolder = each.intNumber;
+        break;
+    }
+    return untold;
+}
+
+/// Everybody who shares the database is told once. Where it can't be kept, the next start tells again.
+void subKeepTold(const cLeftOut &leftOut) {
+    cOtherSettings &settings = *objSettings->OtherSettings;
+    cLeftOut told = cLeftOut::FromString(toText(settings.GetValue(strToldSetting, settingtype::text)));
+    told = {std::max(told.intItem, leftOut.intItem), std::max(told.intFolder, leftOut.intFolder)};
+    settings.SetValue(strToldSetting, told.ToString());
+    Attempt([&] {
+        const auto adrRS = fncReturnRecordset("tblOtherSettings", false, false, false);
+        if (!adrRS)
+            return;
+        if (adrRS->RecordCount() != 0)
+            adrRS->Find("strPropName = " + fncQuoted(strToldSetting));
+        if (adrRS->IsEOF()) {
+            adrRS->AddNew();
+            adrRS->Fields("strPropName").SetValue(QString(strToldSetting));
+        }
+        adrRS->Fields("strPropValue").SetValue(told.ToString());
+        adrRS->Update();
+    });
+}
+
+QString fncTextOfRaised(qint64 intLast, qint64 intNumber, const cLeftOut &leftOut) {
+    const QString strNames = fncNames(leftOut);
+    return QString("The ticket database was behind the ticket folder \"%1\": the last number that it had given was %2, "
+                   "but the folder knows number %3. It was lost, or replaced by an older copy. New tickets now get the "
+                   "numbers from %4 on, so that none is given twice.%5%6Read \"A lost or older database\" in "
+                   "docs/administration.md.")
+        .arg(oufTickets->Name())
+        .arg(intLast)
+        .arg(intNumber)
+        .arg(intNumber + 1)
+        .arg(strNames.isEmpty() ? QString()
+                                : strLineEnd + QString("Not counted, for being far from all other numbers, or a folder "
+                                                       "of nothing but replies: %1.")
+                                                   .arg(strNames),
+             strLineEnd);
+}
+
+QString fncTextOfLeftOut(qint64 intLast, const cLeftOut &leftOut) {
+    return QString(
+               "The ticket folder \"%1\" has numbers far above the last one that the ticket database has given, "
+               "which is %2: %3. They are not counted, and new tickets get the numbers from %4 on.%5Where these are "
+               "numbers of tickets, the database was lost or replaced by an older copy: end the programs and put a "
+               "backup back before new tickets are made, or their numbers come near and are given twice. Without a "
+               "backup, read \"A lost or older database\" in docs/administration.md. Where they are not, nothing "
+               "is to be done, and this is not said again.")
+        .arg(oufTickets->Name())
+        .arg(intLast)
+        .arg(fncNames(leftOut))
+        .arg(intLast + 1)
+        .arg(strLineEnd);
+}
+
+QString fncRaise() {
+    subSetupConnection();
+    if (!adoConnection.get())
+        return {};
+    ado::Provider &database = *adoConnection->provider();
+    const qint64 intLast = database.lastNumber(strTicketTable);
+    const QList<cFolder> folders = fncFoldersAbove(intLast);
+    qint64 intNumber = intLast;
+    for (qint64 intBefore = -1; intBefore != intNumber;) {
+        intBefore = intNumber;
+        intNumber = fncClimbFolders(folders, fncClimbItems(intNumber));
+    }
+    // Of several copies that start at once, the one that raises them tells.
+    const bool blnRaised =
+        intNumber > intLast && database.raiseLastNumber(strTicketTable, static_cast<qint32>(intNumber));
+    const cLeftOut leftOut = blnRaised ? fncLeftOut(intNumber, folders) : fncLeftOutUntold(intNumber, folders);
+    if (!fncNames(leftOut).isEmpty())
+        subKeepTold(leftOut);
+    if (blnRaised)
+        return fncTextOfRaised(intLast, intNumber, leftOut);
+    return fncNames(leftOut).isEmpty() ? QString() : fncTextOfLeftOut(intNumber, leftOut);
 }
 } // namespace
 
-void subRaiseTicketNumbers() {
+QString fncRaiseTicketNumbers() {
     subTrace("Checking that the database's ticket numbers are not behind the ticket folder's");
+    QString strTold;
     if (oufTickets->isNothing())
-        return;
-    const auto failure = Attempt([] {
-        subSetupConnection();
-        if (!adoConnection.get())
-            return;
-        ado::Provider &database = *adoConnection->provider();
-        const qint64 intLast = database.lastNumber(strTicketTable);
-        const QList<cFolder> folders = fncFoldersAbove(intLast);
-        qint64 intNumber = intLast;
-        for (qint64 intBefore = -1; intBefore != intNumber;) {
-            intBefore = intNumber;
-            intNumber = fncClimbFolders(folders, fncClimbItems(intNumber));
-        }
-        // Of several copies that start at once, the one that raises them tells.
-        if (intNumber > intLast && database.raiseLastNumber(strTicketTable, static_cast<qint32>(intNumber)))
-            subTell(intLast, intNumber, folders);
-    });
-    if (!failure)
-        return;
-    subTrace("The ticket numbers could not be checked: " + failure->description());
-    subAssistantMessage(ouaOutlook, "It could not be checked whether the ticket database is behind the ticket folder. "
-                                    "Until it is, a number may be given twice." +
-                                        (strLineEnd + failure->description()));
+        return strTold;
+    const auto failure = Attempt([&] { strTold = fncRaise(); });
+    if (failure)
+        strTold = "It could not be checked whether the ticket database is behind the ticket folder. Until it is, a "
+                  "number may be given twice." +
+                  (strLineEnd + failure->description());
+    if (!strTold.isEmpty())
+        subTrace(strTold);
+    return strTold;
 }

@@ -74,7 +74,19 @@ INSTANTIATE_TEST_SUITE_P(
                                 {"999999999999", "2000000000", "600000"},
                                 "6",
                                 "or a folder of nothing but replies: the item with the number"},
-                    NumbersCase{"only beyond all bounds", 3, {"2147483647"}, {"999999999999"}, "4", nullptr}),
+                    NumbersCase{"only beyond all bounds",
+                                3,
+                                {"2147483647", "5000000"},
+                                {"999999999999", "150000"},
+                                "4",
+                                "the item with the number 2147483647, the subfolder 999999999999. They are not"},
+                    NumbersCase{"a new database beside folders far above",
+                                0,
+                                {},
+                                {"100002", "150000"},
+                                "1",
+                                "which is 0: the subfolder 150000"},
+                    NumbersCase{"a step towards them", 0, {}, {"100000", "150000"}, "150001", "knows number 150000"}),
     [](const auto &each) { return QString(each.param.name).replace(' ', '_').toStdString(); });
 
 // Whoever writes a number into a subject makes a folder of that name. It is no sign of a lost database.
@@ -93,6 +105,54 @@ TEST_F(TicketNumbers, AreNotRaisedByAFolderOfRepliesToNoTicket) {
     copy.answers.expect("knows number 60");
     copy.run.start();
     EXPECT_EQ(nextNumber(), "61");
+}
+
+// What is not counted is told of once, until there is more of it.
+TEST_F(TicketNumbers, ThatAreNotCountedAreToldOfOnceEach) {
+    tickets().Folders().Add("150000", 6);
+    auto &first = newCopy();
+    first.answers.expect("the subfolder 150000");
+    first.run.start();
+    first.run.quit();
+    putTicket("3000000");
+    tickets().Folders().Add("149999", 6);
+    auto &second = newCopy();
+    second.answers.expect("which is 0: the item with the number 3000000. They");
+    second.run.start();
+    second.run.quit();
+    // A mail alone brings no message up, however high the number that it names.
+    setSetting("EmailSubFolders", "1");
+    auto &third = start();
+    deliver({.subject = "Re: {1900000}"});
+    third.run.quit();
+    start();
+}
+
+// The message may wait for somebody all night: the bar stands by then, and mail is taken in.
+TEST_F(TicketNumbers, AreToldOfWhenMailIsTakenInAlready) {
+    putTicket("20");
+    auto &copy = newCopy();
+    copy.answers.expectDuring("number 20", [&] {
+        EXPECT_EQ(explorer().CommandBars().Count(), 1);
+        EXPECT_EQ(nextNumber(), "21");
+    });
+    copy.run.start();
+}
+
+// Nobody is told by another start.
+TEST_F(TicketNumbers, AreToldOfByARunThatEndsBefore) {
+    putTicket("20");
+    const auto questions = countQuestions();
+    auto &copy = newCopy();
+    questions->before = [&](const QString &question) {
+        if (question == "CommandBars.Add()")
+            copy.run.quit();
+    };
+    testing::internal::CaptureStderr();
+    copy.run.start();
+    const std::string written = testing::internal::GetCapturedStderr();
+    EXPECT_NE(written.find("the folder knows number 20"), std::string::npos) << written;
+    EXPECT_FALSE(copy.run.alive());
 }
 
 // However many start at once, the numbers are raised once, and each that comes later finds them raised.
