@@ -53,6 +53,7 @@ int runProgram(const QString &command) {
     ProgramSetup setup;
     setup.strCommand = command;
     setup.instanceFile = profile + "/orvelle.lock";
+    setup.ownLoop = true;
     setup.endSignalled = [] { return endSignalled != 0; };
     setup.host = [&] {
         if (clients.empty() || !clients.back()->isConnected())

@@ -205,6 +205,7 @@ Copy &Helpdesk::newCopy(const QString &command) {
     };
     setup.strProgramFolder = programFolder();
     setup.instanceFile = m_instanceFile;
+    setup.ownLoop = m_ownLoop;
     Copy &copy = m_copies.emplace_back(std::move(setup));
     copy.in([&] { registry::fileOverride = path("registry.ini"); });
     return copy;

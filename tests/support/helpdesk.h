@@ -97,6 +97,8 @@ class Helpdesk : public testing::Test {
     Copy &start(const QString &command = {});
     /// What copies that start from here on ask of the host.
     Counting::Log countQuestions();
+    /// Copies that work from an event loop, as the program does in a process of its own.
+    void runInEventLoop() { m_ownLoop = true; }
     /// Copies that share the file by which an instance knows another one.
     void shareInstanceFile() { m_instanceFile = path("orvelle.lock"); }
 
@@ -115,6 +117,7 @@ class Helpdesk : public testing::Test {
     host::MAPIFolder m_intake;
     host::Explorer m_explorer;
     QString m_instanceFile;
+    bool m_ownLoop = false;
     Counting::Log m_questions;
     std::list<Copy> m_copies;
 };

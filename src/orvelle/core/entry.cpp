@@ -38,15 +38,28 @@ void subStep(const std::function<void()> &callback) {
     }
 }
 
-/// What has come in meanwhile, in its order. A step may bring more.
+/// What waits and has its turn; empty where nothing does.
+std::function<void()> fncTakeNext() {
+    RunSteps &now = runSteps;
+    auto &colNext = now.colWaitingFirst.empty() ? now.colWaiting : now.colWaitingFirst;
+    if (colNext.empty())
+        return {};
+    auto subNext = std::move(colNext.front());
+    colNext.pop_front();
+    return subNext;
+}
+
+/// What has come in meanwhile. A step may bring more.
 void subDoWaiting() {
-    auto &colWaiting = runSteps->colWaiting;
-    while (!colWaiting.empty() && !fncEndAsked()) {
-        const auto subNext = std::move(colWaiting.front());
-        colWaiting.pop_front();
+    while (!fncEndAsked()) {
+        const auto subNext = fncTakeNext();
+        if (!subNext)
+            return;
         subStep(subNext);
     }
 }
+
+bool fncIsAtWork() { return runSteps->blnBusy || runSteps->intWhole > 0; }
 
 /// What the event loop keeps for a copy goes with it.
 ProcessLocal<std::shared_ptr<QObject>> objLoop;
@@ -55,6 +68,7 @@ ProcessLocal<std::shared_ptr<QObject>> objLoop;
 void subFinish() {
     runSteps->blnFinishing = true;
     runSteps->colWaiting.clear();
+    runSteps->colWaitingFirst.clear();
     if (const auto subEnd = std::exchange(runSteps->subEnd, nullptr))
         subStep(subEnd);
     subStep(&subReleaseOnce);
@@ -68,7 +82,19 @@ bool fncMayEnter() {
     const RunSteps &now = runSteps;
     return !fncIsEnding() && !now.blnFinishing && (!now.blnEndAsked || now.intWhole > 0);
 }
+
+/// One piece of work from the event loop. Behind a question about one that must become whole no other begins.
+void subDoNext(ProgramCopy &copy) {
+    const ProgramCopy::Scope scope(copy);
+    runSteps->blnWaitingPosted = false;
+    if (fncIsAtWork() || !fncMayEnter())
+        return;
+    if (const auto subNext = fncTakeNext())
+        subEnter(copy, subNext);
+}
 } // namespace
+
+ProcessLocal<bool> blnOwnLoop;
 
 void subEnter(ProgramCopy &copy, const std::function<void()> &callback) {
     const ProgramCopy::Scope scope(copy);
@@ -82,7 +108,9 @@ void subEnter(ProgramCopy &copy, const std::function<void()> &callback) {
         --now.intDepth;
     });
     subStep(callback);
-    if (!blnWasBusy)
+    if (!blnWasBusy && blnOwnLoop)
+        subDoWaitingLater();
+    else if (!blnWasBusy)
         subDoWaiting();
     if (now.intDepth == 1 && now.blnEndAsked)
         subFinish();
@@ -90,24 +118,38 @@ void subEnter(ProgramCopy &copy, const std::function<void()> &callback) {
 
 void enterProgram(const std::function<void()> &callback) { subEnter(ProgramCopy::current(), callback); }
 
-void subEnterBetween(ProgramCopy &copy, std::function<void()> callback) {
+void subEnterBetween(ProgramCopy &copy, std::function<void()> callback, Turn turn) {
     const ProgramCopy::Scope scope(copy);
-    if (fncEndAsked())
+    if (fncEndAsked() || fncIsEnding())
         return;
-    if (runSteps->blnBusy || runSteps->intWhole > 0)
-        runSteps->colWaiting.push_back(std::move(callback));
+    if (!blnOwnLoop && !fncIsAtWork()) {
+        subEnter(copy, callback);
+        return;
+    }
+    RunSteps &now = runSteps;
+    (turn == Turn::First ? now.colWaitingFirst : now.colWaiting).push_back(std::move(callback));
+    if (blnOwnLoop && !fncIsAtWork())
+        subDoWaitingLater();
+}
+
+void subEnterBehind(ProgramCopy &copy, std::function<void()> callback) {
+    const ProgramCopy::Scope scope(copy);
+    if (blnOwnLoop)
+        subEnterBetween(copy, std::move(callback), Turn::First);
     else
         subEnter(copy, callback);
 }
 
 void subDoWaitingLater() {
-    if (runSteps->colWaiting.empty() || !QCoreApplication::instance())
+    RunSteps &now = runSteps;
+    if (now.blnWaitingPosted || (now.colWaiting.empty() && now.colWaitingFirst.empty()) ||
+        !QCoreApplication::instance())
         return;
     if (!objLoop.get())
         objLoop = std::make_shared<QObject>();
-    // A step that does nothing: what waits is done behind it.
+    now.blnWaitingPosted = true;
     QMetaObject::invokeMethod(
-        objLoop.get().get(), [copy = &ProgramCopy::current()] { subEnterBetween(*copy, [] {}); }, Qt::QueuedConnection);
+        objLoop.get().get(), [copy = &ProgramCopy::current()] { subDoNext(*copy); }, Qt::QueuedConnection);
 }
 
 void subEnterEnd(ProgramCopy &copy, std::function<void()> callback) {

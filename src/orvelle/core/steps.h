@@ -28,8 +28,12 @@ struct RunSteps {
     bool blnFinishing = false;
     /// What the ending event does; empty where the end came from inside.
     std::function<void()> subEnd;
-    /// Work that came in while a step was busy, in order.
+    /// Work that waits until no step is busy, in order.
     std::deque<std::function<void()>> colWaiting;
+    /// Work that goes before it, in order.
+    std::deque<std::function<void()>> colWaitingFirst;
+    /// The event loop has been asked to do what waits.
+    bool blnWaitingPosted = false;
 };
 extern ProcessLocal<RunSteps> runSteps;
 

@@ -138,6 +138,8 @@ void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMoni
 void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
     constexpr qsizetype shortestTemplate = 4;
     const TellOnce once;
+    // What came with the event may be old: the item may have waited for its turn.
+    oui.readAhead({"MessageClass", "Subject", "BillingInformation"});
     if (!AttemptOr([&] { return fncIsMailOrPost(oui); }, false))
         return;
     const WholeStep whole;

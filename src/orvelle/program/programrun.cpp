@@ -49,6 +49,7 @@ void ProgramRun::prepare() {
     host::aroundHost = &subEndIfAsked;
     window::aroundQuestion = &subAsk;
     fncEndSignalled = m_setup.endSignalled;
+    blnOwnLoop = m_setup.ownLoop;
 }
 
 void ProgramRun::start() {

@@ -21,6 +21,8 @@ struct ProgramSetup {
     QString strProgramFolder;
     /// The file that tells the run of other instances; empty for a run that has none beside it.
     QString instanceFile;
+    /// Whether the caller runs an event loop when `start` is back; see `blnOwnLoop`.
+    bool ownLoop = false;
     /// Whether the process has been told from outside to end; see `fncEndSignalled`.
     bool (*endSignalled)() = nullptr;
 };

@@ -100,10 +100,11 @@ void cRootExplorer::subSetupSentORVL() {
     if (oufORVLSentItems.isNothing())
         return;
     oisORVLSentItems = oufORVLSentItems.Items();
-    m_sentItemAdd = oisORVLSentItems.connect("ItemAdd", Entry([self = weak_from_this()](ValueList &arguments) {
-                                                 if (const auto root = self.lock())
-                                                     root->oisORVLSentItems_ItemAdd(host::Item(arguments.value(0)));
-                                             }));
+    m_sentItemAdd =
+        oisORVLSentItems.connect("ItemAdd", EntryBehind([self = weak_from_this()](const ValueList &arguments) {
+                                     if (const auto root = self.lock())
+                                         root->oisORVLSentItems_ItemAdd(host::Item(arguments.value(0)));
+                                 }));
 }
 
 host::MAPIFolder cRootExplorer::fncSentFolder() {

@@ -42,10 +42,11 @@ void cRootExplorer::subAddButtons() try {
     cbrToolbar.Visible(true);
 
     cmdSettings = AddButton(LNGSETTINGS, LNGSETTINGSTT, faceSettings);
-    m_buttonEvents.push_back(cmdSettings.connect("Click", EntryBetween(Own(&cRootExplorer::cmdSettings_Click))));
+    m_buttonEvents.push_back(
+        cmdSettings.connect("Click", EntryBetween(Own(&cRootExplorer::cmdSettings_Click), Turn::First)));
     cmdCopy = AddButton(LNGCOPY, LNGCOPY, faceCopy);
     cmdCopy.BeginGroup(true);
-    m_buttonEvents.push_back(cmdCopy.connect("Click", EntryBetween(Own(&cRootExplorer::cmdCopy_Click))));
+    m_buttonEvents.push_back(cmdCopy.connect("Click", EntryBetween(Own(&cRootExplorer::cmdCopy_Click), Turn::First)));
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subAddButtons");
 }

@@ -6,6 +6,9 @@
 #include "orvelle/core/process.h"
 #include "support/helpdesk.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+
 namespace {
 
 /// A host that refuses what it is told to, with a folder for each ticket.
@@ -231,6 +234,77 @@ TEST_F(FaultsOfTheScan, AWorkRowThatFailsIsReported) {
 TEST_F(FaultsOfTheScan, AFlagThatCannotBePostedIsReported) {
     EXPECT_FALSE(startRefusing("PostItem.Post()", false, {" : subMonitorMailFolders "}).run.alive());
     EXPECT_TRUE(subjects(intake()).isEmpty());
+}
+
+/// A copy with an event loop of its own, as the program has it.
+class MailsFromTheLoop : public RefusingHost {
+  protected:
+    MailsFromTheLoop() { runInEventLoop(); }
+
+    /// Runs the loop until something is so.
+    static void runUntil(const std::function<bool()> &condition) {
+        const QDeadlineTimer patience(20000);
+        while (!condition() && !patience.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        EXPECT_TRUE(condition());
+    }
+};
+
+// A host that waited for an answer to its event would stand still until somebody reads the message.
+TEST_F(MailsFromTheLoop, KeepNoHostWaitingForAPerson) {
+    auto &copy = start();
+    const host::MAPIFolder others = mailbox().Folders().Add("Others", 6);
+    const host::Items watched = others.Items();
+    int told = 0;
+    const auto listener = watched.connect("ItemAdd", [&](ValueList &) { ++told; });
+    refuse("Folders.Add()", false);
+    copy.answers.expectDuring(m_noSubFolder, [&] {
+        m_questions->before = nullptr;
+        deliver({}, others);
+        EXPECT_EQ(told, 1);
+        deliver({.subject = "behind it"});
+        // Two pieces of work at once could ask two questions.
+        QCoreApplication::processEvents();
+        EXPECT_EQ(tickets().Items().Count(), 0);
+    });
+    deliver({.subject = "Re: {12}"});
+    EXPECT_EQ(copy.answers.asked().size(), 0);
+    runUntil([&] { return tickets().Items().Count() == 1; });
+    EXPECT_EQ(copy.answers.asked().size(), 1);
+}
+
+TEST_F(MailsFromTheLoop, KeepTheirOrderAndAnEndDropsThoseNotBegun) {
+    auto &copy = start();
+    for (const char *subject : {"first", "second", "third", "fourth"})
+        deliver({.subject = subject});
+    EXPECT_EQ(tickets().Items().Count(), 0);
+    m_questions->before = [&](const QString &question) {
+        // The second mail is in hand.
+        if (question == "MailItem.Copy()" && tickets().Items().Count() == 2)
+            copy.run.quit();
+    };
+    runUntil([&] { return !copy.run.alive(); });
+    EXPECT_EQ(subjects(tickets()), (QStringList{"first", "second"}));
+    EXPECT_EQ(subjects(intake().Folders("Converted")), (QStringList{"first", "second"}));
+    EXPECT_EQ(subjects(intake()), (QStringList{"third", "fourth"}));
+    for (qint32 i = 1; i <= 2; ++i)
+        EXPECT_EQ(intake().Items().Item(i).BillingInformation(), "");
+}
+
+// A click means what is selected when it comes, and what is sent belongs to the mail in hand.
+TEST_F(MailsFromTheLoop, LetClicksAndSentMailGoFirst) {
+    start();
+    const host::MAPIFolder sent = mapi().GetDefaultFolder(5).Folders("ORVLSentItems");
+    deliver({.subject = "a mail"});
+    put(sent, "IPM.Note", "Helpdesk Ticket {77}");
+    desk().lookAround();
+    bool isFiled = false;
+    m_questions->before = [&](const QString &question) {
+        isFiled = isFiled || (question == "Items.Add()" && sent.Items().Count() == 0);
+    };
+    runUntil([&] { return tickets().Items().Count() == 1; });
+    EXPECT_TRUE(isFiled);
+    EXPECT_EQ(subjects(tickets().Folders("77").Folders("Sent")), QStringList{"Helpdesk Ticket {77}"});
 }
 
 } // namespace
