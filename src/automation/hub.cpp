@@ -12,6 +12,11 @@ namespace automation {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+namespace {
+/// A signal that comes right before the wait does not end it.
+constexpr milliseconds betweenLooks{250};
+} // namespace
+
 Hub &Hub::ofThisThread() {
     static thread_local Hub hub;
     return hub;
@@ -61,7 +66,11 @@ void Hub::await(Channel &channel, const Pending &pending) {
         if (pending.isDone())
             return;
         const milliseconds limit = pinged ? patience.answer : patience.silence;
-        const auto left = std::chrono::ceil<milliseconds>(limit - silence);
+        auto left = std::chrono::ceil<milliseconds>(limit - silence);
+        if (m_whileWaiting) {
+            m_whileWaiting();
+            left = std::min(left, betweenLooks);
+        }
         const auto start = steady_clock::now();
         takeIn(static_cast<int>(std::max(left, milliseconds(0)).count()));
         silence += steady_clock::now() - start;
@@ -126,6 +135,8 @@ void Hub::serveRestInLoop() {
         serve(nullptr);
     });
 }
+
+void whileWaiting(std::function<void()> step) { Hub::ofThisThread().whileWaiting(std::move(step)); }
 
 void Hub::later(std::function<void()> step) { QMetaObject::invokeMethod(this, std::move(step), Qt::QueuedConnection); }
 

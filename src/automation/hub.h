@@ -53,6 +53,9 @@ class Hub : public QObject {
     /// stays silent beyond its patience.
     void await(Channel &channel, const Pending &pending);
 
+    /// See `automation::whileWaiting`.
+    void whileWaiting(std::function<void()> step) { m_whileWaiting = std::move(step); }
+
     /// Has the event loop serve what has been taken in already, for no descriptor will tell of it.
     void serveRestInLoop();
 
@@ -78,6 +81,7 @@ class Hub : public QObject {
     std::vector<Watched> m_watched;
     std::vector<pollfd> m_polled;
     bool m_restIsPosted = false;
+    std::function<void()> m_whileWaiting;
 };
 
 } // namespace automation

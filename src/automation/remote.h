@@ -28,6 +28,11 @@ struct Patience {
     std::chrono::milliseconds answer{10'000};
 };
 
+/// Has a step run whenever a call of this thread is about to wait for its answer, and again at least every quarter of a
+/// second. It may throw to give the call up, which the peer may have carried out or still carry out; the answer is
+/// dropped when it comes. Empty for none.
+void whileWaiting(std::function<void()> step);
+
 /// The number of a client on its server, never 0 and never used again while the server lives.
 using ClientNumber = quint32;
 

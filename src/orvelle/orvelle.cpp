@@ -2,6 +2,7 @@
 
 #include "automation/remote.h"
 #include "orvelle/program/programrun.h"
+#include "orvelle/core/steps.h"
 #include "platform/window/application.h"
 
 #include <QSocketNotifier>
@@ -50,6 +51,8 @@ int runProgram(const QString &command) {
     std::vector<std::unique_ptr<automation::Client>> clients;
     std::function<void()> hostGone;
     const int endSignalEnd = openEndSignals();
+    // The host may be waiting for a person.
+    automation::whileWaiting(&subEndIfAsked);
     ProgramSetup setup;
     setup.strCommand = command;
     setup.instanceFile = profile + "/orvelle.lock";

@@ -105,6 +105,21 @@ TEST_F(OtherHost, AStoppedHostIsStuckAndItsLateAnswerIsDropped) {
     EXPECT_EQ(failureOf([&] { root->get("Name"); }), failures::peerGone) << "dead is not stuck";
 }
 
+TEST_F(OtherHost, ACallThatIsGivenUpLeavesItsAnswerToNobody) {
+    connect();
+    struct GivenUp {};
+    int looks = 0;
+    whileWaiting([&] {
+        if (++looks == 2)
+            throw GivenUp();
+    });
+    peer->signal(SIGSTOP);
+    EXPECT_THROW(root->call("Echo", {"late"}), GivenUp);
+    whileWaiting({});
+    peer->signal(SIGCONT);
+    EXPECT_EQ(root->call("Echo", {"in time"}), Value("in time"));
+}
+
 TEST_F(OtherHost, ABusyHostIsStuckOnlyBeyondTheWholePatience) {
     connect();
     root->call("Block", {500});

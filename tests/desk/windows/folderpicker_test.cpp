@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QFileInfo>
 #include <QProcess>
 #include <QPushButton>
 #include <QTest>
@@ -111,6 +112,25 @@ TEST_F(FolderPickerTest, AskersWaitWhileOthersAreServed) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return person.isDone(); }, 30'000));
     for (QProcess *process : {&first, &third})
         EXPECT_TRUE(process->state() == QProcess::NotRunning || process->waitForFinished());
+}
+
+// A program that is told to end does not wait for the person that it has asked.
+TEST_F(FolderPickerTest, AnAskerThatIsToldToEndTakesItsQuestionAlong) {
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("ORVELLE_PROFILE", QFileInfo(file("desk.socket")).path());
+    environment.insert("ORVELLE_HOME", QFileInfo(file("desk.socket")).path());
+    environment.insert("ORVELLE_UNATTENDED", "1");
+    program.setProcessEnvironment(environment);
+    program.start(PROGRAMS "/orvelle", {});
+    // Its death closes the dialog, without which the test could not go on.
+    QTimer::singleShot(20'000, &program, &QProcess::kill);
+    person.when(isShown, [&] { program.terminate(); });
+    person.when([&] { return program.state() == QProcess::NotRunning; }, [] {});
+    person.when([] { return !isShown(); }, [] {});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return person.isDone(); }, 30'000));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 0);
 }
 
 TEST_F(FolderPickerTest, AFolderThatGoesMeanwhileIsAFailureAndNobodyIsAskedUnattended) {
