@@ -70,7 +70,7 @@ TEST_F(Loops, ARobotThatAnswersEachConfirmationIsAnsweredTenTimes) {
     // Somebody else is served as before.
     ASSERT_NO_FATAL_FAILURE(come("From: cal@example.org\r\nSubject: Help\r\nMessage-ID: <q@x>\r\n\r\nPlease.\r\n"));
     EXPECT_EQ(sent(), mostAnHour + 1);
-    for (const char *line : {"Auto-Submitted: auto-replied\r\n", "X-Auto-Response-Suppress: All\r\n",
+    for (const char *line : {"Auto-Submitted: auto-generated\r\n", "X-Auto-Response-Suppress: All\r\n",
                              "In-Reply-To: <q@x>\r\n", "References: <q@x>\r\n", "X-Desk-Loop: "})
         EXPECT_TRUE(lastConfirmation().contains(line)) << line;
 }

@@ -202,9 +202,8 @@ AutomaticKind automaticKind(const QByteArray &message, const OwnMail &own) {
 
 QByteArray automaticHeaders(bool answers, const QString &mark) {
     const QByteArray precedence = answers ? "Precedence: bulk\r\n" : "";
-    return QByteArray("Auto-Submitted: ") + (answers ? "auto-replied" : "auto-generated") +
-           "\r\nX-Auto-Response-Suppress: All\r\n" + precedence + markName + ": " + cleanIdentifier(mark).toUtf8() +
-           "\r\n";
+    return "Auto-Submitted: auto-generated\r\nX-Auto-Response-Suppress: All\r\n" + precedence + markName + ": " +
+           cleanIdentifier(mark).toUtf8() + "\r\n";
 }
 
 } // namespace desk

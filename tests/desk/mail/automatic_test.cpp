@@ -171,7 +171,10 @@ TEST(AutomaticMail, KnowsWhatItWroteItself) {
     for (const bool answers : {false, true}) {
         const QByteArray header = automaticHeaders(answers, "0123456789abcdef\r\nBcc: x@example.org");
         EXPECT_FALSE(header.contains("\nBcc")) << header.toStdString();
-        const QByteArray mail = "From: service@example.org\r\n" + automaticHeaders(answers, own.marks.first());
+        EXPECT_TRUE(header.contains("Auto-Submitted: auto-generated\r\n"));
+        const QByteArray mail = "From: service@example.org\r\n" +
+                                QByteArray(answers ? "In-Reply-To: <1@there>\r\n" : "") +
+                                automaticHeaders(answers, own.marks.first());
         EXPECT_EQ(automaticKind(mail + "\r\nText", own), Own);
         EXPECT_EQ(automaticKind(mail + "\r\nText", {}), answers ? OutOfOffice : Other) << "at another's";
     }

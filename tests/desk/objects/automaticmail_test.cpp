@@ -72,7 +72,7 @@ TEST_F(AutomaticMailTest, AProgramsMailSaysWhatItIs) {
 
     const Handle question = from("cal@example.org", "References: <0@there>\r\n");
     const QByteArray answer = sent(draft("cal@example.org", question));
-    for (const char *line : {"Auto-Submitted: auto-replied\r\n", "Precedence: bulk\r\n", "In-Reply-To: <1@there>\r\n",
+    for (const char *line : {"Auto-Submitted: auto-generated\r\n", "Precedence: bulk\r\n", "In-Reply-To: <1@there>\r\n",
                              "References: <0@there>\r\n <1@there>\r\n"})
         EXPECT_TRUE(answer.contains(line)) << line << answer.toStdString();
 
