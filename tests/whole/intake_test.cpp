@@ -63,6 +63,29 @@ TEST_F(Intake, WhatAKilledProgramLeftIsToldAndFinished) {
     ASSERT_TRUE(waitFor([&] { return watched(); })) << orvelleErrors().toStdString();
 }
 
+// What needs no repair and is still to be known: a ticket that somebody deleted, a confirmation to a machine.
+TEST_F(Intake, WhatIsOnlyToBeKnownIsNoLeftover) {
+    startDesk();
+    startOrvelle();
+    ASSERT_TRUE(waitFor([&] { return watched(); }));
+    deliver(
+        {write("robot.eml", "From: Robot <robot@example.org>\r\nAuto-Submitted: auto-replied\r\nSubject: Away\r\n\r\n"
+                            "I am away.\r\n")});
+    const QString notSent = "\\\\Mailbox - Alma Tester\\Not sent";
+    ASSERT_TRUE(waitFor([&] { return count(converted) == 1 && count(notSent) == 1; }));
+    Result result = intake({});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output.toStdString(),
+              "To know:\n  \\\\Mailbox - Alma Tester\\Not sent: \"Helpdesk Ticket {1}\" - it was not sent to "
+              "robot@example.org: The last message from robot@example.org was automatic (out of office).\n"
+              "Nothing is left to be finished.\n");
+    command({"delete", list(ticketFolder)[0].toObject()["entryId"].toString()});
+    result = intake({});
+    EXPECT_EQ(result.status, 4);
+    EXPECT_TRUE(result.output.contains("(ticket 1)")) << result.output.toStdString();
+    EXPECT_TRUE(result.output.contains("Nothing is left")) << result.output.toStdString();
+}
+
 // Lost rows come back, and their tickets keep their numbers.
 TEST_F(Intake, TicketsThatTheDatabaseHasLostComeBack) {
     startDesk();

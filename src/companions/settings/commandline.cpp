@@ -58,8 +58,9 @@ constexpr Command commands[] = {
      "beside running programs, and again. It does not touch what another machine's program began, since nobody can "
      "tell\n"
      "from here whether that still runs: --older-than MINUTES finishes that too where it is older.\n"
-     "With --json one object with the lists \"repaired\", \"left\" and \"notes\".\n"
-     "Exit status: 0 nothing is left, 3 something is.\n"},
+     "With --json one object with the lists \"repaired\", \"left\" and \"notes\". The notes are for information: open\n"
+     "tickets whose items are gone, folders of no ticket, mail that nobody watches, mail that was held back.\n"
+     "Exit status: 0 nothing is left, 3 something is, 4 nothing is, but items of open tickets are gone.\n"},
     {"backup", "backup FILE", "the whole database into a file, also while programs work with it",
      "Options: --replace, --json. FILE holds the database as it stood at one moment, tickets and all. It is read "
      "again\n"
@@ -79,7 +80,8 @@ constexpr char usageTail[] = R"(
 The database is that of the program folder: ORVELLE_HOME where it is set, else the folder of this program.
 A change takes effect when orvelle is started the next time.
 
-Exit status: 0 done, 1 failed (standard error says why), 2 wrong usage; of "intake" 3 when something is left.
+Exit status: 0 done, 1 failed (standard error says why), 2 wrong usage; of "intake" 3 when something is left, 4
+when items of open tickets are gone.
 
 Known settings:
 )";

@@ -273,7 +273,11 @@ std::optional<int> runIntake(const QStringList &arguments) {
         printJson(repaired, found);
     else
         printText(*options, repaired, found);
-    return std::ranges::any_of(found, isLeft) ? leftoversRemain : 0;
+    if (std::ranges::any_of(found, isLeft))
+        return leftoversRemain;
+    // Only a person can tell a ticket that was deleted on purpose from one that was lost.
+    const auto isGone = [](const cLeftover &each) { return each.kind == Kind::RowWithoutItem; };
+    return std::ranges::any_of(found, isGone) ? ticketsAreGone : 0;
 }
 
 } // namespace settings

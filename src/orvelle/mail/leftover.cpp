@@ -165,6 +165,8 @@ QString fncKindName(Kind kind) {
         return "row without ticket";
     case Kind::NoTicket:
         return "folder of no ticket";
+    case Kind::NotSent:
+        return "mail held back";
     }
     return {};
 }

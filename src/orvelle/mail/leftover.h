@@ -24,7 +24,8 @@ struct cLeftover {
         InTheWay,       ///< an item in a monitored folder that is no mail, or has a mark of somebody's own
         Waiting,        ///< new mails in a folder that nobody watches
         RowWithoutItem, ///< an open ticket whose item is gone
-        NoTicket        ///< a subfolder for a number that is no ticket's
+        NoTicket,       ///< a subfolder for a number that is no ticket's
+        NotSent         ///< a program's mail that the host's rules held back
     };
     enum class Remedy {
         Repair,      ///< it can be finished

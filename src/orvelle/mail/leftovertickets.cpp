@@ -55,6 +55,7 @@ class Search {
         RowsWithoutItem(before);
         SubFolders();
         SentMail();
+        HeldBack();
         return m_found;
     }
 
@@ -216,6 +217,34 @@ class Search {
                         .strTicketID = strTicketID;
             });
         }
+    }
+
+    /// The newest ones; they stay for ever where nobody takes them away.
+    void HeldBack() {
+        constexpr qint32 mostTold = 50;
+        host::MAPIFolder ouf;
+        Attempt([&] { ouf = onsMAPI->GetDefaultFolder(defaultfolder::inbox).Parent().Folders("Not sent"); });
+        if (ouf.isNothing())
+            return;
+        const host::Items ois = ouf.Items();
+        const qint32 intCount = ois.Count();
+        const qint32 intRest = std::max(intCount - mostTold, 0);
+        const QString strPath = fncGetFolderPath(ouf, onsMAPI);
+        for (qint32 i = intCount; i > intRest; --i) {
+            Attempt([&] {
+                const host::Item oui = ois.Item(i);
+                QString strWhy = fncHint(oui, "Not sent because");
+                if (strWhy.isEmpty())
+                    return;
+                if (strWhy.endsWith(u'.'))
+                    strWhy.chop(1);
+                const QString strText =
+                    QString("it was not sent to %1: %2").arg(toText(oui.get("To")).left(200), strWhy);
+                AddItem(Kind::NotSent, oui, ouf, strPath, strText).remedy = Remedy::None;
+            });
+        }
+        if (intRest > 0)
+            Add(Kind::NotSent, Remedy::None, QString("%1 older ones lie here too").arg(intRest)).strFolder = strPath;
     }
 
     struct TicketItem {

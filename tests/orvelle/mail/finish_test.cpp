@@ -320,6 +320,26 @@ TEST_F(Deaths, LeaveWhatAPersonHasToDecide) {
                                  "mail with an unknown number: with a strange number77", "row without ticket: gone1"}));
 }
 
+TEST_F(Deaths, AreNoReasonForMailThatWasHeldBack) {
+    prepare(true);
+    const host::MAPIFolder notSent = mailbox().Folders().Add("Not sent", 6);
+    put(notSent, "IPM.Note", "somebody's own");
+    for (int i = 1; i <= 53; ++i) {
+        const host::Item item = put(notSent, "IPM.Note", QString("answer %1").arg(i));
+        item.put("To", QString("robot%1@example.org").arg(i));
+        item.UserProperties().Add("Not sent because", 1).setValue("It is a robot.");
+        item.Save();
+    }
+    QList<cLeftover> told = m_medic->in([] { return fncAllLeftovers(); });
+    told.removeIf([](const cLeftover &each) { return each.kind != cLeftover::Kind::NotSent; });
+    ASSERT_EQ(told.size(), 51);
+    EXPECT_EQ(told.first().strSubject + ": " + told.first().strText,
+              "answer 53: it was not sent to robot53@example.org: It is a robot");
+    EXPECT_EQ(told.last().strText, "4 older ones lie here too");
+    for (const cLeftover &each : told)
+        EXPECT_EQ(each.remedy, cLeftover::Remedy::None);
+}
+
 INSTANTIATE_TEST_SUITE_P(Roads, DeathOnTheRoad,
                          testing::Values(Road{"scanned_mail", "IPM.Note", true, false, true},
                                          Road{"new_mail", "IPM.Note", false, false, false},
