@@ -8,6 +8,7 @@
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
@@ -70,6 +71,7 @@ MailWork Situation::work() {
 void Situation::withDatabase(const std::function<void()> &step) const {
     ProgramCopy copy;
     const ProgramCopy::Scope scope(copy);
+    ado::addJetEngine();
     strProgramFolderOverride = programFolder();
     registry::fileOverride = path("profile/registry.ini");
     strDBPath = programFolder() + "\\";

@@ -6,6 +6,7 @@
 
 #include "helpdesk.h"
 #include "orvelle/program/programrun.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 
 #include <QCoreApplication>
@@ -49,6 +50,7 @@ void oneProcess(benchmark::State &state) {
         ProgramRun run(std::move(setup));
         {
             const ProgramCopy::Scope scope(run.copy());
+            ado::addJetEngine();
             registry::fileOverride = situation.path("profile/registry.ini");
         }
         run.start();

@@ -9,6 +9,7 @@
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 
 #include <QCoreApplication>
@@ -28,6 +29,7 @@ constexpr int responsibleCount = 200;
 class Filled {
   public:
     Filled() {
+        ado::addJetEngine();
         strProgramFolderOverride = m_folder.path();
         registry::fileOverride = m_folder.filePath("registry.ini");
         LoadLanguages(1);

@@ -3,6 +3,8 @@
 #include "automation/remote.h"
 #include "orvelle/program/programrun.h"
 #include "orvelle/core/steps.h"
+#include "platform/ado/jet/engine.h"
+#include "platform/value/processlocal.h"
 #include "platform/window/application.h"
 
 #include <QSocketNotifier>
@@ -45,6 +47,12 @@ int openEndSignals() {
     return endPipe[0];
 }
 
+/// The kinds of databases that the program can open.
+void addEngines(ProgramCopy &copy) {
+    const ProgramCopy::Scope scope(copy);
+    ado::addJetEngine();
+}
+
 int runProgram(const QString &command) {
     const QString profile = profileFolder();
     // Those whose host has gone stay, since their handles may still be held.
@@ -65,6 +73,7 @@ int runProgram(const QString &command) {
     };
     ProgramRun run(std::move(setup), [] { QCoreApplication::exit(); });
     hostGone = [&] { run.hostGone(); };
+    addEngines(run.copy());
 
     QSocketNotifier endSignals(endSignalEnd, QSocketNotifier::Read);
     QObject::connect(&endSignals, &QSocketNotifier::activated, &endSignals, [&] {

@@ -2,6 +2,7 @@
 
 #include "companions/program.h"
 #include "companions/settings/settingsfile.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/ado/recordset.h"
 #include "platform/value/convert.h"
 #include "support/files.h"
@@ -33,6 +34,7 @@ class Settings : public SettingsProgram {
     void put(const QString &name, const QByteArray &content) const { writtenFile(path(name), content); }
 
     Ref<ado::Recordset> open(const QString &table) {
+        ado::addJetEngine();
         const auto connection = Ref<ado::Connection>::make();
         connection->SetConnectionString("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path("Orvelle.mdb"));
         connection->Open();

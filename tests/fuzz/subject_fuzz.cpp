@@ -8,6 +8,7 @@
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/texts.h"
 #include "orvelle/ticket/ticketfolders.h"
+#include "platform/ado/jet/engine.h"
 
 #include <QTemporaryDir>
 
@@ -35,6 +36,7 @@ std::string faultInFilter(const QString &number) {
 }
 
 void makeDatabase(const QString &folder) {
+    ado::addJetEngine();
     strProgramFolderOverride = folder;
     strDBPath = folder;
     strDBFileName = "Orvelle.mdb";

@@ -9,6 +9,7 @@
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
@@ -93,6 +94,7 @@ QString Helpdesk::programFolder() const { return scripting::pathText(path("progr
 void Helpdesk::withDatabase(const std::function<void()> &step) {
     ProgramCopy copy;
     const ProgramCopy::Scope scope(copy);
+    ado::addJetEngine();
     strProgramFolderOverride = programFolder();
     registry::fileOverride = path("registry.ini");
     strDBPath = programFolder() + "\\";
@@ -105,7 +107,7 @@ void Helpdesk::withDatabase(const std::function<void()> &step) {
 }
 
 void Helpdesk::makeDatabase() {
-    withDatabase([this] {
+    withDatabase([] {
         if (!fncCreateAccessDB(strDBPath + strDBFileName))
             ADD_FAILURE() << "The database can't be made.";
         objSettings->EmailFolders->FromString("\\\\Mailbox - Alma Tester\\Support");
@@ -207,7 +209,10 @@ Copy &Helpdesk::newCopy(const QString &command) {
     setup.instanceFile = m_instanceFile;
     setup.ownLoop = m_ownLoop;
     Copy &copy = m_copies.emplace_back(std::move(setup));
-    copy.in([&] { registry::fileOverride = path("registry.ini"); });
+    copy.in([&] {
+        ado::addJetEngine();
+        registry::fileOverride = path("registry.ini");
+    });
     return copy;
 }
 

@@ -5,6 +5,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/session.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "support/helpdesk.h"
@@ -14,6 +15,7 @@ namespace support {
 class Session : public Helpdesk {
   protected:
     void SetUp() override {
+        ado::addJetEngine();
         registry::fileOverride = path("registry.ini");
         strProgramFolderOverride = programFolder();
         strDBPath = programFolder() + "\\";

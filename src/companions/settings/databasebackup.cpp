@@ -4,7 +4,7 @@
 #include "orvelle/core/textfiles.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/upgrade.h"
-#include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
 #include "platform/storage/hold.h"
 #include "platform/storage/progress.h"
 #include "platform/storage/seal.h"

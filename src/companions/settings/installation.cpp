@@ -9,8 +9,7 @@
 #include "orvelle/database/upgrade.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
-#include "platform/ado/command.h"
-#include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
 #include "platform/value/convert.h"
 
 #include <QFile>
@@ -147,25 +146,6 @@ cOtherSettings storedSettings(const Ref<ado::Recordset> &set) {
     return stored;
 }
 
-/// Everything that is read while it lives is of one moment, whatever others write, also from a file that is read-only.
-class OneMoment {
-  public:
-    explicit OneMoment(const Ref<ado::Connection> &connection) : m_connection(connection) {
-        ado::Command begin;
-        begin.SetActiveConnection(connection);
-        begin.SetCommandText("BEGIN TRANSACTION");
-        begin.Execute();
-    }
-    ~OneMoment() {
-        static_cast<void>(Attempt([this] { m_connection->RollbackTrans(); }));
-    }
-    OneMoment(const OneMoment &) = delete;
-    OneMoment &operator=(const OneMoment &) = delete;
-
-  private:
-    Ref<ado::Connection> m_connection;
-};
-
 } // namespace
 
 QList<Section> readSettings(const QByteArray &content) {
@@ -229,7 +209,7 @@ void Installation::set(const QString &name, const QString &value) {
 }
 
 QByteArray Installation::exported() const {
-    const OneMoment moment(m_connection);
+    const ado::Moment moment(*m_connection);
     Section settingRows{settingsSection, {}, 0};
     for (const Setting &each : list())
         if (!each.name.trimmed().isEmpty())

@@ -16,6 +16,7 @@
 #include "orvelle/toolbar/rootexplorer.h"
 #include "orvelle/core/dialogs.h"
 #include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
 #include "platform/value/convert.h"

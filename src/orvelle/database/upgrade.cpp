@@ -3,7 +3,7 @@
 #include "orvelle/core/components.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/textfiles.h"
-#include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
 
 namespace {
 constexpr char strName[] = "Orvelle.mdb";

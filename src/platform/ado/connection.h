@@ -1,8 +1,8 @@
-/// Data access: connections, recordsets, fields and commands over a database file (and, by the same interface, other
-/// engines), under the member names of the data access component that programs of this kind are written against.
+/// Data access: connections, recordsets, fields and commands over databases of any engine, under the member names of
+/// the data access component that programs of this kind are written against.
 ///
-/// The connection string's `Provider` picks the engine; `Microsoft.Jet.OLEDB.4.0` is a SQLite file named by
-/// `Data Source`. Failures carry the numbers of `errors.h`.
+/// The connection string's `Provider` picks the engine among those of `engines.h`. Failures carry the numbers of
+/// `errors.h`.
 #pragma once
 
 #include "platform/ado/errors.h"
@@ -34,6 +34,8 @@ class Connection {
     void BeginTrans() { provider()->begin(); }
     void CommitTrans() { provider()->commit(); }
     void RollbackTrans() { provider()->rollback(); }
+    /// A transaction for reading alone, until `RollbackTrans`: everything that is read in it is of one moment.
+    void BeginReading() { provider()->beginReading(); }
 
     /// Fails with `objectClosed` when it is not open.
     [[nodiscard]] const std::shared_ptr<Provider> &provider() const;
@@ -64,6 +66,21 @@ class Transaction {
   private:
     Connection &m_connection;
     bool m_isOpen = true;
+};
+
+/// Everything that is read while it lives is of one moment, whatever others write, also from a database that can't be
+/// written. REQUIRES: the connection outlives it, and has no transaction.
+class Moment {
+  public:
+    explicit Moment(Connection &connection) : m_connection(connection) { m_connection.BeginReading(); }
+    ~Moment() {
+        static_cast<void>(Attempt([this] { m_connection.RollbackTrans(); }));
+    }
+    Moment(const Moment &) = delete;
+    Moment &operator=(const Moment &) = delete;
+
+  private:
+    Connection &m_connection;
 };
 
 } // namespace ado

@@ -1,7 +1,7 @@
 #include "platform/ado/criterion.h"
 
+#include "platform/ado/equaltext.h"
 #include "platform/ado/errors.h"
-#include "platform/ado/jettext.h"
 #include "platform/value/convert.h"
 
 namespace ado {

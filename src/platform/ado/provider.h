@@ -82,6 +82,9 @@ class Provider {
 
     /// Starts a transaction, with the right to write.
     virtual void begin() = 0;
+    /// Starts one that is for reading alone: what is read in it is of one moment, whatever others write, and it keeps
+    /// nobody from writing. Offered where nothing can be written, too. REQUIRES: no transaction is open.
+    virtual void beginReading() = 0;
     virtual void commit() = 0;
     virtual void rollback() = 0;
 };

@@ -1,8 +1,8 @@
 #include "platform/dao/schema.h"
 
 #include "platform/ado/errors.h"
-#include "platform/ado/jetfile.h"
-#include "platform/ado/jetsql.h"
+#include "platform/ado/jet/file.h"
+#include "platform/ado/jet/sql.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -53,7 +53,7 @@ void syncDirectory(const QString &directory) {
 Schema::Schema(const QString &path, Kind kind) : m_path(ado::machinePath(path)) {
     if (kind == Kind::Existing) {
         m_database = std::make_unique<ado::JetDatabase>(path, ado::JetDatabase::Mode::Write, busySeconds);
-        m_database->run("BEGIN IMMEDIATE");
+        m_database->begin();
         return;
     }
     if (QFileInfo::exists(m_path))
@@ -61,7 +61,7 @@ Schema::Schema(const QString &path, Kind kind) : m_path(ado::machinePath(path)) 
                       QString("The database %1 was not created: a file of that name is there.").arg(path));
     m_temporary = m_path + '.' + QUuid::createUuid().toString(QUuid::Id128).left(8) + ".new";
     m_database = std::make_unique<ado::JetDatabase>(m_temporary, ado::JetDatabase::Mode::Create, busySeconds);
-    m_database->run("BEGIN IMMEDIATE");
+    m_database->begin();
     m_database->run(propertyTable);
     m_database->run(relationTable);
 }
@@ -239,7 +239,7 @@ bool Schema::removeRelation(const QString &name) {
 }
 
 void Schema::commit() {
-    m_database->run("COMMIT");
+    m_database->commit();
     m_database.reset();
     if (m_temporary.isEmpty())
         return;

@@ -1,7 +1,7 @@
 /// The definition of one database file, in SQL.
 #pragma once
 
-#include "platform/ado/jetdatabase.h"
+#include "platform/ado/jet/database.h"
 #include "platform/dao/dao.h"
 
 namespace dao {

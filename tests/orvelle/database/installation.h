@@ -5,12 +5,16 @@
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/database/upgrade.h"
+#include "platform/ado/jet/engine.h"
 #include "support/program.h"
 
 class Installation : public support::Program {
   protected:
+    Installation() { ado::addJetEngine(); }
+
     /// The steps of a start before the first access.
     static void start(bool mayCreate) {
+        ado::addJetEngine();
         subFindDatabaseFile();
         strDBPath = fncProgramFolder() + "\\";
         blnAllowDBCreation = mayCreate;

@@ -3,6 +3,7 @@
 
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
+#include "platform/ado/jet/engine.h"
 #include "support/program.h"
 #include "support/tables.h"
 
@@ -12,6 +13,7 @@ using support::addRow, support::endsProcess, support::fill, support::open, suppo
 class DatabaseTest : public ProgramTest {
   protected:
     DatabaseTest() {
+        ado::addJetEngine();
         strDBFileName = "Orvelle.mdb";
         newDatabase();
     }

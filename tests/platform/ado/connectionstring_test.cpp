@@ -61,22 +61,4 @@ TEST(ConnectionString, AnyTextIsReadOrRefusedAndAQuotedOneReadBack) {
     }
 }
 
-TEST(Connection, PicksTheProvider) {
-    const std::pair<const char *, qint32> cases[] = {
-        {"Provider=Nobody.1;Data Source=x", ado::providerNotFound},
-        {"Data Source=x", ado::providerNotFound},
-        {"Provider=Microsoft.Jet.OLEDB.4.0", ado::badConnectionString},
-        {"Provider=microsoft.jet.oledb.4.0;Data Source=/no/such/file.mdb", failures::unspecified},
-        {"Provider=SQLOLEDB.1;Data Source=server;Initial Catalog=x", failures::unspecified},
-        {"", ado::providerNotFound},
-    };
-    for (const auto &[text, number] : cases) {
-        ado::Connection connection;
-        connection.SetConnectionString(text);
-        EXPECT_EQ(failureOf([&] { connection.Open(); }), number) << text;
-        EXPECT_FALSE(connection.IsOpen());
-        EXPECT_EQ(failureOf([&] { connection.Close(); }), ado::objectClosed);
-    }
-}
-
 } // namespace

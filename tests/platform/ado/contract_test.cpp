@@ -1,17 +1,12 @@
 // What every engine holds to, whatever stores the rows. Two connections are two programs on one database.
 
-#include "platform/ado/engine.h"
+#include "platform/ado/enginekinds.h"
 #include "platform/value/convert.h"
 
 namespace {
 
 using ado::LockType;
 using ado::Recordset;
-
-struct EngineKind {
-    const char *name;
-    std::function<std::unique_ptr<Engine>()> make;
-};
 
 class Contract : public ::testing::TestWithParam<EngineKind> {
   protected:
@@ -30,8 +25,7 @@ class Contract : public ::testing::TestWithParam<EngineKind> {
     Ref<ado::Connection> m_connection = m_engine->connect();
 };
 
-INSTANTIATE_TEST_SUITE_P(Engines, Contract,
-                         ::testing::Values(EngineKind{"File", [] { return std::make_unique<FileEngine>(); }}),
+INSTANTIATE_TEST_SUITE_P(Engines, Contract, ::testing::ValuesIn(engineKinds()),
                          [](const auto &each) { return each.param.name; });
 
 TEST_P(Contract, NumbersGoOnBehindARaisedOneWhoeverRaisesIt) {
@@ -334,6 +328,22 @@ TEST_P(Contract, DoesATransactionAsAWholeOrNotAtAll) {
         EXPECT_EQ(column(open(), "strText"), "c,e");
     }
     EXPECT_EQ(column(open(), "strText"), "c");
+}
+
+TEST_P(Contract, WhatIsReadInAMomentIsOfThatMoment) {
+    addTexts({"a", "b"});
+    const Ref<ado::Connection> other = m_engine->connect();
+    {
+        const ado::Moment moment(*m_connection);
+        EXPECT_EQ(column(open(), "strText"), "a,b");
+        // Others write meanwhile.
+        openRecordset(other, "tblAll")->Delete();
+        EXPECT_EQ(column(openRecordset(other, "tblAll"), "strText"), "b");
+        EXPECT_EQ(column(open(), "strText"), "a,b");
+    }
+    EXPECT_EQ(column(open(), "strText"), "b");
+    const ado::Transaction transaction(*m_connection);
+    EXPECT_EQ(failureOf([&] { addTexts({"c"}); }), 0) << "it is over";
 }
 
 TEST_P(Contract, ChangesMadeTogetherStandAloneAllTheSame) {

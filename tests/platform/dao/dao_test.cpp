@@ -3,6 +3,7 @@
 #include "platform/dao/dao.h"
 
 #include "platform/ado/command.h"
+#include "platform/ado/jet/engine.h"
 #include "platform/ado/recordset.h"
 #include "support/steps.h"
 
@@ -79,6 +80,7 @@ TEST_F(Definition, AFileMadeHereTakesRowsAndHoldsItsRules) {
         table->AppendField(table->CreateField("strText", dbText, 5));
         database->Close();
     }
+    ado::addJetEngine();
     const auto connection = Ref<ado::Connection>::make();
     connection->SetConnectionString("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path());
     connection->Open();

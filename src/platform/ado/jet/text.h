@@ -6,9 +6,6 @@
 
 namespace ado {
 
-/// Whether two texts differ in case at most.
-bool equalText(QStringView left, QStringView right);
-
 /// The order of texts in sorted selections: alphabetical by the general sort order, the same on every machine.
 /// Texts are equal in it exactly when `equalText` says so.
 class TextOrder {

@@ -1,7 +1,7 @@
-#include "platform/ado/jetselection.h"
+#include "platform/ado/jet/selection.h"
 
 #include "platform/ado/errors.h"
-#include "platform/ado/jetdatabase.h"
+#include "platform/ado/jet/database.h"
 
 #include <QHash>
 

@@ -1,8 +1,8 @@
 // The forms of SQL that the system uses, asked of a real file, and any text at all, asked of the translator.
 
-#include "platform/ado/engine.h"
-#include "platform/ado/jetsql.h"
-#include "platform/ado/jettext.h"
+#include "platform/ado/jet/fileengine.h"
+#include "platform/ado/jet/sql.h"
+#include "platform/ado/jet/text.h"
 #include "platform/value/convert.h"
 
 #include <random>

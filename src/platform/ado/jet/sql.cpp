@@ -1,7 +1,7 @@
-#include "platform/ado/jetsql.h"
+#include "platform/ado/jet/sql.h"
 
 #include "platform/ado/errors.h"
-#include "platform/ado/jetsqltokens.h"
+#include "platform/ado/jet/sqltokens.h"
 
 namespace ado {
 

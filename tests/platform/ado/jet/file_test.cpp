@@ -1,7 +1,7 @@
 // The file as the outside world leaves it: missing, damaged, read-only, full, in use, renamed.
 
-#include "platform/ado/engine.h"
-#include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
+#include "platform/ado/jet/fileengine.h"
 #include "support/child.h"
 #include "support/files.h"
 

@@ -1,9 +1,9 @@
-#include "platform/ado/jetfile.h"
+#include "platform/ado/jet/file.h"
 
 #include "platform/ado/errors.h"
-#include "platform/ado/jetdatabase.h"
-#include "platform/ado/jetselection.h"
-#include "platform/ado/jetsql.h"
+#include "platform/ado/jet/database.h"
+#include "platform/ado/jet/selection.h"
+#include "platform/ado/jet/sql.h"
 
 #include <QFile>
 #include <QSet>
@@ -163,20 +163,10 @@ class JetFile final : public Provider {
             syncLog();
     }
 
-    void begin() override {
-        m_database.run(m_depth == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT inner");
-        ++m_depth;
-    }
-    void commit() override {
-        m_database.run(m_depth <= 1 ? "COMMIT" : "RELEASE inner");
-        --m_depth;
-    }
-    void rollback() override {
-        m_depth = std::max(m_depth - 1, 0);
-        m_database.run(m_depth == 0 ? "ROLLBACK" : "ROLLBACK TO inner");
-        if (m_depth > 0)
-            m_database.run("RELEASE inner");
-    }
+    void begin() override { m_database.begin(); }
+    void beginReading() override { m_database.beginReading(); }
+    void commit() override { m_database.commit(); }
+    void rollback() override { m_database.rollback(); }
 
   private:
     qint64 writeLastNumber(const QString &statement, const QString &table, qint32 number) {
@@ -308,8 +298,6 @@ class JetFile final : public Provider {
     QSet<QString> m_money;
     bool m_haveMoney = false;
     std::optional<int> m_changesBeforeRun;
-    /// Transactions that are open, one inside of the other.
-    int m_depth = 0;
 };
 
 } // namespace

@@ -1,9 +1,9 @@
-#include "platform/ado/jetdatabase.h"
+#include "platform/ado/jet/database.h"
 
 #include "platform/ado/errors.h"
-#include "platform/ado/jetfile.h"
-#include "platform/ado/jetsql.h"
-#include "platform/ado/jettext.h"
+#include "platform/ado/jet/file.h"
+#include "platform/ado/jet/sql.h"
+#include "platform/ado/jet/text.h"
 #include "platform/storage/access.h"
 
 #include <QFileInfo>
@@ -197,6 +197,28 @@ void JetDatabase::run(QSqlQuery &query) {
 void JetDatabase::prepare(QSqlQuery &query, const QString &statement) {
     if (!query.prepare(statement))
         failQuery(query);
+}
+
+void JetDatabase::begin() {
+    run(m_depth == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT inner");
+    ++m_depth;
+}
+
+void JetDatabase::beginReading() {
+    run("BEGIN DEFERRED");
+    ++m_depth;
+}
+
+void JetDatabase::commit() {
+    run(m_depth <= 1 ? "COMMIT" : "RELEASE inner");
+    --m_depth;
+}
+
+void JetDatabase::rollback() {
+    m_depth = std::max(m_depth - 1, 0);
+    run(m_depth == 0 ? "ROLLBACK" : "ROLLBACK TO inner");
+    if (m_depth > 0)
+        run("RELEASE inner");
 }
 
 void JetDatabase::failQuery(const QSqlQuery &query) const {

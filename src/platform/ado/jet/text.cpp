@@ -1,4 +1,4 @@
-#include "platform/ado/jettext.h"
+#include "platform/ado/jet/text.h"
 
 namespace ado {
 
@@ -56,8 +56,6 @@ bool setHolds(QStringView set, char32_t point) {
 }
 
 } // namespace
-
-bool equalText(QStringView left, QStringView right) { return left.compare(right, Qt::CaseInsensitive) == 0; }
 
 TextOrder::TextOrder() : m_collator(QLocale(QLocale::English, QLocale::UnitedStates)) {
     m_collator.setCaseSensitivity(Qt::CaseInsensitive);

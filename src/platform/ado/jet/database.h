@@ -33,6 +33,14 @@ class JetDatabase {
     /// Runs a prepared query.
     void run(QSqlQuery &query);
     void prepare(QSqlQuery &query, const QString &statement);
+
+    /// A transaction with the right to write. One inside of another is a part of it.
+    void begin();
+    /// One for reading alone, which keeps nobody from writing.
+    void beginReading();
+    void commit();
+    void rollback();
+
     /// Throws what a query or the database says went wrong. `sqliteText` is the engine's own account.
     [[noreturn]] void fail(int sqliteCode, const QString &sqliteText) const;
 
@@ -47,6 +55,8 @@ class JetDatabase {
     bool m_readOnly = false;
     /// By `platform/dao`.
     bool m_madeHere = false;
+    /// Transactions that are open, one inside of the other.
+    int m_depth = 0;
     std::unique_ptr<TextOrder> m_order;
     QSqlDatabase m_database;
 };
