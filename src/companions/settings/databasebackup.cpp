@@ -1,10 +1,6 @@
 #include "companions/settings/databasebackup.h"
 
-#include "orvelle/core/process.h"
-#include "orvelle/core/textfiles.h"
 #include "orvelle/database/connection.h"
-#include "orvelle/database/upgrade.h"
-#include "platform/ado/jet/file.h"
 #include "platform/storage/hold.h"
 #include "platform/storage/progress.h"
 #include "platform/storage/seal.h"
@@ -22,13 +18,10 @@ const QString sumEnding = QStringLiteral(".sha256");
 
 /// The database file of the program folder, whether it is there or not.
 QString databaseFile() {
-    subFindDatabaseFile();
-    strDBPath = fncProgramFolder();
-    const QString folder = fncNoTrailingSlash(*strDBPath) + "\\";
-    const QString file = ado::machinePath(fncDatabaseFile(folder));
-    if (!QFile::exists(file) && QFile::exists(ado::machinePath(folder + "DBConnection.txt")))
+    const std::optional<QString> file = fncInstalledFile();
+    if (!file)
         throw Failure(failures::invalidCall, "The database is on a server, where its own backup is to be made.");
-    return file;
+    return *file;
 }
 
 /// Of whatever version: a database of tickets has these.

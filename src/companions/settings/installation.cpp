@@ -6,15 +6,10 @@
 #include "orvelle/core/sorting.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
-#include "orvelle/database/upgrade.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
-#include "platform/ado/jet/file.h"
+#include "platform/scripting/path.h"
 #include "platform/value/convert.h"
-
-#include <QFile>
-#include <QScopeGuard>
-#include <QUuid>
 
 namespace settings {
 
@@ -25,41 +20,22 @@ constexpr char settingsSection[] = "settings";
 constexpr int nameColumn = 1;
 constexpr int valueColumn = 2;
 
-/// Makes the database as a first start does: the tables, then the settings with their first values. It gets its name
-/// when it is whole, so that nobody works on half of it. Where another program was first, the database is that one's.
-void createDatabase() {
-    const QString name = std::exchange(strDBFileName.get(), QUuid::createUuid().toString(QUuid::Id128) + ".first");
-    const QString unnamed = *strDBPath + "\\" + *strDBFileName;
-    const QString named = *strDBPath + "\\" + name;
-    const auto finish = qScopeGuard([&] {
-        subCloseConnection();
-        strDBFileName = name;
-        for (const char *ending : {"", "-wal", "-shm"})
-            QFile::remove(ado::machinePath(unnamed) + ending);
-    });
-    if (!fncCreateAccessDB(unnamed))
-        throw Failure(failures::unspecified, QString("The database could not be created in %1. Check the rights to the "
-                                                     "folder and the room on its disk.")
-                                                 .arg(ado::machinePath(fncProgramFolder())));
-    subCreateSettings();
-    objSettings->SaveSettings();
-    subCloseConnection();
-    const auto failure = Attempt([&] { ado::moveJetFile(unnamed, named); });
-    if (failure && !QFile::exists(ado::machinePath(named)))
-        throw Failure(*failure);
+/// Makes the database as a first start does: the tables, then the settings with their first values.
+void createDatabase(const QString &path) {
+    subCreateFilledDB(path, [](const Ref<ado::Connection> &connection) { cSettings().SaveTo(connection); });
 }
 
 QString findDatabase(Installation::Missing missing) {
-    subFindDatabaseFile();
-    strDBPath = fncProgramFolder();
-    const QString connection = fncGetConnection();
+    const QString connection = fncFindInstalledDatabase();
     if (!connection.isEmpty())
         return connection;
+    const QString folder = fncProgramFolder();
     if (missing == Installation::Missing::Fail)
         throw Failure(failures::fileNotFound, QString("There is no database in %1 yet. Start orvelle once, or store a "
                                                       "setting with \"set\", which creates it.")
-                                                  .arg(ado::machinePath(fncProgramFolder())));
-    createDatabase();
+                                                  .arg(scripting::nativePath(folder)));
+    if (const std::optional<QString> file = fncInstalledFile())
+        createDatabase(*file);
     return fncGetConnection();
 }
 
@@ -176,12 +152,7 @@ void Installation::asAWhole(const std::function<void()> &changes) const {
 }
 
 Ref<ado::Recordset> Installation::open(const QString &source, ado::LockType lock) const {
-    const auto set = Ref<ado::Recordset>::make();
-    set->SetActiveConnection(m_connection);
-    set->SetSource(source);
-    set->SetLockType(lock);
-    set->Open();
-    return set;
+    return fncOpenRecordset(m_connection, source, lock);
 }
 
 QList<Setting> Installation::list() const {

@@ -5,7 +5,6 @@
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"
-#include "orvelle/database/upgrade.h"
 #include "orvelle/mail/finish.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/reference/settings.h"
@@ -19,6 +18,7 @@
 #include "platform/ado/jet/file.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
+#include "platform/scripting/path.h"
 #include "platform/value/convert.h"
 
 #include <QJsonArray>
@@ -114,12 +114,10 @@ class DeskRun {
     }
 
     static void findHelpdesk() {
-        subFindDatabaseFile();
-        strDBPath = fncProgramFolder();
-        if (fncGetConnection().isEmpty())
+        if (fncFindInstalledDatabase().isEmpty())
             throw Failure(failures::fileNotFound,
                           QString("There is no database in %1. Start orvelle once, which creates it.")
-                              .arg(ado::machinePath(fncProgramFolder())));
+                              .arg(scripting::nativePath(fncProgramFolder())));
         subCreateSettings();
         subReadFolderFromRegistry();
         oufTickets = objSettings->objFolder->GetFolder();

@@ -10,6 +10,7 @@
 #include "orvelle/database/upgrade.h"
 #include "platform/ado/connectionstring.h"
 #include "platform/scripting/filesystem.h"
+#include "platform/scripting/path.h"
 
 ProcessLocal<Ref<ReportTarget>> reportTarget;
 ProcessLocal<Ref<ado::Connection>> adoConnection;
@@ -19,6 +20,7 @@ namespace {
 constexpr qint32 jetFile = 2;
 constexpr qint32 databaseServer = 3;
 constexpr char strScriptFile[] = "ORVLDB.sql";
+constexpr char strConnectionFileName[] = "DBConnection.txt";
 constexpr char strServerDatabase[] = "OrvelleSQL";
 
 constexpr qint32 forReading = 1;
@@ -34,7 +36,7 @@ ReportTarget &target() {
 QString useFile(const QString &strAccessPath) {
     target().ReportTo = jetFile;
     target().ReportToValue = strAccessPath;
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ado::quotedConnectionValue(strAccessPath);
+    return fncFileConnection(strAccessPath);
 }
 
 QString useServer(const QString &strConnection) {
@@ -76,6 +78,25 @@ QString chooseConnection(const QString &strAccessPath, const QString &strConnect
 
 } // namespace
 
+QString fncFileConnection(const QString &strAccessPath) {
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ado::quotedConnectionValue(strAccessPath);
+}
+
+QString fncFindInstalledDatabase() {
+    subFindDatabaseFile();
+    strDBPath = fncProgramFolder();
+    return fncGetConnection();
+}
+
+std::optional<QString> fncInstalledFile() {
+    subFindDatabaseFile();
+    const QString strFolder = fncNoTrailingSlash(fncProgramFolder()) + "\\";
+    const QString strFile = fncDatabaseFile(strFolder);
+    if (!fsoFileSystem->FileExists(strFile) && fsoFileSystem->FileExists(strFolder + strConnectionFileName))
+        return std::nullopt;
+    return scripting::nativePath(strFile);
+}
+
 QString fncGetConnection() try {
     subTrace("Checking if database .mdb file exists");
     subSetupFS();
@@ -87,7 +108,7 @@ QString fncGetConnection() try {
         subTrace("strAccessPath = " + strAccessPath);
         if (fsoFileSystem->FileExists(strAccessPath))
             return useFile(strAccessPath);
-        const QString strConnectionFile = *strDBPath + "\\DBConnection.txt";
+        const QString strConnectionFile = *strDBPath + "\\" + strConnectionFileName;
         if (fsoFileSystem->FileExists(strConnectionFile)) {
             if (const std::optional<QString> strConnection = readConnection(strConnectionFile))
                 return useServer(*strConnection);
@@ -153,6 +174,16 @@ Ref<ado::Recordset> fncReturnRecordset(const QString &strSource, bool blnReadOnl
     if (blnDisplayError)
         subErrorHandler(failure, "fncReturnRecordset");
     return nullptr;
+}
+
+Ref<ado::Recordset> fncOpenRecordset(const Ref<ado::Connection> &connection, const QString &strSource,
+                                     ado::LockType lockType) {
+    const auto adrRS = Ref<ado::Recordset>::make();
+    adrRS->SetActiveConnection(connection);
+    adrRS->SetSource(strSource);
+    adrRS->SetLockType(lockType);
+    adrRS->Open();
+    return adrRS;
 }
 
 Ref<ado::Command> fncCreateCommand() try {

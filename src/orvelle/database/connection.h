@@ -9,6 +9,8 @@
 #include "platform/ado/recordset.h"
 #include "platform/value/processlocal.h"
 
+#include <optional>
+
 /// What kind of database the run uses. The settings object is one.
 struct ReportTarget {
     /// 0 until the database has been looked for, 2 a database file, 3 a database server.
@@ -27,6 +29,17 @@ extern ProcessLocal<Ref<ado::Connection>> adoConnection;
 /// `ReportToValue`, and gives its connection string; empty if there is none.
 QString fncGetConnection();
 
+/// The connection string of a database file.
+QString fncFileConnection(const QString &strAccessPath);
+
+/// Finds the database of the program folder, for a program that has no start of its own; its connection string, empty
+/// if there is none.
+QString fncFindInstalledDatabase();
+
+/// The database file of the program folder as the machine names it, whether it is there or not; nothing where the
+/// database is on a server.
+std::optional<QString> fncInstalledFile();
+
 /// Opens the shared connection unless it is there. No database is no failure: the connection stays Nothing.
 void subSetupConnection();
 
@@ -41,6 +54,10 @@ void subCloseConnection();
 ///        Nothing.
 /// Nothing, too, when there is no database.
 Ref<ado::Recordset> fncReturnRecordset(const QString &strSource, bool blnReadOnly, bool blnDisplayError, bool blnBatch);
+
+/// A recordset on a connection of the caller's. It fails as the recordset does.
+Ref<ado::Recordset> fncOpenRecordset(const Ref<ado::Connection> &connection, const QString &strSource,
+                                     ado::LockType lockType);
 
 /// A text command on the shared connection; Nothing when there is no database.
 Ref<ado::Command> fncCreateCommand();

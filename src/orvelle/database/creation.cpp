@@ -4,22 +4,19 @@
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
-#include "platform/value/processlocal.h"
+#include "orvelle/database/connection.h"
+#include "platform/ado/jet/file.h"
+#include "platform/scripting/path.h"
 #include "platform/window/window.h"
+
+#include <QFileInfo>
+#include <QScopeGuard>
+#include <QUuid>
 
 namespace {
 
 constexpr qint16 intTextSize = 255;
 constexpr qint32 dbVersion = dao::dbVersion40;
-
-/// What lives for one creation.
-struct Creation {
-    QString strPath;
-    Ref<dao::DBEngine> objEngine;
-    Ref<dao::Database> objDatabase;
-    Ref<dao::TableDef> objTableDef;
-};
-ProcessLocal<Creation> creation;
 
 /// Adds columns to one table.
 class Columns {
@@ -50,16 +47,17 @@ class Steps {
 };
 
 void addPersons(const Ref<dao::Database> &objDatabase) {
-    creation.get().objTableDef = fncDAOAddTable(objDatabase, "tblPersons", "intPersonID", LNGRESPONSIBLE + " ID");
-    Columns(creation.get().objTableDef)
+    const Ref<dao::TableDef> objTableDef =
+        fncDAOAddTable(objDatabase, "tblPersons", "intPersonID", LNGRESPONSIBLE + " ID");
+    Columns(objTableDef)
         .add("strPersonName", dao::dbText, LNGNAME)
         .add("curRate", dao::dbCurrency, LNGRATE)
         .add("strEmail", dao::dbText, LNGEMAIL);
 }
 
 void addTickets(const Ref<dao::Database> &objDatabase) {
-    creation.get().objTableDef = fncDAOAddTable(objDatabase, "tblTickets", "intTicketID", LNGTICKETID);
-    Columns(creation.get().objTableDef)
+    const Ref<dao::TableDef> objTableDef = fncDAOAddTable(objDatabase, "tblTickets", "intTicketID", LNGTICKETID);
+    Columns(objTableDef)
         .add("strTicketSubject", dao::dbText, LNGSUBJECT)
         .add("strDescription", dao::dbMemo, LNGDESCRIPTION)
         .add("intTicketType", dao::dbInteger, LNGPROBLEMTYPE + " ID")
@@ -77,8 +75,9 @@ void addTickets(const Ref<dao::Database> &objDatabase) {
 }
 
 void addTypes(const Ref<dao::Database> &objDatabase) {
-    creation.get().objTableDef = fncDAOAddTable(objDatabase, "tblTypes", "intTicketType", LNGPROBLEMTYPE + " ID");
-    Columns(creation.get().objTableDef)
+    const Ref<dao::TableDef> objTableDef =
+        fncDAOAddTable(objDatabase, "tblTypes", "intTicketType", LNGPROBLEMTYPE + " ID");
+    Columns(objTableDef)
         .add("strTypeDescription", dao::dbText, LNGPROBLEMTYPE)
         .add("strCategory", dao::dbText, LNGPROBLEMCATEGORY)
         .add("intDefMin", dao::dbInteger, LNGMINUTES);
@@ -87,35 +86,31 @@ void addTypes(const Ref<dao::Database> &objDatabase) {
 } // namespace
 
 bool fncCreateAccessDB(const QString &strPath) {
-    struct Release {
-        ~Release() { creation = Creation(); }
-    } const release;
-    creation.get().strPath = strPath;
-    if (!fncCreateV7DB() || !fncAddTicketColumns() || !fncAddReferenceTables())
+    const Ref<dao::Database> objDatabase = fncCreateV7DB(strPath);
+    if (!fncAddTicketColumns(objDatabase) || !fncAddReferenceTables(objDatabase))
         return false;
-    creation.get().objDatabase->Close();
+    objDatabase->Close();
     return true;
 }
 
-bool fncCreateV7DB() try {
+Ref<dao::Database> fncCreateV7DB(const QString &strPath) try {
     subTrace("Creating a new DAO.DBEngine");
-    Creation &current = creation.get();
-    current.objEngine = Ref<dao::DBEngine>::make();
-    subTrace("Creating version ORVL V7 database at " + current.strPath);
-    current.objDatabase =
-        current.objEngine->CreateDatabase(current.strPath, ";LANGID=0x0409;CP=1252;COUNTRY=0", dbVersion);
-    addPersons(current.objDatabase);
-    addTickets(current.objDatabase);
-    addTypes(current.objDatabase);
-    return true;
+    const auto objEngine = Ref<dao::DBEngine>::make();
+    subTrace("Creating version ORVL V7 database at " + strPath);
+    const Ref<dao::Database> objDatabase =
+        objEngine->CreateDatabase(strPath, ";LANGID=0x0409;CP=1252;COUNTRY=0", dbVersion);
+    addPersons(objDatabase);
+    addTickets(objDatabase);
+    addTypes(objDatabase);
+    return objDatabase;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncCreateV7DB");
 }
 
-bool fncAddTicketColumns() {
-    Ref<dao::TableDef> &objTableDef = creation.get().objTableDef;
+bool fncAddTicketColumns(const Ref<dao::Database> &objDatabase) {
+    Ref<dao::TableDef> objTableDef;
     Steps steps;
-    steps.run([&] { objTableDef = creation.get().objDatabase->FindTableDef("tblTickets"); });
+    steps.run([&] { objTableDef = objDatabase->FindTableDef("tblTickets"); });
     const auto add = [&](const char *strName, qint16 intType, const QString &strCaption) {
         steps.run([&] { subDAOAddField(objTableDef, strName, strCaption, intType, intTextSize); });
     };
@@ -129,9 +124,8 @@ bool fncAddTicketColumns() {
     return steps.good();
 }
 
-bool fncAddReferenceTables() {
-    const Ref<dao::Database> &objDatabase = creation.get().objDatabase;
-    Ref<dao::TableDef> &objTableDef = creation.get().objTableDef;
+bool fncAddReferenceTables(const Ref<dao::Database> &objDatabase) {
+    Ref<dao::TableDef> objTableDef;
     Steps steps;
     const auto table = [&](const char *strTable, const char *strIDField, const QString &strCaption) {
         steps.run([&] { objTableDef = fncDAOAddTable(objDatabase, strTable, strIDField, strCaption); });
@@ -204,6 +198,25 @@ void subDAOAddField(const Ref<dao::TableDef> &objTableDef, const QString &strNam
     objTableDef->AppendField(objField);
     if (!strCaption.isEmpty())
         objField->AppendProperty(objField->CreateProperty("Caption", dao::dbMemo, strCaption));
+}
+
+void subCreateFilledDB(const QString &strPath, const std::function<void(const Ref<ado::Connection> &)> &subFill) {
+    const QString strFile = scripting::nativePath(strPath);
+    const QString strUnnamed = strPath + "." + QUuid::createUuid().toString(QUuid::Id128) + ".first";
+    const auto finish = qScopeGuard([&] { ado::removeJetFile(strUnnamed); });
+    if (!fncCreateAccessDB(strUnnamed))
+        throw Failure(failures::unspecified, QString("The database could not be created in %1. Check the rights to the "
+                                                     "folder and the room on its disk.")
+                                                 .arg(QFileInfo(strFile).path()));
+    {
+        const auto connection = Ref<ado::Connection>::make();
+        connection->SetConnectionString(fncFileConnection(strUnnamed));
+        connection->Open();
+        subFill(connection);
+    }
+    const auto failure = Attempt([&] { ado::moveJetFile(strUnnamed, strPath); });
+    if (failure && !QFile::exists(strFile))
+        throw Failure(*failure);
 }
 
 QString fncCreateSQLDB(const QString &strDefaultDBName) {

@@ -142,16 +142,33 @@ QString cSettings::NewTicketHTML(const QString &ProblemDescription) const {
     return page.replace(place, ProblemDescription);
 }
 
+void cSettings::WriteLists(const OpenTable &open) const {
+    Responsibles->ToRS(open("tblPersons"));
+    ProblemTypes->ToRS(open("tblTypes"));
+    CallerCategories->ToRS(open("tblCallerCategories"));
+    Statuses->ToRS(open("tblStatuses"));
+    Callers->ToRS(open("tblCallers"));
+}
+
+void cSettings::WriteOtherSettings(const OpenTable &open) const {
+    OtherSettings->SetValue("EmailFolders", EmailFolders->ToString());
+    OtherSettings->ToRS(open("tblOtherSettings"));
+}
+
+void cSettings::SaveTo(const Ref<ado::Connection> &connection) const {
+    const OpenTable open = [&](const QString &strTable) {
+        return fncOpenRecordset(connection, strTable, ado::LockType::Optimistic);
+    };
+    WriteLists(open);
+    WriteOtherSettings(open);
+}
+
 void cSettings::SaveSettings() try {
     subTrace("Saving setting values to database");
-    Responsibles->ToRS(openTable("tblPersons", false));
-    ProblemTypes->ToRS(openTable("tblTypes", false));
-    CallerCategories->ToRS(openTable("tblCallerCategories", false));
-    Statuses->ToRS(openTable("tblStatuses", false));
-    Callers->ToRS(openTable("tblCallers", false));
-    OtherSettings->SetValue("EmailFolders", EmailFolders->ToString());
+    const OpenTable openToWrite = [](const QString &strTable) { return openTable(strTable, false); };
+    WriteLists(openToWrite);
     fncSetSettingFile(m_strLanguageFile, CurrentSelectedLanguage);
-    OtherSettings->ToRS(openTable("tblOtherSettings", false));
+    WriteOtherSettings(openToWrite);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cSettings.SaveSettings");
 }

@@ -12,6 +12,8 @@
 
 #include <QLocale>
 
+#include <functional>
+
 class cOutlookFolder;
 namespace scripting {
 class TextStream;
@@ -47,6 +49,8 @@ class cSettings : public ReportTarget {
     [[nodiscard]] QString NewTicketHTML(const QString &ProblemDescription) const;
     /// Writes everything back. The connection stays open.
     void SaveSettings();
+    /// Writes everything that a database holds to one that is not the shared connection's.
+    void SaveTo(const Ref<ado::Connection> &connection) const;
 
     /// The language file, open for reading; made, holding "1", when it is not there. Nothing when it can't be opened.
     Ref<scripting::TextStream> fncGetSettingFile(const QString &strFilePath);
@@ -61,7 +65,11 @@ class cSettings : public ReportTarget {
     [[nodiscard]] QString fncGetFileName(const QString &strLocation) const;
 
   private:
+    using OpenTable = std::function<Ref<ado::Recordset>(const QString &)>;
+
     void ReadLists();
+    void WriteLists(const OpenTable &open) const;
+    void WriteOtherSettings(const OpenTable &open) const;
     void subSetCurrentResponsible();
     [[noreturn]] void subNoConnection();
     void subFindTicketFolder();

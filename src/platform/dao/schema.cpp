@@ -69,8 +69,7 @@ Schema::Schema(const QString &path, Kind kind) : m_path(ado::machinePath(path)) 
 Schema::~Schema() {
     m_database.reset();
     if (!m_temporary.isEmpty())
-        for (const char *suffix : {"", "-wal", "-shm", "-journal"})
-            QFile::remove(m_temporary + suffix);
+        ado::removeJetFile(m_temporary);
 }
 
 QSqlQuery Schema::query(const QString &statement, const QList<QVariant> &values) {

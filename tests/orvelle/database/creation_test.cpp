@@ -57,6 +57,12 @@ class NewDatabase : public Installation {
   protected:
     NewDatabase() { subFindDatabaseFile(); }
     bool create() { return fncCreateAccessDB(fncProgramFolder() + "\\Orvelle.mdb"); }
+    Ref<ado::Connection> connectTo(const QString &name) {
+        const auto connection = Ref<ado::Connection>::make();
+        connection->SetConnectionString(fncFileConnection(at(name)));
+        connection->Open();
+        return connection;
+    }
     Ref<dao::Database> definition() { return dao::DBEngine().OpenDatabase(path("Orvelle.mdb")); }
 };
 
@@ -90,9 +96,38 @@ TEST_F(NewDatabase, IsAbsentWhenItCouldNotBeFinished) {
 /// The later steps go on after a failing statement and say at the end that one failed; what has a handler of its own
 /// reports.
 TEST_F(NewDatabase, StepsWithoutADatabaseFail) {
-    EXPECT_FALSE(fncAddTicketColumns());
+    EXPECT_FALSE(fncAddTicketColumns(nullptr));
     answers.expect("subAddOtherSettingsTable", window::No);
-    EXPECT_THROW(fncAddReferenceTables(), ProcessEnd);
+    EXPECT_THROW(fncAddReferenceTables(nullptr), ProcessEnd);
+}
+
+TEST_F(NewDatabase, WithItsFirstRowsAppearsWholeOrNotAtAll) {
+    const auto addStatus = [&](const QString &status) {
+        return [&, status](const Ref<ado::Connection> &connection) {
+            const auto table = fncOpenRecordset(connection, "tblStatuses", ado::LockType::Optimistic);
+            table->AddNew();
+            table->Fields("strStatus").SetValue(status);
+            table->Update();
+        };
+    };
+    const auto files = [&] { return QDir(m_folder.path()).entryList({"Orvelle*"}, QDir::Files | QDir::Hidden); };
+    EXPECT_EQ(failureOf([&] {
+                  subCreateFilledDB(at("Orvelle.mdb"), [&](const Ref<ado::Connection> &connection) {
+                      addStatus("lost")(connection);
+                      throw Failure(failures::noDiskSpace);
+                  });
+              }),
+              failures::noDiskSpace);
+    EXPECT_EQ(files(), QStringList());
+
+    // Another program makes one meanwhile.
+    subCreateFilledDB(at("Orvelle.mdb"), [&](const Ref<ado::Connection> &) {
+        EXPECT_FALSE(exists("Orvelle.mdb")) << "nobody may find it while it is made";
+        subCreateFilledDB(at("Orvelle.mdb"), addStatus("theirs"));
+    });
+    EXPECT_EQ(files(), QStringList{"Orvelle.mdb"});
+    EXPECT_TRUE(adoConnection.get().isNothing()) << "the shared connection has no part in it";
+    EXPECT_EQ(fncOpenRecordset(connectTo("Orvelle.mdb"), "tblStatuses", ado::LockType::ReadOnly)->RecordCount(), 1);
 }
 
 TEST_F(NewDatabase, KeepsWhatWasWrittenWhenTheProgramIsKilled) {

@@ -306,6 +306,11 @@ std::shared_ptr<Provider> openJetFile(const QString &path, int busySeconds) {
     return std::make_shared<JetFile>(path, busySeconds);
 }
 
+void removeJetFile(const QString &path) {
+    for (const char *suffix : {"", "-wal", "-shm", "-journal"})
+        QFile::remove(machinePath(path) + suffix);
+}
+
 void moveJetFile(const QString &from, const QString &to) {
     if (!QFile::exists(machinePath(from)))
         throw Failure(failures::fileNotFound);

@@ -25,6 +25,9 @@ std::shared_ptr<Provider> openJetFile(const QString &path, int busySeconds);
 /// open, with 53 when it is not there and with 58 when the new name is taken.
 void moveJetFile(const QString &from, const QString &to);
 
+/// Deletes a database file that nobody has open, with all that the engine keeps beside it. None there is none deleted.
+void removeJetFile(const QString &path);
+
 /// The path as this machine has it: both separators turned into its own.
 QString machinePath(const QString &path);
 
