@@ -9,6 +9,7 @@
 #include "orvelle/database/connection.h"
 #include "orvelle/database/creation.h"
 #include "orvelle/reference/settings.h"
+#include "orvelle/ticketfolder/getsettings.h"
 #include "platform/ado/jet/engine.h"
 #include "platform/registry/registry.h"
 
@@ -135,7 +136,7 @@ void compare(benchmark::State &state, const std::function<void()> &step, const s
 void GetSettings(benchmark::State &state) {
     const Filled filled;
     compare(
-        state, [] { objSettings->GetSettings(false); },
+        state, [] { subGetSettings(); },
         [&] {
             benchmark::DoNotOptimize(readBare(
                 filled.file(), {"SELECT * FROM tblPersons ORDER BY strPersonName",

@@ -8,10 +8,10 @@
 #include "orvelle/mail/finish.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/reference/settings.h"
-#include "orvelle/reference/ticketfolder.h"
-#include "orvelle/session/outlookfolder.h"
 #include "orvelle/session/safeutils.h"
 #include "orvelle/ticket/ticketnumbers.h"
+#include "orvelle/ticketfolder/getsettings.h"
+#include "orvelle/ticketfolder/ticketfolder.h"
 #include "orvelle/toolbar/rootexplorer.h"
 #include "orvelle/core/dialogs.h"
 #include "platform/ado/jetfile.h"
@@ -120,12 +120,12 @@ class DeskRun {
                               .arg(scripting::nativePath(fncProgramFolder())));
         subCreateSettings();
         subReadFolderFromRegistry();
-        oufTickets = objSettings->objFolder->GetFolder();
+        oufTickets = fncSavedFolder();
         if (oufTickets->isNothing())
             throw Failure(failures::notFound,
                           "This profile does not know the ticket folder yet, or it is gone. Let the "
                           "desk show the ticket folder and start orvelle once.");
-        objSettings->GetSettings(false);
+        subGetSettings();
         // Work rows bear a phrase in the helpdesk's language.
         LoadLanguages(objSettings->CurrentSelectedLanguage);
     }

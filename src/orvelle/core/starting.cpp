@@ -1,7 +1,6 @@
 #include "orvelle/core/starting.h"
 
 #include "orvelle/core/components.h"
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
@@ -66,9 +65,4 @@ void subPrintFile(const QString &strPath) {
 
 void subOpenURL(const QString &strURL) {
     (void)Attempt([&] { scripting::Shell().Run(strURL, 1); });
-}
-
-void subOpenLink(const QString &strURL) {
-    if (Attempt([&] { fncGetShell()->Run(strURL); }))
-        subAssistantMessage(ouaOutlook, "Failed to start web browser!");
 }

@@ -11,5 +11,3 @@ void subInvokeShellVerb(const QString &strFolder, const QString &strFile, const 
 void subPrintFile(const QString &strPath);
 /// Opens a link in the program that the person chose for it. A failure is passed over.
 void subOpenURL(const QString &strURL);
-/// As `subOpenURL`, with a message when it fails.
-void subOpenLink(const QString &strURL);

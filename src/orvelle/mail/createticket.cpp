@@ -1,11 +1,11 @@
 #include "orvelle/mail/createticket.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/savetrouble.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
+#include "orvelle/dialogs/savetrouble.h"
 #include "orvelle/mail/attachments.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/leftover.h"
@@ -27,7 +27,7 @@ constexpr qint32 flagComplete = 2;
 
 void subFindTicketFolder() {
     if (oufTickets->isNothing())
-        oufTickets = objSettings->objFolder->GetFolder();
+        oufTickets = cOutlookFolder(*objSettings->objFolder).GetFolder();
     if (!oufTickets->isNothing())
         return;
     if (fncAssistantYesNo(ouaOutlook, LNGFAILEDTOFINDCRVFOLDER, 4) == window::Yes)

@@ -1,11 +1,11 @@
 #include "orvelle/mail/foldermonitor.h"
 
 #include "orvelle/core/components.h"
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/entry.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/leftover.h"

@@ -1,8 +1,8 @@
 #include "orvelle/mail/intake.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/savetrouble.h"
+#include "orvelle/dialogs/dialogs.h"
+#include "orvelle/dialogs/savetrouble.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/confirmation.h"
 #include "orvelle/mail/createticket.h"

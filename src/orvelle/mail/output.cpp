@@ -1,8 +1,8 @@
 #include "orvelle/mail/output.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/mail/attachments.h"
 #include "orvelle/mail/sentmail.h"
 #include "orvelle/reference/settings.h"

@@ -1,7 +1,6 @@
 #include "orvelle/program/main.h"
 
 #include "orvelle/core/components.h"
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
@@ -10,18 +9,19 @@
 #include "orvelle/core/trace.h"
 #include "orvelle/database/chooseconnection.h"
 #include "orvelle/database/upgrade.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/mail/foldermonitor.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/program/dummy.h"
 #include "orvelle/reference/settings.h"
-#include "orvelle/reference/ticketfolder.h"
 #include "orvelle/session/clienttools.h"
 #include "orvelle/session/homepage.h"
-#include "orvelle/session/outlookfolder.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/safeutils.h"
 #include "orvelle/session/session.h"
 #include "orvelle/ticket/ticketnumbers.h"
+#include "orvelle/ticketfolder/getsettings.h"
+#include "orvelle/ticketfolder/ticketfolder.h"
 #include "orvelle/toolbar/rootexplorer.h"
 #include "orvelle/core/steps.h"
 
@@ -57,7 +57,7 @@ void subStartMonitor(bool blnInstall) {
         // The first access to the database: it is what opens the dialogs that choose one.
         objSettings->SaveSettings();
     } else {
-        objSettings->GetSettings(false);
+        subGetSettings();
         strNumbers = fncRaiseTicketNumbers();
         subSetupOutlookMonitor(ouaOutlook->ActiveExplorer());
         subSetCurrentFolder(defaultfolder::calendar);
@@ -71,7 +71,7 @@ void subStartMonitor(bool blnInstall) {
 
 void subFindFolderOfTicketRun() {
     subReadFolderFromRegistry();
-    oufTickets = objSettings->objFolder->GetFolder();
+    oufTickets = fncSavedFolder();
     objSettings->CurrentResponsible->FullName = fncGetUserName();
 }
 
@@ -115,7 +115,7 @@ void Main(const QString &strCommand) try {
         return;
     }
     if (blnTicketRun) {
-        objSettings->GetSettings(false);
+        subGetSettings();
         LoadLanguages(objSettings->CurrentSelectedLanguage);
         subTell(fncRaiseTicketNumbers());
         subCreateTicketFromSelected();

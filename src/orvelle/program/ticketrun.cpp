@@ -1,10 +1,10 @@
 // The ticket run: a ticket from the mail that the person has selected or opened.
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/reply.h"
@@ -13,6 +13,7 @@
 #include "orvelle/reference/texts.h"
 #include "orvelle/session/safeutils.h"
 #include "orvelle/ticket/ticketfolders.h"
+#include "orvelle/ticketfolder/getsettings.h"
 
 namespace {
 constexpr qint32 discard = 1;
@@ -71,7 +72,7 @@ void subOpenTicket(const QString &strTicketID) {
         oue.WindowState(maximised);
         oue.Activate();
         subSetupOutlookMonitor(oue);
-        objSettings->GetSettings(false);
+        subGetSettings();
     }
     // A reply can name a ticket that is closed, or none at all.
     const host::Item oui = oufTickets->FindItem("[Ticket ID] = " + fncQuoted(strTicketID));

@@ -1,25 +1,16 @@
 #include "orvelle/reference/settings.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/reference/texts.h"
-#include "orvelle/reference/ticketfolder.h"
-#include "orvelle/session/folderpath.h"
-#include "orvelle/session/homepage.h"
-#include "orvelle/session/outlookfolder.h"
-#include "orvelle/session/session.h"
 #include "platform/value/convert.h"
 
 ProcessLocal<Ref<cSettings>> objSettings;
 ProcessLocal<std::optional<QLocale>> objWorkRegion;
 
 namespace {
-constexpr qint32 sqlServer = 3;
-constexpr qint32 answerYes = 6;
-
 Ref<ado::Recordset> openTable(const QString &strSource, bool blnReadOnly) {
     return fncReturnRecordset(strSource, blnReadOnly, true, false);
 }
@@ -60,28 +51,21 @@ cSettings::cSettings()
     : Callers(Ref<cCallersList>::make()), Responsibles(Ref<cResponsibles>::make()), Statuses(Ref<cSimpleList>::make()),
       CallerCategories(Ref<cSimpleList>::make()), ProblemTypes(Ref<cProblemTypes>::make()),
       CurrentResponsible(Ref<cResponsible>::make()), OtherSettings(Ref<cOtherSettings>::make()),
-      EmailFolders(Ref<cSimpleList>::make()), objFolder(Ref<cOutlookFolder>::make()) {
+      EmailFolders(Ref<cSimpleList>::make()), objFolder(Ref<cFolderReference>::make()) {
     CallerCategories->ListName = LNGCALLERCATEGORY;
     Statuses->ListName = LNGSTATUS;
     setDefaults(*OtherSettings);
 }
 
-void cSettings::GetSettings(bool /*blnInstall*/) try {
+bool cSettings::ReadSettings() {
     // The first access of the run: it is what opens the connection.
     Responsibles->FromRS(openTable("SELECT * From tblPersons ORDER BY strPersonName", true));
     if (!*adoConnection)
-        subNoConnection();
+        return false;
     ReadLists();
     EmailFolders->FromString(toText(OtherSettings->GetValue("EmailFolders", settingtype::text)));
     CurrentSelectedLanguage = fncReadLanguage();
-    subSetCurrentResponsible();
-    strCurrentUserName = CurrentResponsible->FullName;
-    subCloseConnection();
-    if (oufTickets->isNothing())
-        subFindTicketFolder();
-    subWriteReg();
-} catch (const Failure &failure) {
-    subErrorHandler(failure, "cSettings.GetSettings");
+    return true;
 }
 
 void cSettings::ReadLists() {
@@ -93,43 +77,11 @@ void cSettings::ReadLists() {
     objWorkRegion = regionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
 }
 
-void cSettings::subNoConnection() {
-    QString text = LNGERRCONNECTIONFAILED + strLineEnd + ReportToValue + strLineEnd;
-    if (ReportTo == sqlServer)
-        text += "To re-install, please remove the DBConnection.txt file.";
-    if (ouaOutlook->isNothing())
-        subStartOutlook(defaultfolder::inbox);
-    subAssistantMessage(ouaOutlook, text);
-    // Off the ticket folder, so that the next run is not started by the folder at once.
-    ouaOutlook->ActiveExplorer().CurrentFolder(onsMAPI->GetDefaultFolder(defaultfolder::inbox));
-    subQuit();
-}
-
-void cSettings::subFindTicketFolder() {
-    oufTickets = objFolder->GetFolder();
-    if (oufTickets->isNothing()) {
-        subReadFolderFromRegistry();
-        oufTickets = objFolder->GetFolder();
-    }
-    if (oufTickets->isNothing())
-        subSetCurrentFolder(defaultfolder::inbox);
-    while (oufTickets->isNothing()) {
-        if (fncAssistantYesNo(ouaOutlook, LNGFAILEDTOFINDCRVFOLDER, 4) != answerYes)
-            subReleaseAll();
-        oufTickets = fncPickFolder(nullptr);
-        if (oufTickets->isNothing())
-            continue;
-        OtherSettings->SetValue("RootFolderPath", fncGetFolderPath(oufTickets, onsMAPI));
-        SaveSettings();
-    }
-}
-
-void cSettings::subSetCurrentResponsible() {
-    const QString name = fncGetUserName();
-    if (Responsibles->DicList->Exists(name))
-        CurrentResponsible = Responsibles->DicList->Item(name);
+void cSettings::SetCurrentResponsible(const QString &strName) {
+    if (Responsibles->DicList->Exists(strName))
+        CurrentResponsible = Responsibles->DicList->Item(strName);
     else
-        CurrentResponsible->FullName = name;
+        CurrentResponsible->FullName = strName;
 }
 
 QString cSettings::NewTicketHTML(const QString &ProblemDescription) const {

@@ -1,6 +1,7 @@
 /// `cSettings`: the one object through which the program knows its reference data and configuration.
 #pragma once
 
+#include "orvelle/core/folderreference.h"
 #include "orvelle/database/connection.h"
 #include "orvelle/reference/callers.h"
 #include "orvelle/reference/othersettings.h"
@@ -14,7 +15,6 @@
 
 #include <functional>
 
-class cOutlookFolder;
 namespace scripting {
 class TextStream;
 }
@@ -39,12 +39,15 @@ class cSettings : public ReportTarget {
     /// The monitored mail folders, by their paths.
     Ref<cSimpleList> EmailFolders;
     /// The saved reference to the ticket folder.
-    Ref<cOutlookFolder> objFolder;
+    Ref<cFolderReference> objFolder;
     /// From 1.
     qint16 CurrentSelectedLanguage = 1;
 
-    /// Loads everything and makes sure of a ticket folder; ends the process when there is no database or no folder.
-    void GetSettings(bool blnInstall);
+    /// Reads everything that is stored, the language included; false when there is no database. The connection stays
+    /// open. A run loads its settings with `subGetSettings`.
+    [[nodiscard]] bool ReadSettings();
+    /// Who uses the program: the responsible of that name, or else one that has the name alone.
+    void SetCurrentResponsible(const QString &strName);
     /// A new ticket's body around a description.
     [[nodiscard]] QString NewTicketHTML(const QString &ProblemDescription) const;
     /// Writes everything back. The connection stays open.
@@ -70,9 +73,6 @@ class cSettings : public ReportTarget {
     void ReadLists();
     void WriteLists(const OpenTable &open) const;
     void WriteOtherSettings(const OpenTable &open) const;
-    void subSetCurrentResponsible();
-    [[noreturn]] void subNoConnection();
-    void subFindTicketFolder();
 
     /// Empty until the language was asked for.
     QString m_strLanguageFile;

@@ -1,10 +1,10 @@
 #include "orvelle/session/clienttools.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/starting.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/session/homepage.h"
 #include "platform/scripting/components.h"
 

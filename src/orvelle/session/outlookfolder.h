@@ -1,6 +1,7 @@
 /// `cOutlookFolder`: a saved reference to a folder of the host.
 #pragma once
 
+#include "orvelle/core/folderreference.h"
 #include "orvelle/host/folders.h"
 #include "platform/controls/form.h"
 
@@ -8,12 +9,10 @@
 
 /// The identifiers find the folder; the path does where they don't. The name is a check on both, so that a folder that
 /// was renamed is no longer found.
-class cOutlookFolder {
+class cOutlookFolder : public cFolderReference {
   public:
-    QString Path;
-    QString EntryID;
-    QString StoreID;
-    QString Name;
+    cOutlookFolder() = default;
+    explicit cOutlookFolder(const cFolderReference &saved) : cFolderReference(saved) {}
 
     /// Lets the person pick a folder and refers to it, unless its kind is another than `intFolderType`.
     void GetOutlookPathInfo(controls::Form *frmFormToReactiveate, qint32 intFolderType);

@@ -1,10 +1,10 @@
 #include "orvelle/session/properties.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 
 namespace {
 /// What one property of the host holds at most.

@@ -1,11 +1,11 @@
 #include "orvelle/session/session.h"
 
 #include "orvelle/core/components.h"
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/session/forms.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/shell.h"

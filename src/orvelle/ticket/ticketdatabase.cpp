@@ -2,14 +2,14 @@
 
 #include "orvelle/ticket/ticket.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/savetrouble.h"
 #include "orvelle/core/texthelpers.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
+#include "orvelle/dialogs/dialogs.h"
+#include "orvelle/dialogs/savetrouble.h"
 #include "orvelle/reference/opentime.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"

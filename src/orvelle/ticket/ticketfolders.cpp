@@ -1,9 +1,9 @@
 #include "orvelle/ticket/ticketfolders.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/reference/texts.h"
 
 namespace {

@@ -6,6 +6,7 @@
 #include "platform/ado/recordset.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
+#include "orvelle/dialogs/dialogs.h"
 
 #include <cmath>
 

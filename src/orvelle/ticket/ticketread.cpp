@@ -3,11 +3,11 @@
 
 #include "orvelle/ticket/ticket.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
-#include "orvelle/core/savetrouble.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/dialogs.h"
+#include "orvelle/dialogs/savetrouble.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/safeutils.h"

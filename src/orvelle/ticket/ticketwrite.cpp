@@ -2,11 +2,11 @@
 
 #include "orvelle/ticket/ticket.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
+#include "orvelle/dialogs/dialogs.h"
 #include "orvelle/host/folders.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"

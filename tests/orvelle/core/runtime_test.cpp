@@ -1,6 +1,5 @@
 #include "orvelle/core/components.h"
 #include "orvelle/core/fieldchange.h"
-#include "orvelle/core/formhelpers.h"
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/sorting.h"
@@ -11,8 +10,6 @@
 
 #include "orvelle/core/trace.h"
 #include "platform/scripting/components.h"
-#include "support/fakecontrol.h"
-#include "support/fakeobject.h"
 #include "support/program.h"
 
 namespace {
@@ -156,17 +153,6 @@ TEST_F(Runtime, AFieldChangesByItsValue) {
     for (const Case &c : cases)
         EXPECT_EQ(fncValueChanged(c.stored, c.value), c.changed)
             << c.stored.kindName().toStdString() << " " << c.value.kindName().toStdString();
-}
-
-TEST_F(Runtime, AComboKeepsItsValue) {
-    const auto dic = fncCreateDic<QString>();
-    dic->Add("b", "1");
-    dic->Add("a", "2");
-    FakeControl combo(FakeControl::Kind::Combo, "not in the list");
-    combo.AddItem("old");
-    subFillCombo(combo, dic);
-    EXPECT_EQ(combo.rows(), (QStringList{"b", "a"}));
-    EXPECT_EQ(combo.Text(), "not in the list");
 }
 
 } // namespace

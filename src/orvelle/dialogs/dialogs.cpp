@@ -1,4 +1,4 @@
-#include "orvelle/core/dialogs.h"
+#include "orvelle/dialogs/dialogs.h"
 
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"

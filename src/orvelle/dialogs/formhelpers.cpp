@@ -1,4 +1,4 @@
-#include "orvelle/core/formhelpers.h"
+#include "orvelle/dialogs/formhelpers.h"
 
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/trace.h"

@@ -1,8 +1,9 @@
-#include "orvelle/core/dialogs.h"
+#include "orvelle/dialogs/dialogs.h"
 
-#include "orvelle/core/formhelpers.h"
+#include "orvelle/core/components.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/dialogs/formhelpers.h"
 #include "support/fakecontrol.h"
 #include "support/fakeobject.h"
 #include "support/program.h"
@@ -154,6 +155,17 @@ TEST_F(Dialogs, AFormIsShownInTheTaskbarAndOnlyAVisibleOneTakesTheFocus) {
     clsAlwaysOnTop::MakeTopMost(frm);
     clsAlwaysOnTop::MakeNormal(frm);
     EXPECT_EQ(frm.log, (QStringList{"taskbar 1", "taskbar 1", "focus", "top 1", "top 0"}));
+}
+
+TEST_F(Dialogs, AComboKeepsItsValue) {
+    const auto dic = fncCreateDic<QString>();
+    dic->Add("b", "1");
+    dic->Add("a", "2");
+    FakeControl combo(FakeControl::Kind::Combo, "not in the list");
+    combo.AddItem("old");
+    subFillCombo(combo, dic);
+    EXPECT_EQ(combo.rows(), (QStringList{"b", "a"}));
+    EXPECT_EQ(combo.Text(), "not in the list");
 }
 
 } // namespace

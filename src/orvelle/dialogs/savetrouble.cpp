@@ -1,7 +1,7 @@
-#include "orvelle/core/savetrouble.h"
+#include "orvelle/dialogs/savetrouble.h"
 
-#include "orvelle/core/dialogs.h"
 #include "orvelle/core/process.h"
+#include "orvelle/dialogs/dialogs.h"
 
 #include <map>
 
