@@ -17,8 +17,8 @@ namespace {
 
 constexpr char settingsTable[] = "tblOtherSettings";
 constexpr char settingsSection[] = "settings";
-constexpr int nameColumn = 1;
-constexpr int valueColumn = 2;
+constexpr char nameColumn[] = "strPropName";
+constexpr char valueColumn[] = "strPropValue";
 
 /// Makes the database as a first start does: the tables, then the settings with their first values.
 void createDatabase(const QString &path) {
@@ -55,7 +55,7 @@ enum class Stored { Added, Changed, Kept };
 /// Writes one setting into the open table, into every row of its name: of several that another tool left, the system
 /// reads the last.
 Stored store(const Ref<ado::Recordset> &set, const QString &name, const QString &value) {
-    const QString criterion = "strPropName = " + fncQuoted(name);
+    const QString criterion = QString(nameColumn) + " = " + fncQuoted(name);
     bool isFound = false;
     bool isChanged = false;
     if (set->RecordCount() != 0) {
