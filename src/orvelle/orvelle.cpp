@@ -1,8 +1,8 @@
 // orvelle: the program as a process, against the desk of a profile.
 
 #include "automation/remote.h"
-#include "orvelle/program/programrun.h"
 #include "orvelle/core/steps.h"
+#include "orvelle/program/programrun.h"
 #include "platform/ado/jet/engine.h"
 #include "platform/value/processlocal.h"
 #include "platform/window/application.h"

@@ -5,6 +5,7 @@
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/starting.h"
+#include "orvelle/core/steps.h"
 #include "orvelle/core/textfiles.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/chooseconnection.h"
@@ -23,7 +24,6 @@
 #include "orvelle/ticketfolder/getsettings.h"
 #include "orvelle/ticketfolder/ticketfolder.h"
 #include "orvelle/toolbar/rootexplorer.h"
-#include "orvelle/core/steps.h"
 
 #include <QScopeGuard>
 

@@ -3,10 +3,9 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/database/connection.h"
-#include "platform/ado/recordset.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/reference/texts.h"
-#include "orvelle/dialogs/dialogs.h"
+#include "platform/ado/recordset.h"
 
 #include <cmath>
 
