@@ -15,7 +15,6 @@
 #include "orvelle/ticketfolder/ticketfolder.h"
 #include "orvelle/toolbar/rootexplorer.h"
 #include "platform/ado/jet/file.h"
-#include "platform/ado/jetfile.h"
 #include "platform/safeobjects/safeobjects.h"
 #include "platform/scripting/components.h"
 #include "platform/scripting/path.h"
