@@ -34,7 +34,7 @@ class Situation {
 
     /// Whether a copy of the program watches the folder: its flag item lies there.
     [[nodiscard]] bool watched() const { return m_intake.Items().Count() == 1; }
-    [[nodiscard]] qint32 converted() const;
+    [[nodiscard]] host::Items converted() const;
     /// What was committed since the last call.
     [[nodiscard]] MailWork work();
 
