@@ -54,14 +54,7 @@ QString MAPIFolder::defaultMessageClass() const {
 
 int MAPIFolder::unreadItemCount() const {
     const std::shared_ptr<desk::Session> open = session();
-    int unread = 0;
-    qint64 arrival = 0;
-    const QList<Condition> conditions{{Field::Unread, true}};
-    while (const std::optional<ItemRecord> item = m_store->find(m_id, conditions, arrival)) {
-        ++unread;
-        arrival = item->arrival;
-    }
-    return unread;
+    return static_cast<int>(m_store->counts(m_id).unread);
 }
 
 Value MAPIFolder::Folders(const Value &Index) {

@@ -16,8 +16,6 @@ constexpr qint64 afterAll = std::numeric_limits<qint64>::max();
 
 } // namespace
 
-qint64 FolderOrder::count(FolderId folder) { return upToDate(folder).count; }
-
 ItemId FolderOrder::nth(FolderId folder, qint64 position) {
     Known &known = upToDate(folder);
     if (position < 1 || position > known.count)
@@ -94,7 +92,7 @@ FolderOrder::Known &FolderOrder::upToDate(FolderId folder) {
 void FolderOrder::reload(FolderId folder, Known &known) {
     known.front.clear();
     known.back.clear();
-    known.count = m_connection.value(sql::countItems, {{"folder", folder}}).value_or(0).toLongLong();
+    known.count = m_connection.value(m_countStatement, {{"id", folder}}).value_or(0).toLongLong();
     growBack(folder, known, 1);
 }
 

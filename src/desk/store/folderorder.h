@@ -15,11 +15,11 @@ namespace desk {
 
 class FolderOrder {
   public:
-    explicit FolderOrder(Connection &connection) : m_connection(connection) {}
+    /// \param countStatement  the one that tells how many items a folder has.
+    FolderOrder(Connection &connection, std::string_view countStatement)
+        : m_connection(connection), m_countStatement(countStatement) {}
 
-    /// Fails with `notFound` for an unknown folder.
-    qint64 count(FolderId folder);
-    /// The item at a position counted from 1; 0 beyond the ends.
+    /// The item at a position counted from 1; 0 beyond the ends. Fails with `notFound` for an unknown folder.
     ItemId nth(FolderId folder, qint64 position);
 
     /// The owner committed arrivals.
@@ -50,6 +50,7 @@ class FolderOrder {
     void growBack(FolderId folder, Known &known, qint64 size);
 
     Connection &m_connection;
+    std::string_view m_countStatement;
     std::map<FolderId, Known> m_known;
     qint64 m_ownChanges = 0;
 };

@@ -9,7 +9,7 @@ namespace {
 
 constexpr ItemColumn columns[] = {
     {Field::MessageClass, "message_class", &ItemRecord::messageClass, "message_class_key"},
-    {Field::Subject, "subject", &ItemRecord::subject, "subject_key"},
+    {Field::Subject, "subject", &ItemRecord::subject, "subject_key", true},
     {Field::Importance, "importance", &ItemRecord::importance, {}},
     {Field::Sensitivity, "sensitivity", &ItemRecord::sensitivity, {}},
     {Field::Unread, "unread", &ItemRecord::unread, {}},
@@ -19,7 +19,7 @@ constexpr ItemColumn columns[] = {
     {Field::FlagRequest, "flag_request", &ItemRecord::flagRequest, {}},
     {Field::BodyFormat, "body_format", &ItemRecord::bodyFormat, {}},
     {Field::CreatedAt, "created_at", &ItemRecord::createdAt, {}},
-    {Field::SenderName, "sender_name", &ItemRecord::senderName, "sender_name_key"},
+    {Field::SenderName, "sender_name", &ItemRecord::senderName, "sender_name_key", true},
     {Field::SenderAddress, "sender_address", &ItemRecord::senderAddress, {}},
     {Field::SenderAddressType, "sender_address_type", &ItemRecord::senderAddressType, {}},
     {Field::SentOnBehalfOf, "sent_on_behalf_of", &ItemRecord::sentOnBehalfOf, {}},
@@ -30,7 +30,7 @@ constexpr ItemColumn columns[] = {
     {Field::ReadReceiptRequested, "read_receipt_requested", &ItemRecord::readReceiptRequested, {}},
     {Field::Sent, "sent", &ItemRecord::sent, {}},
     {Field::SentAt, "sent_at", &ItemRecord::sentAt, {}},
-    {Field::ReceivedAt, "received_at", &ItemRecord::receivedAt, {}},
+    {Field::ReceivedAt, "received_at", &ItemRecord::receivedAt, {}, true},
     {Field::SaveSentFolder, "save_sent_folder", &ItemRecord::saveSentFolder, {}},
     {Field::MessageId, "message_id", &ItemRecord::messageId, {}},
     {Field::InReplyTo, "in_reply_to", &ItemRecord::inReplyTo, {}},
@@ -86,6 +86,8 @@ QVariant storedField(const ItemRecord &record, const ItemColumn &column) {
 }
 
 QVariant storedKey(const ItemRecord &record, const ItemColumn &column) {
+    if (!column.isIndexed())
+        return storedField(record, column);
     return storedText(foldedKey(record.*std::get<QString ItemRecord::*>(column.member)));
 }
 

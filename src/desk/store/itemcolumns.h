@@ -12,8 +12,14 @@ struct ItemColumn {
     std::variant<QString ItemRecord::*, qint32 ItemRecord::*, bool ItemRecord::*, DateTime ItemRecord::*> member;
     /// The column of the folded key that stands beside an indexed field; there is an index on folder, key and arrival.
     std::string_view keyName;
+    /// Whether a list can be in its order: the index leaves nothing out, and stands on the field itself where that has
+    /// no key.
+    bool isSortable = false;
 
     [[nodiscard]] bool isIndexed() const { return !keyName.empty(); }
+    [[nodiscard]] bool hasIndex() const { return isIndexed() || isSortable; }
+    /// What stands in the index.
+    [[nodiscard]] std::string_view indexedName() const { return isIndexed() ? keyName : name; }
 };
 
 /// In the order of the fields.
@@ -23,7 +29,7 @@ const ItemColumn &itemColumn(Field field);
 /// The field's value in a record, as a value and as the database holds it.
 Value fieldOf(const ItemRecord &record, const ItemColumn &column);
 QVariant storedField(const ItemRecord &record, const ItemColumn &column);
-/// The key of an indexed field, as the database holds it.
+/// What stands in the index of a field that has one, as the database holds it.
 QVariant storedKey(const ItemRecord &record, const ItemColumn &column);
 
 /// An item's size, in a select from `items AS i`.

@@ -172,14 +172,16 @@ void updateAttachments(Connection &connection, ItemId item, const QList<Attachme
         connection.run(sql::sumAttachments, {{"item", item}});
 }
 
-/// Which indexed fields differ from what stands, one bit each in their order.
+/// Which of the columns in indexes differ from what stands, one bit each in their order.
 quint32 changedKeys(Connection &connection, const ItemRecord &fields) {
     quint32 changed = 0;
     connection.each(sql::itemKeys(), {{"id", fields.id}}, [&](const Row &row) {
         int at = 0;
         for (const ItemColumn &column : itemColumns())
-            if (column.isIndexed()) {
-                if (row.text(at) != keyOf(fieldOf(fields, column)))
+            if (column.hasIndex()) {
+                const bool isOther = column.isIndexed() ? row.text(at) != keyOf(fieldOf(fields, column))
+                                                        : row[at] != storedKey(fields, column);
+                if (isOther)
                     changed |= quint32{1} << at;
                 ++at;
             }
@@ -276,11 +278,12 @@ void updateItem(Connection &connection, const ItemRecord &fields, const ItemPart
     binds.reserve(2 * itemColumns().size());
     quint32 bit = 1;
     for (const ItemColumn &column : itemColumns()) {
-        binds.push_back({column.name, storedField(fields, column)});
-        if (!column.isIndexed())
+        if (column.isIndexed() || !column.hasIndex())
+            binds.push_back({column.name, storedField(fields, column)});
+        if (!column.hasIndex())
             continue;
         if ((changed & bit) != 0)
-            binds.push_back({column.keyName, storedKey(fields, column)});
+            binds.push_back({column.indexedName(), storedKey(fields, column)});
         bit <<= 1;
     }
     binds.push_back({"id", fields.id});

@@ -50,6 +50,14 @@ struct FolderRecord {
     friend bool operator==(const FolderRecord &, const FolderRecord &) = default;
 };
 
+/// How many items stand in a folder itself, and how many of them are unread.
+struct FolderCounts {
+    qint64 items = 0;
+    qint64 unread = 0;
+
+    friend bool operator==(const FolderCounts &, const FolderCounts &) = default;
+};
+
 /// One item's standard fields. The fields marked "indexed" are found among a million without a walk.
 struct ItemRecord {
     // Kept by the store: what a caller writes here is not saved.

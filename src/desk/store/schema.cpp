@@ -2,6 +2,7 @@
 
 #include "desk/store/entryid.h"
 #include "desk/store/itemcolumns.h"
+#include "desk/store/room.h"
 #include "desk/store/storedtext.h"
 #include "platform/storage/draft.h"
 #include "platform/storage/durable.h"
@@ -16,20 +17,24 @@ namespace {
 
 /// Marks the file as a message store, whatever its version.
 constexpr qint64 applicationId = 0x4D53544F;
-constexpr qint64 schemaVersion = 1;
+/// Version 1 kept no counts, and its indexes of subject and sender left out the empty ones.
+constexpr qint64 schemaVersion = 2;
+constexpr qint64 firstVersionWithCounts = 2;
 
 /// Every table but `items`, whose columns follow from the list of fields.
 ///
 /// `store` has one row. `sequence` is the last number given out, of a folder, item, attachment or arrival alike: none
 /// is ever given out twice. `removals` counts the items that left a folder, so that a reader knows whether the
 /// positions that it remembers still hold. A row of `properties` repeats its item's folder and arrival, so that one
-/// index finds the first item of a folder by a property's value.
+/// index finds the first item of a folder by a property's value. The counts of a row of `folders` are kept by the
+/// triggers below, whoever writes.
 constexpr const char *tables[] = {
     "CREATE TABLE store (tag BLOB NOT NULL, sequence INTEGER NOT NULL)",
 
     "CREATE TABLE folders (id INTEGER PRIMARY KEY, parent INTEGER REFERENCES folders ON DELETE CASCADE,"
     " name TEXT NOT NULL, item_type INTEGER NOT NULL, home_page TEXT NOT NULL, home_page_on INTEGER NOT NULL,"
-    " special INTEGER NOT NULL, removals INTEGER NOT NULL DEFAULT 0)",
+    " special INTEGER NOT NULL, removals INTEGER NOT NULL DEFAULT 0, item_count INTEGER NOT NULL DEFAULT 0,"
+    " unread_count INTEGER NOT NULL DEFAULT 0)",
     "CREATE UNIQUE INDEX folders_by_name ON folders (parent, name)",
 
     "CREATE TABLE bodies (item INTEGER PRIMARY KEY REFERENCES items ON DELETE CASCADE, plain TEXT NOT NULL,"
@@ -67,11 +72,35 @@ std::string itemsTable() {
     return sql + ")";
 }
 
-/// Empty values are left out: most items have none of a field, and an index of them would cost every save a page.
+/// Empty values are left out: most items have none of a field, and an index of them would cost every save a page. A
+/// list in the field's order shows all of them.
 std::string itemsIndex(const ItemColumn &column) {
-    const std::string key(column.keyName);
-    return "CREATE INDEX items_by_" + std::string(column.name) + " ON items (folder, " + key + ", arrival) WHERE " +
-           key + " <> ''";
+    const std::string key(column.indexedName());
+    const std::string index =
+        "CREATE INDEX items_by_" + std::string(column.name) + " ON items (folder, " + key + ", arrival)";
+    return column.isSortable ? index : index + " WHERE " + key + " <> ''";
+}
+
+/// What keeps the counts of folders. An item in no folder counts nowhere. A folder's removal takes its items along when
+/// its own row is gone already.
+constexpr const char *countTriggers[] = {
+    "CREATE TRIGGER count_insert AFTER INSERT ON items WHEN new.folder IS NOT NULL BEGIN"
+    " UPDATE folders SET item_count = item_count + 1, unread_count = unread_count + (new.unread <> 0)"
+    " WHERE id = new.folder; END",
+    "CREATE TRIGGER count_delete AFTER DELETE ON items WHEN old.folder IS NOT NULL BEGIN"
+    " UPDATE folders SET item_count = item_count - 1, unread_count = unread_count - (old.unread <> 0)"
+    " WHERE id = old.folder; END",
+    "CREATE TRIGGER count_update AFTER UPDATE OF folder, unread ON items"
+    " WHEN old.folder IS NOT new.folder OR (old.unread <> 0) <> (new.unread <> 0) BEGIN"
+    " UPDATE folders SET item_count = item_count - 1, unread_count = unread_count - (old.unread <> 0)"
+    " WHERE id = old.folder;"
+    " UPDATE folders SET item_count = item_count + 1, unread_count = unread_count + (new.unread <> 0)"
+    " WHERE id = new.folder; END",
+};
+
+void createCountTriggers(Connection &connection) {
+    for (const char *trigger : countTriggers)
+        connection.once(trigger);
 }
 
 /// The few folders that are looked for by what they are, among those of any number of tickets. Stores of before these
@@ -99,8 +128,9 @@ void createTables(Connection &connection, const QString &rootName) {
         connection.once(table);
     connection.once("CREATE INDEX items_by_arrival ON items (folder, arrival)");
     for (const ItemColumn &column : itemColumns())
-        if (column.isIndexed())
+        if (column.hasIndex())
             connection.once(itemsIndex(column));
+    createCountTriggers(connection);
     createFolderIndexes(connection);
     connection.run("INSERT INTO store (tag, sequence) VALUES (:tag, 1)", {{"tag", randomTag()}});
     connection.run("INSERT INTO folders (id, parent, name, item_type, home_page, home_page_on, special)"
@@ -129,6 +159,58 @@ qint64 checkedVersion(Connection &connection) {
                           .arg(version)
                           .arg(schemaVersion));
     return version;
+}
+
+qint64 versionOf(Connection &connection) {
+    Transaction reading(connection, Transaction::Kind::Read);
+    const qint64 found = checkedVersion(connection);
+    reading.commit();
+    return found;
+}
+
+/// REQUIRES: in a writing transaction, on a store of version 1.
+void addCountsAndOrders(Connection &connection) {
+    connection.once("ALTER TABLE folders ADD COLUMN item_count INTEGER NOT NULL DEFAULT 0");
+    connection.once("ALTER TABLE folders ADD COLUMN unread_count INTEGER NOT NULL DEFAULT 0");
+    connection.once("UPDATE folders SET item_count = c.items, unread_count = c.unread FROM (SELECT folder,"
+                    " count(*) AS items, sum(unread <> 0) AS unread FROM items WHERE folder IS NOT NULL"
+                    " GROUP BY folder) AS c WHERE folders.id = c.folder");
+    createCountTriggers(connection);
+    for (const ItemColumn &column : itemColumns())
+        if (column.isSortable) {
+            connection.once("DROP INDEX IF EXISTS items_by_" + std::string(column.name));
+            connection.once(itemsIndex(column));
+        }
+    connection.once("PRAGMA user_version = " + std::to_string(schemaVersion));
+}
+
+/// Leaves the store as it is where that can't be done.
+void upgrade(Connection &connection) {
+    // What is added stands in the log first. A log that has filled the disk is not taken in by itself.
+    constexpr qint64 partThatIsAdded = 4;
+    if (!hasRoom(connection.path(), Growth::NewItem, QFileInfo(connection.path()).size() / partThatIsAdded))
+        return;
+    static_cast<void>(Attempt([&] {
+        Transaction transaction(connection);
+        // Another process may have done it while this one waited.
+        if (checkedVersion(connection) == 1)
+            addCountsAndOrders(connection);
+        transaction.commit();
+    }));
+}
+
+/// A file that was put together by other means could say so and not do so.
+void requireCounts(Connection &connection) {
+    const auto number = [&connection](const char *sql) { return connection.once(sql).toLongLong(); };
+    if (number("SELECT count(*) FROM sqlite_master WHERE type = 'trigger' AND tbl_name = 'items' AND name IN"
+               " ('count_insert', 'count_delete', 'count_update')") == std::ssize(countTriggers) &&
+        number("SELECT count(*) FROM pragma_table_info('folders') WHERE name IN ('item_count', 'unread_count')") == 2)
+        return;
+    throw Failure(
+        failures::unspecified,
+        QStringLiteral("The store %1 is damaged (what keeps the numbers of its items is missing); it was left "
+                       "as it is. Put a copy of the file from a backup in its place.")
+            .arg(connection.path()));
 }
 
 /// The engine does not wait by itself when two connections switch a new file to its journal at once.
@@ -184,13 +266,8 @@ void makeStore(const QString &path, const QString &rootName, storage::Sharing sh
         throw Failure(*failure);
 }
 
-QByteArray prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait) {
-    const qint64 version = [&connection] {
-        Transaction reading(connection, Transaction::Kind::Read);
-        const qint64 found = checkedVersion(connection);
-        reading.commit();
-        return found;
-    }();
+Prepared prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait) {
+    const qint64 version = versionOf(connection);
     if (version == 0)
         useWriteAheadLog(connection, wait);
     connection.once("PRAGMA synchronous = FULL");
@@ -206,6 +283,11 @@ QByteArray prepareStore(Connection &connection, const QString &rootName, std::ch
         // Without them the store works as it did.
         static_cast<void>(Attempt([&] { createFolderIndexes(connection); }));
     }
+    if (version == 1)
+        upgrade(connection);
+    const bool keepsCounts = versionOf(connection) >= firstVersionWithCounts;
+    if (keepsCounts)
+        requireCounts(connection);
     const std::optional<QVariant> tag = connection.value("SELECT tag FROM store");
     if (!tag || tag->toByteArray().size() != EntryId::tagBytes)
         throw Failure(
@@ -213,7 +295,7 @@ QByteArray prepareStore(Connection &connection, const QString &rootName, std::ch
             QStringLiteral("The store %1 is damaged (it has lost its tag); it was left as it is. Put a copy of "
                            "the file from a backup in its place.")
                 .arg(connection.path()));
-    return tag->toByteArray();
+    return {.tag = tag->toByteArray(), .keepsCounts = keepsCounts};
 }
 
 } // namespace desk

@@ -12,9 +12,17 @@ namespace desk {
 /// take that log for its own.
 void makeStore(const QString &path, const QString &rootName, storage::Sharing sharing, std::chrono::milliseconds wait);
 
+/// What the opening finds out about a store.
+struct Prepared {
+    QByteArray tag;
+    bool keepsCounts = false;
+};
+
 /// Makes the connection ready: checks that the file is a store of this or an older version, makes the tables in a
-/// database that has none, and gives the store's tag. Fails with `unspecified` for a file that is another program's or
-/// a newer version's.
-QByteArray prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait);
+/// database that has none, and brings a store of an older version up to this one. Where that can't be done (the file is
+/// read-only, its disk is almost full, another program holds it) the store is used as it is: it answers the same, and
+/// takes longer for it. Fails with `unspecified` for a file that is another program's or a newer version's, and for one
+/// that says it keeps counts and lacks what keeps them.
+Prepared prepareStore(Connection &connection, const QString &rootName, std::chrono::milliseconds wait);
 
 } // namespace desk

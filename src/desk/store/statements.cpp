@@ -39,8 +39,8 @@ const std::string &itemKeys() {
     static const std::string text = [] {
         std::string names;
         for (const ItemColumn &column : itemColumns())
-            if (column.isIndexed())
-                names.append(names.empty() ? "" : ", ").append(column.keyName);
+            if (column.hasIndex())
+                names.append(names.empty() ? "" : ", ").append(column.indexedName());
         return "SELECT " + names + " FROM items WHERE id = :id";
     }();
     return text;
@@ -69,11 +69,12 @@ std::string updateItem(quint32 changedKeys) {
             text.append(", ").append(name).append(" = :").append(name);
         };
         // The text is written even where its key is the same: the case of a letter may have changed.
-        set(std::string(column.name));
-        if (!column.isIndexed())
+        if (column.isIndexed() || !column.hasIndex())
+            set(std::string(column.name));
+        if (!column.hasIndex())
             continue;
         if ((changedKeys & bit) != 0)
-            set(std::string(column.keyName));
+            set(std::string(column.indexedName()));
         bit <<= 1;
     }
     return text + " WHERE id = :id";

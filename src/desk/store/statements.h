@@ -50,7 +50,11 @@ constexpr std::string_view removeFolder = "DELETE FROM folders WHERE id = :id";
 
 constexpr std::string_view removals = "SELECT removals FROM folders WHERE id = :id";
 constexpr std::string_view addRemoval = "UPDATE folders SET removals = removals + 1 WHERE id = :id";
-constexpr std::string_view countItems = "SELECT count(*) FROM items WHERE folder = :folder";
+constexpr std::string_view counts = "SELECT item_count, unread_count FROM folders WHERE id = :id";
+/// In stores that keep no counts. An unknown folder has no row here either.
+constexpr std::string_view countItems =
+    "SELECT (SELECT count(*) FROM items WHERE folder = folders.id),"
+    " (SELECT count(*) FROM items WHERE folder = folders.id AND unread <> 0) FROM folders WHERE id = :id";
 constexpr std::string_view orderUpwards =
     "SELECT arrival, id FROM items WHERE folder = :folder AND arrival > :arrival ORDER BY arrival LIMIT :limit";
 constexpr std::string_view orderDownwards =
@@ -70,11 +74,11 @@ const std::string &standing();
 const std::string &itemById();
 /// Items of `:folder` after `:arrival`, at most `:limit`.
 const std::string &itemsAfter();
-/// The indexed fields, their keys alone, of the item `:id`.
+/// What stands in the indexes of fields, of the item `:id`.
 const std::string &itemKeys();
 const std::string &insertItem();
-/// Writes all fields of the item `:id`. An index is touched only where the field changed: of the indexed fields only
-/// those whose bits are set are written.
+/// Writes all fields of the item `:id`. An index is touched only where the field changed: of the columns that stand in
+/// indexes only those whose bits are set are written.
 std::string updateItem(quint32 changedKeys);
 
 // --- Parts

@@ -41,8 +41,10 @@ Store::Store(const QString &path, const StoreOptions &options) {
     }
     refuseRemains(path);
     m_connection = std::make_unique<Connection>(path, options.wait);
-    m_tag = prepareStore(*m_connection, options.rootName, options.wait);
-    m_order = std::make_unique<FolderOrder>(*m_connection);
+    const Prepared prepared = prepareStore(*m_connection, options.rootName, options.wait);
+    m_tag = prepared.tag;
+    m_keepsCounts = prepared.keepsCounts;
+    m_order = std::make_unique<FolderOrder>(*m_connection, m_keepsCounts ? sql::counts : sql::countItems);
     m_seenVersion = m_connection->dataVersion();
 }
 

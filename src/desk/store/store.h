@@ -79,7 +79,9 @@ class Store {
 
     // --- The items of a folder, in order of arrival.
 
-    [[nodiscard]] qint64 count(FolderId folder);
+    [[nodiscard]] qint64 count(FolderId folder) { return counts(folder).items; }
+    /// One row, however many items there are: the file keeps the counts, whoever writes to it.
+    [[nodiscard]] FolderCounts counts(FolderId folder);
     /// The item at a position from 1 to `count`, in constant time; nothing beyond.
     [[nodiscard]] std::optional<ItemRecord> nth(FolderId folder, qint64 position);
     /// Up to `limit` items that arrived after that arrival number: a page of a list, and what is new since a look.
@@ -133,6 +135,8 @@ class Store {
     std::unique_ptr<Connection> m_connection;
     std::unique_ptr<FolderOrder> m_order;
     QByteArray m_tag;
+    /// False for a file of an older version that can't be written: its items are counted each time.
+    bool m_keepsCounts = false;
     qint64 m_seenVersion = 0;
 };
 

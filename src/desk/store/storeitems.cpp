@@ -50,7 +50,14 @@ bool makesLarger(Connection &connection, const ItemRecord &standing, const ItemR
 
 } // namespace
 
-qint64 Store::count(FolderId folder) { return m_order->count(folder); }
+FolderCounts Store::counts(FolderId folder) {
+    std::optional<FolderCounts> found;
+    m_connection->each(m_keepsCounts ? sql::counts : sql::countItems, {{"id", folder}},
+                       [&found](const Row &row) { found = {.items = row.number(0), .unread = row.number(1)}; });
+    if (!found)
+        throw Failure(failures::notFound, QStringLiteral("The folder no longer exists; somebody removed it."));
+    return *found;
+}
 
 std::optional<ItemRecord> Store::nth(FolderId folder, qint64 position) {
     const ItemId id = m_order->nth(folder, position);

@@ -144,6 +144,9 @@ TEST_F(CrashTest, AnItemIsAlwaysInOneFolder) {
         distinct.removeDuplicates();
         ASSERT_EQ(distinct.size(), items);
         ASSERT_LE(found.size(), items + 1);
+        ASSERT_EQ(store->count(folders[0]) + store->count(folders[1]), found.size());
+        for (const FolderId folder : folders)
+            ASSERT_EQ(store->count(folder), store->itemsArrivedAfter(folder, 0).size());
         for (const FolderId folder : folders)
             for (const ItemRecord &item : store->itemsArrivedAfter(folder, 0)) {
                 ASSERT_TRUE(partsOf(*store, item.id) == generation(item.subject.toInt()));
@@ -199,12 +202,16 @@ TEST_F(CrashTest, MovesBetweenStoresLoseAndDoubleNothing) {
         const auto shared = open(names[1]);
         settled += settleTransfers(*mailbox, *shared);
         QStringList found;
-        for (Store *store : {mailbox.get(), shared.get()})
+        qint64 counted = 0;
+        for (Store *store : {mailbox.get(), shared.get()}) {
+            counted += store->count(folderNamed(*store, "F"));
             for (const ItemRecord &item : store->itemsArrivedAfter(folderNamed(*store, "F"), 0)) {
                 found << item.subject;
                 ASSERT_TRUE(partsOf(*store, item.id) == generation(item.subject.toInt()));
             }
+        }
         ASSERT_EQ(found.size(), items) << "round " << round;
+        ASSERT_EQ(counted, items) << "round " << round;
         found.removeDuplicates();
         ASSERT_EQ(found.size(), items) << "round " << round;
     }

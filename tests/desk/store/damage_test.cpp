@@ -35,7 +35,7 @@ TEST_F(DamageTest, WhatIsNoStoreIsRefusedByNameAndLeftAlone) {
     makeStore(1);
     const QByteArray good = contentOf(path());
     QByteArray newer = good;
-    newer[63] = 2; // the file's version: the last of the four bytes from 60 on
+    newer[63] = 3; // the file's version: the last of the four bytes from 60 on
     QByteArray foreign = good;
     foreign[71] = 1; // the mark of the program that owns the file: the last of the four bytes from 68 on
     struct Case {

@@ -79,6 +79,7 @@ class ModelTest : public StoreTest, public ::testing::WithParamInterface<unsigne
     void insert(int store, int folder) {
         ItemRecord fields = withSubject(anyText());
         fields.to = anyText();
+        fields.unread = below(2) == 0;
         const ItemParts parts = anyParts();
         const ItemRecord stored = any(store).insert(m_folders[store][folder], fields, parts);
         m_model[store][folder].append({.record = stored, .parts = filled(parts)});
@@ -152,7 +153,9 @@ class ModelTest : public StoreTest, public ::testing::WithParamInterface<unsigne
         const int store = below(storeCount);
         const int folder = below(folderCount);
         const ModelFolder &items = m_model[store][folder];
-        ASSERT_EQ(any(store).count(m_folders[store][folder]), items.size());
+        const auto unread = std::ranges::count_if(items, [](const ModelItem &item) { return item.record.unread; });
+        const FolderCounts counts{.items = items.size(), .unread = unread};
+        ASSERT_EQ(any(store).counts(m_folders[store][folder]), counts);
         if (!items.isEmpty()) {
             const int at = below(items.size());
             ASSERT_EQ(any(store).nth(m_folders[store][folder], at + 1), items[at].record);
