@@ -3,6 +3,7 @@
 #include "desk/content/directory.h"
 #include "desk/content/othermailboxes.h"
 #include "desk/content/profileaccess.h"
+#include "desk/content/storechanges.h"
 #include "desk/store/entryid.h"
 #include "desk/store/transfer.h"
 
@@ -56,6 +57,7 @@ Mailboxes::Mailboxes(const Profile &profile)
     // Whoever needs one that can't be opened learns of it then; a running desk says so by itself.
     static_cast<void>(Attempt([&] { m_others->look(); }));
     m_directory = std::make_unique<Directory>(*this);
+    m_changes = std::make_unique<StoreChanges>(*this);
 }
 
 Mailboxes::~Mailboxes() = default;

@@ -9,6 +9,7 @@ namespace desk {
 
 class Directory;
 class OtherMailboxes;
+class StoreChanges;
 
 /// The stores that one person works with: the own mailbox, the public folders, and the mailboxes of other people.
 ///
@@ -41,6 +42,8 @@ class Mailboxes {
 
     [[nodiscard]] Directory &directory() { return *m_directory; }
     [[nodiscard]] OtherMailboxes &otherMailboxes() { return *m_others; }
+    /// Tells of what was written to the stores. Whoever owns this object lets it look.
+    [[nodiscard]] StoreChanges &changes() { return *m_changes; }
 
   private:
     Profile m_profile;
@@ -48,6 +51,7 @@ class Mailboxes {
     std::unique_ptr<Store> m_public;
     std::unique_ptr<OtherMailboxes> m_others;
     std::unique_ptr<Directory> m_directory;
+    std::unique_ptr<StoreChanges> m_changes;
     bool m_hasSpecialFolders = false;
 };
 

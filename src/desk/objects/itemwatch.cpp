@@ -1,5 +1,6 @@
 #include "desk/objects/itemwatch.h"
 
+#include "desk/content/storechanges.h"
 #include "desk/objects/item.h"
 #include "desk/objects/items.h"
 #include "desk/objects/mapifolder.h"
@@ -37,10 +38,7 @@ void ItemWatch::look() {
 bool ItemWatch::isEnding() const { return m_session.isEnding && m_session.isEnding(); }
 
 void ItemWatch::poll() {
-    bool isChanged = m_isStale;
-    for (Store *store : m_session.stores())
-        isChanged |= store->changed();
-    if (isChanged)
+    if (m_session.changes().look() || m_isStale)
         look();
 }
 

@@ -27,7 +27,7 @@ class ItemWatch {
     /// Tells what has come. Called after each own change, and by `poll`. What can't be read is looked for again by the
     /// next `poll`.
     void look();
-    /// Looks where another process has changed a store.
+    /// Looks where a store was written to, by another process or this one.
     void poll();
 
   private:

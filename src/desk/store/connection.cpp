@@ -112,6 +112,8 @@ std::optional<QVariant> Connection::value(std::string_view sql, std::initializer
 
 qint64 Connection::dataVersion() { return value("PRAGMA data_version").value_or(0).toLongLong(); }
 
+qint64 Connection::ownWrites() const { return sqlite3_total_changes64(m_database.get()); }
+
 QVariant Connection::once(std::string_view sql) {
     Statement statement(m_database.get(), sql);
     const QVariant first = !statement.failed() && statement.next() ? statement.row()[0] : QVariant();

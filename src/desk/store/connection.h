@@ -47,6 +47,10 @@ class Connection {
     /// A number that differs from the last one given when another connection has committed since.
     qint64 dataVersion();
 
+    /// A number that differs from the last one given when this connection has written since, whether it committed or
+    /// not.
+    [[nodiscard]] qint64 ownWrites() const;
+
     /// A statement that is run once and not kept, such as a pragma of the opening.
     QVariant once(std::string_view sql);
 

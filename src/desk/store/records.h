@@ -58,6 +58,14 @@ struct FolderCounts {
     friend bool operator==(const FolderCounts &, const FolderCounts &) = default;
 };
 
+struct CountedFolder {
+    FolderRecord folder{};
+    FolderCounts counts{};
+    bool hasChildren = false;
+
+    friend bool operator==(const CountedFolder &, const CountedFolder &) = default;
+};
+
 /// One item's standard fields. The fields marked "indexed" are found among a million without a walk.
 struct ItemRecord {
     // Kept by the store: what a caller writes here is not saved.

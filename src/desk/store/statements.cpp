@@ -80,6 +80,15 @@ std::string updateItem(quint32 changedKeys) {
     return text + " WHERE id = :id";
 }
 
+std::string countedFolders(bool keepsCounts, const std::string &condition) {
+    const std::string kept = keepsCounts ? "f.item_count, f.unread_count"
+                                         : "(SELECT count(*) FROM items WHERE folder = f.id),"
+                                           " (SELECT count(*) FROM items WHERE folder = f.id AND unread <> 0)";
+    return "SELECT f.id, f.parent, f.name, f.item_type, f.home_page, f.home_page_on, f.special, " + kept +
+           ", EXISTS (SELECT 1 FROM folders AS c WHERE c.parent = f.id) FROM folders AS f WHERE " + condition +
+           " ORDER BY f.id";
+}
+
 const std::string &copyItem() {
     static const std::string text = [] {
         std::string names = "modified_at, attachment_count, body_bytes, attachment_bytes, original_bytes";

@@ -55,6 +55,8 @@ constexpr std::string_view counts = "SELECT item_count, unread_count FROM folder
 constexpr std::string_view countItems =
     "SELECT (SELECT count(*) FROM items WHERE folder = folders.id),"
     " (SELECT count(*) FROM items WHERE folder = folders.id AND unread <> 0) FROM folders WHERE id = :id";
+/// Folders with their counts and whether they have subfolders.
+std::string countedFolders(bool keepsCounts, const std::string &condition);
 constexpr std::string_view orderUpwards =
     "SELECT arrival, id FROM items WHERE folder = :folder AND arrival > :arrival ORDER BY arrival LIMIT :limit";
 constexpr std::string_view orderDownwards =

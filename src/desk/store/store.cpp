@@ -45,7 +45,6 @@ Store::Store(const QString &path, const StoreOptions &options) {
     m_tag = prepared.tag;
     m_keepsCounts = prepared.keepsCounts;
     m_order = std::make_unique<FolderOrder>(*m_connection, m_keepsCounts ? sql::counts : sql::countItems);
-    m_seenVersion = m_connection->dataVersion();
 }
 
 Store::~Store() = default;
@@ -56,10 +55,16 @@ QString Store::storeId() const { return storeIdText(m_tag); }
 
 qint64 Store::lastArrival() { return m_connection->value(sql::lastNumber).value_or(0).toLongLong(); }
 
-bool Store::changed() {
-    const qint64 version = m_connection->dataVersion();
-    return std::exchange(m_seenVersion, version) != version;
+StoreRevision Store::revision() {
+    return {.byOthers = m_connection->dataVersion(), .byThis = m_connection->ownWrites()};
 }
+
+StoreMoment Store::moment() { return StoreMoment(*m_connection); }
+
+StoreMoment::StoreMoment(Connection &connection)
+    : m_reading(std::make_unique<Transaction>(connection, Transaction::Kind::Read)) {}
+
+StoreMoment::~StoreMoment() = default;
 
 qint64 Store::numberFor(const QString &entryId, EntryId::Kind kind) const {
     const std::optional<EntryId> parsed = EntryId::parse(entryId);

@@ -23,6 +23,7 @@ namespace desk {
 class Connection;
 class Correspondents;
 class FolderOrder;
+class Transaction;
 struct Bind;
 
 struct StoreOptions {
@@ -34,6 +35,26 @@ struct StoreOptions {
     storage::Sharing sharing = storage::Sharing::Owner;
     /// How long a write waits for another program's.
     std::chrono::milliseconds wait{10000};
+};
+
+/// Two of them differ where anything was committed between them. Good for comparing within one `Store` only.
+struct StoreRevision {
+    qint64 byOthers = -1;
+    qint64 byThis = -1;
+
+    friend bool operator==(const StoreRevision &, const StoreRevision &) = default;
+};
+
+/// See `Store::moment`.
+class StoreMoment {
+  public:
+    explicit StoreMoment(Connection &connection);
+    ~StoreMoment();
+    StoreMoment(const StoreMoment &) = delete;
+    StoreMoment &operator=(const StoreMoment &) = delete;
+
+  private:
+    std::unique_ptr<Transaction> m_reading;
 };
 
 class Store {
@@ -64,7 +85,10 @@ class Store {
     [[nodiscard]] QList<FolderRecord> contactsFolders();
     /// In the order they were made.
     [[nodiscard]] QList<FolderRecord> childFolders(FolderId parent);
-    /// The same without those whose names begin with a lower number, or with none where the number is above 0.
+    /// The same with what a tree of folders shows of each.
+    [[nodiscard]] QList<CountedFolder> countedChildFolders(FolderId parent);
+    [[nodiscard]] CountedFolder countedFolder(FolderId id);
+    /// The child folders without those whose names begin with a lower number, or with none where the number is above 0.
     [[nodiscard]] QList<FolderRecord> childFoldersThatMayReach(FolderId parent, double least);
     [[nodiscard]] std::optional<FolderRecord> findFolder(FolderId parent, const QString &name);
     /// Makes a folder from the record's parent and fields. Gives what was stored.
@@ -92,8 +116,11 @@ class Store {
     /// and on custom properties with a value are look-ups.
     [[nodiscard]] std::optional<ItemRecord> find(FolderId folder, const QList<Condition> &conditions,
                                                  qint64 arrival = 0);
-    /// Whether another connection has committed anything to the file since the last call. Costs microseconds.
-    [[nodiscard]] bool changed();
+    /// What was last committed to the file, as far as this connection sees. Costs microseconds.
+    [[nodiscard]] StoreRevision revision();
+    /// Holds what is read until it goes at one moment between commits.
+    /// REQUIRES: nothing is written meanwhile, and nothing is asked by position.
+    [[nodiscard]] StoreMoment moment();
 
     // --- One item.
 
@@ -124,12 +151,14 @@ class Store {
 
   private:
     friend class Correspondents;
+    friend class ItemList;
     friend class Transfer;
 
     [[nodiscard]] qint64 numberFor(const QString &entryId, EntryId::Kind kind) const;
     /// Fails with `itemGone`.
     ItemRecord standingItem(ItemId id);
     std::optional<FolderRecord> folderBy(std::string_view sql, std::initializer_list<Bind> binds);
+    QList<CountedFolder> countedFolders(const std::string &condition, FolderId id);
     QList<FolderRecord> foldersBy(std::string_view sql, std::initializer_list<Bind> binds);
 
     std::unique_ptr<Connection> m_connection;
@@ -137,7 +166,6 @@ class Store {
     QByteArray m_tag;
     /// False for a file of an older version that can't be written: its items are counted each time.
     bool m_keepsCounts = false;
-    qint64 m_seenVersion = 0;
 };
 
 } // namespace desk

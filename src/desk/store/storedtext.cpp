@@ -10,6 +10,8 @@ namespace {
 
 constexpr qsizetype longestKey = 200;
 constexpr qsizetype keptOfLongKey = 100;
+constexpr qsizetype hashLength = 64;
+static_assert(keptOfLongKey + 1 + hashLength == shortenedKeyLength);
 
 bool survivesUtf8(const QString &text) {
     const auto *units = reinterpret_cast<const char16_t *>(text.constData());
@@ -40,6 +42,8 @@ QString dateKey(DateTime moment) {
     return moment.isoText();
 }
 
+} // namespace
+
 /// Folds code point by code point, as comparing without regard to case does. Folding a whole text would turn halves of
 /// surrogate pairs into other characters, or not, depending on what stands beside them.
 /// No plane's letters fold into another plane, so the length stays.
@@ -57,8 +61,6 @@ QString foldedText(const QString &text) {
     }
     return folded;
 }
-
-} // namespace
 
 QVariant storedText(const QString &text) {
     if (text.isEmpty())

@@ -17,6 +17,10 @@ QString textOf(const QVariant &stored);
 /// folded text, so that an index entry stays small and equality stays exact. Part of the format of the file: folding
 /// follows the Unicode tables of the library.
 QString foldedKey(const QString &text);
+/// The length of a key that stands for a longer text.
+constexpr int shortenedKeyLength = 165;
+/// The folded text, whole.
+QString foldedText(const QString &text);
 
 /// The key of a value: that of the text that writes it. Numbers in their shortest exact form, booleans "true" and
 /// "false", dates as "2026-11-22 09:30:00"; Empty, Null, Nothing and the zero date are the empty text.

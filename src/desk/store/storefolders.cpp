@@ -78,6 +78,25 @@ QList<FolderRecord> Store::contactsFolders() { return foldersBy(sql::contactsFol
 
 QList<FolderRecord> Store::childFolders(FolderId parent) { return foldersBy(sql::childFolders, {{"parent", parent}}); }
 
+QList<CountedFolder> Store::countedFolders(const std::string &condition, FolderId id) {
+    QList<CountedFolder> found;
+    m_connection->each(sql::countedFolders(m_keepsCounts, condition), {{"id", id}}, [&](const Row &row) {
+        found.append({.folder = folderFrom(row, m_tag),
+                      .counts = {.items = row.number(7), .unread = row.number(8)},
+                      .hasChildren = row.number(9) != 0});
+    });
+    return found;
+}
+
+QList<CountedFolder> Store::countedChildFolders(FolderId parent) { return countedFolders("f.parent = :id", parent); }
+
+CountedFolder Store::countedFolder(FolderId id) {
+    const QList<CountedFolder> found = countedFolders("f.id = :id", id);
+    if (found.isEmpty())
+        throw folderMissing();
+    return found.first();
+}
+
 QList<FolderRecord> Store::childFoldersThatMayReach(FolderId parent, double least) {
     return foldersBy(sql::childFoldersThatMayReach, {{"parent", parent}, {"least", least}});
 }

@@ -206,18 +206,19 @@ TEST_F(ItemsTest, EntryIdentifiersAreFoundInTheirOwnStoreOnly) {
         EXPECT_FALSE(m_store->itemByEntryId(text).has_value()) << text.toStdString();
 }
 
-TEST_F(ItemsTest, AnotherConnectionsCommitsAreNoticed) {
+TEST_F(ItemsTest, CommitsAreNoticedWhoeverMakesThem) {
     const auto other = open();
     const qint64 before = m_store->lastArrival();
-    static_cast<void>(m_store->changed());
-    EXPECT_FALSE(m_store->changed());
+    StoreRevision seen = m_store->revision();
+    StoreRevision seenByOther = other->revision();
+    EXPECT_EQ(m_store->revision(), seen);
     m_store->insert(m_inbox, withSubject("mine"));
-    EXPECT_FALSE(m_store->changed());
-    EXPECT_TRUE(other->changed());
+    EXPECT_NE(std::exchange(seen, m_store->revision()), m_store->revision());
+    EXPECT_NE(std::exchange(seenByOther, other->revision()), other->revision());
     other->insert(m_inbox, withSubject("theirs"));
     other->insert(m_done, withSubject("elsewhere"));
-    EXPECT_TRUE(m_store->changed());
-    EXPECT_FALSE(m_store->changed());
+    EXPECT_NE(std::exchange(seen, m_store->revision()), m_store->revision());
+    EXPECT_EQ(m_store->revision(), seen);
     QStringList arrived;
     for (const ItemRecord &item : m_store->itemsArrivedAfter(m_inbox, before))
         arrived << item.subject;

@@ -94,8 +94,9 @@ TEST_F(RaceTest, EveryoneSeesEveryArrivalOnceInOneOrder) {
             arrival = item.arrival;
         }
     };
+    StoreRevision known;
     while (writing > 0)
-        if (m_store->changed())
+        if (const StoreRevision standing = m_store->revision(); std::exchange(known, standing) != standing)
             look();
     threads.clear();
     look();
