@@ -2,10 +2,12 @@
 #pragma once
 
 #include "automation/remote.h"
+#include "desk/objects/barnotices.h"
 #include "desk/objects/sessionobject.h"
 
 namespace desk::objects {
 
+class CommandBar;
 class CommandBarButton;
 
 class CommandBarControls : public SessionObject {
@@ -13,7 +15,8 @@ class CommandBarControls : public SessionObject {
     Q_PROPERTY(int Count READ count)
 
   public:
-    using SessionObject::SessionObject;
+    CommandBarControls(std::weak_ptr<desk::Session> session, const CommandBar &bar,
+                       std::shared_ptr<BarNotices> notices);
 
     [[nodiscard]] int count() const { return static_cast<int>(m_buttons.size()); }
     [[nodiscard]] const QList<std::shared_ptr<CommandBarButton>> &buttons() const { return m_buttons; }
@@ -28,7 +31,13 @@ class CommandBarControls : public SessionObject {
     bool remove(const CommandBarButton &button);
     void removeOf(automation::ClientNumber client);
 
+    /// Nobody is told of their changes any more. To be called before the bar goes.
+    void detach();
+
   private:
+    /// Null once the bar has gone, and with it those who would be told.
+    const CommandBar *m_bar;
+    std::shared_ptr<BarNotices> m_notices;
     QList<std::shared_ptr<CommandBarButton>> m_buttons;
 };
 

@@ -22,8 +22,9 @@ Value CommandBars::Add(const Value &Name, const Value &Position, const Value & /
     constexpr int floating = 4;
     const QString name = Name.isMissing() ? QStringLiteral("Custom %1").arg(m_bars.size() + 1) : toText(Name);
     const auto bar = std::make_shared<CommandBar>(
-        weakSession(), name, Position.isMissing() ? floating : toInt32(Position), self<CommandBars>());
+        weakSession(), name, Position.isMissing() ? floating : toInt32(Position), self<CommandBars>(), m_notices);
     m_bars.append(bar);
+    Q_EMIT m_notices->barAdded(bar);
     return automation::wrap(bar);
 }
 
@@ -41,17 +42,28 @@ Value CommandBars::FindControl(const Value &Type, const Value &Id, const Value &
 }
 
 void CommandBars::addCommand(int id, const QString &caption, std::function<void()> command) {
-    m_commands.append(std::make_shared<CommandBarButton>(weakSession(), id, caption, std::move(command)));
+    m_commands.append(std::make_shared<CommandBarButton>(weakSession(), id, caption, std::move(command), m_notices));
 }
 
 bool CommandBars::remove(const CommandBar &bar) {
-    return m_bars.removeIf([&](const auto &each) { return each.get() == &bar; }) > 0;
+    const auto place = std::ranges::find(m_bars, &bar, &std::shared_ptr<CommandBar>::get);
+    if (place == m_bars.end())
+        return false;
+    const std::shared_ptr<CommandBar> removed = *place;
+    m_bars.erase(place);
+    removed->detach();
+    Q_EMIT m_notices->barRemoved(*removed);
+    return true;
 }
 
 void CommandBars::removeOf(automation::ClientNumber client) {
-    m_bars.removeIf([&](const auto &each) { return each->client() == client; });
-    for (const auto &bar : std::as_const(m_bars))
-        bar->buttons().removeOf(client);
+    const auto bars = m_bars;
+    for (const auto &bar : bars) {
+        if (bar->client() == client)
+            remove(*bar);
+        else
+            bar->buttons().removeOf(client);
+    }
 }
 
 } // namespace desk::objects

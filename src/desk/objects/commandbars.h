@@ -2,6 +2,7 @@
 #pragma once
 
 #include "automation/remote.h"
+#include "desk/objects/barnotices.h"
 #include "desk/objects/sessionobject.h"
 
 namespace desk::objects {
@@ -27,12 +28,19 @@ class CommandBars : public SessionObject {
     Q_INVOKABLE Value FindControl(const Value &Type = Value::Missing{}, const Value &Id = Value::Missing{},
                                   const Value &Tag = Value::Missing{}, const Value &Visible = Value::Missing{});
 
+    /// For the window that shows them.
+    [[nodiscard]] const std::shared_ptr<BarNotices> &notices() const { return m_notices; }
+    [[nodiscard]] const QList<std::shared_ptr<CommandBar>> &bars() const { return m_bars; }
+    /// What the window offers by itself.
+    [[nodiscard]] const QList<std::shared_ptr<CommandBarButton>> &commands() const { return m_commands; }
+
     void addCommand(int id, const QString &caption, std::function<void()> command);
     bool remove(const CommandBar &bar);
     /// Takes out what a client made.
     void removeOf(automation::ClientNumber client);
 
   private:
+    std::shared_ptr<BarNotices> m_notices = std::make_shared<BarNotices>();
     QList<std::shared_ptr<CommandBar>> m_bars;
     QList<std::shared_ptr<CommandBarButton>> m_commands;
 };

@@ -30,6 +30,7 @@ void Explorer::setCurrentFolder(const Value &folder) {
     if (isCancelled)
         return;
     m_folder = chosen;
+    Q_EMIT session()->windows().notices().folderChanged(*this);
     ClearSelection();
     Q_EMIT FolderSwitch();
     if (m_isShown && m_isOpen)

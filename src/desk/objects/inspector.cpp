@@ -27,9 +27,17 @@ Inspector::Inspector(std::weak_ptr<desk::Session> session, std::shared_ptr<Item>
     m_bars->addCommand(printCommand, QStringLiteral("Print..."), {});
     m_bars->addCommand(printButton, QStringLiteral("Print"), {});
     m_bars->addCommand(editCommand, QStringLiteral("Edit"), {});
+    QObject::connect(m_item.get(), &Item::PropertyChange, this, &Inspector::tellChanged);
+    QObject::connect(m_item.get(), &Item::CustomPropertyChange, this, &Inspector::tellChanged);
 }
 
 Inspector::~Inspector() = default;
+
+void Inspector::tellChanged() {
+    const std::shared_ptr<desk::Session> open = weakSession().lock();
+    if (open && m_isOpen)
+        Q_EMIT open->windows().notices().itemChanged(*this);
+}
 
 Value Inspector::currentItem() const { return automation::wrap(m_item); }
 

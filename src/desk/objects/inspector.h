@@ -56,6 +56,8 @@ class Inspector : public InspectorEvents {
     void end();
 
   private:
+    void tellChanged();
+
     std::shared_ptr<Item> m_item;
     std::shared_ptr<objects::CommandBars> m_bars;
     int m_windowState = 2;

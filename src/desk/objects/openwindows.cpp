@@ -31,25 +31,31 @@ std::shared_ptr<objects::Inspectors> Windows::inspectorCollection(const std::wea
 void Windows::add(const std::shared_ptr<Explorer> &explorer) {
     m_explorers.append(explorer);
     m_order.append(explorer);
+    Q_EMIT m_notices.explorerOpened(explorer);
 }
 
 void Windows::add(const std::shared_ptr<Inspector> &inspector) {
     m_inspectors.append(inspector);
     m_order.append(inspector);
+    Q_EMIT m_notices.inspectorOpened(inspector);
 }
 
+/// REQUIRES: the caller holds the window.
 void Windows::remove(SessionObject &window) {
     const auto isIt = [&](const auto &each) { return each.get() == &window; };
     m_explorers.removeIf(isIt);
     m_inspectors.removeIf(isIt);
-    m_order.removeIf(isIt);
+    if (m_order.removeIf(isIt) > 0)
+        Q_EMIT m_notices.closed(window);
 }
 
 void Windows::bringToFront(SessionObject &window) {
     const auto place =
         std::find_if(m_order.begin(), m_order.end(), [&](const auto &each) { return each.get() == &window; });
-    if (place != m_order.end())
-        std::rotate(place, place + 1, m_order.end());
+    if (place == m_order.end() || place + 1 == m_order.end())
+        return;
+    std::rotate(place, place + 1, m_order.end());
+    Q_EMIT m_notices.cameToFront(window);
 }
 
 template <class T>

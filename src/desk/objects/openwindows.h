@@ -3,6 +3,7 @@
 
 #include "automation/remote.h"
 #include "desk/objects/sessionobject.h"
+#include "desk/objects/windownotices.h"
 
 namespace desk {
 
@@ -36,6 +37,9 @@ class Windows {
     [[nodiscard]] const QList<std::shared_ptr<objects::Explorer>> &explorers() const { return m_explorers; }
     [[nodiscard]] const QList<std::shared_ptr<objects::Inspector>> &inspectors() const { return m_inspectors; }
 
+    /// For whoever shows or lists the windows.
+    [[nodiscard]] WindowNotices &notices() { return m_notices; }
+
     /// A new window comes up in front.
     void add(const std::shared_ptr<objects::Explorer> &explorer);
     void add(const std::shared_ptr<objects::Inspector> &inspector);
@@ -62,6 +66,7 @@ class Windows {
     template <class T>
     [[nodiscard]] std::shared_ptr<T> frontMost() const;
 
+    WindowNotices m_notices;
     std::shared_ptr<objects::Explorers> m_explorerCollection;
     std::shared_ptr<objects::Inspectors> m_inspectorCollection;
     QList<std::shared_ptr<objects::Explorer>> m_explorers;
