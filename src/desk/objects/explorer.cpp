@@ -30,10 +30,11 @@ void Explorer::setCurrentFolder(const Value &folder) {
     if (isCancelled)
         return;
     m_folder = chosen;
+    m_window.setCaption(caption());
     Q_EMIT session()->windows().notices().folderChanged(*this);
     ClearSelection();
     Q_EMIT FolderSwitch();
-    if (m_isShown && m_isOpen)
+    if (m_window.isShown() && m_isOpen)
         tellShown();
 }
 
@@ -52,12 +53,20 @@ Value Explorer::CommandBars(const Value &Index) {
 void Explorer::Display() { Activate(); }
 
 void Explorer::Activate() {
+    const auto alive = shared_from_this();
     const std::shared_ptr<desk::Session> open = session();
     if (!m_isOpen)
         throw Failure(failures::disconnected);
     open->windows().bringToFront(*this);
-    if (!std::exchange(m_isShown, true))
+    if (!m_window.show(open->windowFactory(), *this))
+        m_window.bringToFront();
+    else if (m_isOpen)
         tellShown();
+}
+
+void Explorer::setWindowState(int state) {
+    if (std::exchange(m_windowState, state) != state)
+        m_window.setState(state);
 }
 
 void Explorer::tellShown() {
@@ -72,6 +81,7 @@ void Explorer::Close() {
     if (!std::exchange(m_isOpen, false))
         return;
     Q_EMIT ExplorerEvents::Close();
+    m_window.close();
     open->windows().remove(*this);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "desk/objects/sessionobject.h"
+#include "desk/objects/windowfactory.h"
 #include "desk/store/records.h"
 
 namespace desk::objects {
@@ -45,7 +46,7 @@ class Explorer : public ExplorerEvents {
     [[nodiscard]] QString caption() const;
     /// 0 maximised, 1 minimised, 2 normal.
     [[nodiscard]] int windowState() const { return m_windowState; }
-    void setWindowState(int state) { m_windowState = state; }
+    void setWindowState(int state);
     [[nodiscard]] int objectClass() const { return 34; }
     [[nodiscard]] objects::CommandBars &bars() { return *m_bars; }
 
@@ -57,6 +58,9 @@ class Explorer : public ExplorerEvents {
     Q_INVOKABLE void AddToSelection(const Value &Item);
     Q_INVOKABLE void ClearSelection();
 
+    /// The session ends: whoever holds this holds an object without a window.
+    void dropWindow() { m_window.close(); }
+
   private:
     void tellShown();
 
@@ -64,7 +68,7 @@ class Explorer : public ExplorerEvents {
     std::shared_ptr<objects::CommandBars> m_bars;
     QList<ItemId> m_selected;
     int m_windowState = 2;
-    bool m_isShown = false;
+    WindowHold m_window;
     bool m_isOpen = true;
 };
 

@@ -35,8 +35,11 @@ Inspector::~Inspector() = default;
 
 void Inspector::tellChanged() {
     const std::shared_ptr<desk::Session> open = weakSession().lock();
-    if (open && m_isOpen)
-        Q_EMIT open->windows().notices().itemChanged(*this);
+    if (!open || !m_isOpen)
+        return;
+    if (const QString standing = caption(); std::exchange(m_caption, standing) != standing)
+        m_window.setCaption(standing);
+    Q_EMIT open->windows().notices().itemChanged(*this);
 }
 
 Value Inspector::currentItem() const { return automation::wrap(m_item); }
@@ -61,7 +64,8 @@ Value Inspector::CommandBars(const Value &Index) {
 void Inspector::Display() {
     const auto alive = shared_from_this();
     Activate();
-    if (!std::exchange(m_isShown, true))
+    m_caption = caption();
+    if (m_window.show(session()->windowFactory(), *this))
         Q_EMIT m_item->Read();
 }
 
@@ -70,6 +74,12 @@ void Inspector::Activate() {
     if (!m_isOpen)
         throw Failure(failures::disconnected);
     open->windows().bringToFront(*this);
+    m_window.bringToFront();
+}
+
+void Inspector::setWindowState(int state) {
+    if (std::exchange(m_windowState, state) != state)
+        m_window.setState(state);
 }
 
 void Inspector::Close(int SaveMode) {
@@ -83,6 +93,7 @@ void Inspector::end() {
     const std::shared_ptr<desk::Session> open = session();
     if (!std::exchange(m_isOpen, false))
         return;
+    m_window.close();
     open->windows().remove(*this);
     Q_EMIT InspectorEvents::Close();
 }

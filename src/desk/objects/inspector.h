@@ -2,6 +2,7 @@
 #pragma once
 
 #include "desk/objects/sessionobject.h"
+#include "desk/objects/windowfactory.h"
 
 namespace desk::objects {
 
@@ -37,13 +38,13 @@ class Inspector : public InspectorEvents {
     [[nodiscard]] QString caption() const;
     /// 0 maximised, 1 minimised, 2 normal.
     [[nodiscard]] int windowState() const { return m_windowState; }
-    void setWindowState(int state) { m_windowState = state; }
+    void setWindowState(int state);
     [[nodiscard]] int objectClass() const { return 35; }
     [[nodiscard]] bool isWordMail() const { return false; }
     /// 2: the HTML editor.
     [[nodiscard]] int editorType() const { return 2; }
     [[nodiscard]] objects::CommandBars &bars() { return *m_bars; }
-    [[nodiscard]] bool isShown() const { return m_isShown; }
+    [[nodiscard]] bool isShown() const { return m_window.isShown(); }
     [[nodiscard]] bool shows(const Item &item) const;
 
     Q_INVOKABLE Value CommandBars(const Value &Index = Value::Missing{});
@@ -54,6 +55,8 @@ class Inspector : public InspectorEvents {
 
     /// Ends the window and tells so; the item is left as it is.
     void end();
+    /// The session ends: whoever holds this holds an object without a window.
+    void dropWindow() { m_window.close(); }
 
   private:
     void tellChanged();
@@ -61,7 +64,8 @@ class Inspector : public InspectorEvents {
     std::shared_ptr<Item> m_item;
     std::shared_ptr<objects::CommandBars> m_bars;
     int m_windowState = 2;
-    bool m_isShown = false;
+    WindowHold m_window;
+    QString m_caption;
     bool m_isOpen = true;
 };
 

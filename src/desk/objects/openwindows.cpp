@@ -14,7 +14,13 @@ using objects::Inspector;
 using objects::SessionObject;
 
 Windows::Windows() = default;
-Windows::~Windows() = default;
+
+Windows::~Windows() {
+    for (const std::shared_ptr<Explorer> &explorer : std::as_const(m_explorers))
+        explorer->dropWindow();
+    for (const std::shared_ptr<Inspector> &inspector : std::as_const(m_inspectors))
+        inspector->dropWindow();
+}
 
 std::shared_ptr<objects::Explorers> Windows::explorerCollection(const std::weak_ptr<Session> &session) {
     if (!m_explorerCollection)

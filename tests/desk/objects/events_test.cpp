@@ -1,6 +1,7 @@
 // What a client hears of: saves about to be written, changes, new items, windows.
 
 #include "deskfixture.h"
+#include "recordingwindows.h"
 
 #include "desk/content/folderpath.h"
 #include "desk/objects/session.h"
@@ -8,8 +9,17 @@
 
 namespace {
 
-class EventsTest : public DeskTest {
+/// The objects behave the same with windows and without.
+enum class WindowsOf { Nobody, Recording };
+
+class EventsTest : public DeskTest, public ::testing::WithParamInterface<WindowsOf> {
   protected:
+    void SetUp() override { m_desk->session().setWindowFactory(factory()); }
+    [[nodiscard]] static std::unique_ptr<desk::WindowFactory> factory() {
+        if (GetParam() == WindowsOf::Nobody)
+            return nullptr;
+        return std::make_unique<RecordingWindows>(std::make_shared<QStringList>());
+    }
     /// Another process on the same profile puts mail into the Inbox.
     void deliverFromElsewhere(const QString &subject) const {
         const auto other = desk::Session::open(desk::Profile(options()));
@@ -18,7 +28,7 @@ class EventsTest : public DeskTest {
     }
 };
 
-TEST_F(EventsTest, ASaveMadeWhileASaveIsToldIsWrittenOnce) {
+TEST_P(EventsTest, ASaveMadeWhileASaveIsToldIsWrittenOnce) {
     const Handle item = newItem(folder(6), "IPM.Post", "Outer");
     int depth = 0;
     QStringList order;
@@ -40,7 +50,7 @@ TEST_F(EventsTest, ASaveMadeWhileASaveIsToldIsWrittenOnce) {
     EXPECT_EQ(folder(6).of("Items").number("Count"), 1);
 }
 
-TEST_F(EventsTest, ACancelledWriteWritesNothing) {
+TEST_P(EventsTest, ACancelledWriteWritesNothing) {
     const Handle item = savedItem(folder(6), "IPM.Post", "Before");
     const auto write = item.on("Write", [](ValueList &arguments) { arguments[0] = true; });
     item.put("Subject", "After");
@@ -55,7 +65,7 @@ TEST_F(EventsTest, ACancelledWriteWritesNothing) {
     EXPECT_EQ(subjects(folder(6)), QStringList{"Before"});
 }
 
-TEST_F(EventsTest, ChangesAreToldByNameAndOnlyWhenTheyChange) {
+TEST_P(EventsTest, ChangesAreToldByNameAndOnlyWhenTheyChange) {
     const Handle item = savedItem(folder(6), "IPM.Post", "Same");
     const Recorder standard(item, "PropertyChange");
     const Recorder custom(item, "CustomPropertyChange");
@@ -70,7 +80,7 @@ TEST_F(EventsTest, ChangesAreToldByNameAndOnlyWhenTheyChange) {
     EXPECT_EQ(custom.calls(), (QStringList{"Number", "Number"}));
 }
 
-TEST_F(EventsTest, AnUnchangedItemIsNotWrittenAgain) {
+TEST_P(EventsTest, AnUnchangedItemIsNotWrittenAgain) {
     const Handle item = savedItem(folder(6), "IPM.Post", "Once");
     const Handle other = folder(6).of("Items").of("Item", {1});
     const Recorder writes(item, "Write");
@@ -82,7 +92,7 @@ TEST_F(EventsTest, AnUnchangedItemIsNotWrittenAgain) {
     EXPECT_EQ(failureOf([&] { other.call("Save"); }), 0) << "no version was used up";
 }
 
-TEST_F(EventsTest, OwnAdditionsAreToldAtOnceAndOncePerWatcher) {
+TEST_P(EventsTest, OwnAdditionsAreToldAtOnceAndOncePerWatcher) {
     const Handle items = folder(6).of("Items");
     const Handle others = folder(6).of("Items");
     const Recorder one(items, "ItemAdd");
@@ -100,7 +110,7 @@ TEST_F(EventsTest, OwnAdditionsAreToldAtOnceAndOncePerWatcher) {
     EXPECT_EQ(one.count(), 4) << "the look at the store tells nothing twice";
 }
 
-TEST_F(EventsTest, WhatAnotherProcessBringsIsToldOnce) {
+TEST_P(EventsTest, WhatAnotherProcessBringsIsToldOnce) {
     const Handle items = folder(6).of("Items");
     const Recorder added(items, "ItemAdd");
     deliverFromElsewhere("One");
@@ -112,7 +122,7 @@ TEST_F(EventsTest, WhatAnotherProcessBringsIsToldOnce) {
     EXPECT_EQ(added.count(), 3);
 }
 
-TEST_F(EventsTest, AWatcherIsNotEnteredWhileItIsBusy) {
+TEST_P(EventsTest, AWatcherIsNotEnteredWhileItIsBusy) {
     const Handle items = folder(6).of("Items");
     int depth = 0;
     QStringList told;
@@ -128,7 +138,7 @@ TEST_F(EventsTest, AWatcherIsNotEnteredWhileItIsBusy) {
     EXPECT_EQ(told, (QStringList{"0", "1", "2", "3"}));
 }
 
-TEST_F(EventsTest, AnItemThatHasLeftIsNoAddition) {
+TEST_P(EventsTest, AnItemThatHasLeftIsNoAddition) {
     const Handle items = folder(6).of("Items");
     const Handle others = folder(6).of("Items");
     const auto mover =
@@ -139,7 +149,7 @@ TEST_F(EventsTest, AnItemThatHasLeftIsNoAddition) {
     EXPECT_EQ(subjects(folder(16)), QStringList{"Quick"});
 }
 
-TEST_F(EventsTest, TheWindowsOfItemsComeAndGo) {
+TEST_P(EventsTest, TheWindowsOfItemsComeAndGo) {
     const Handle inspectors = application().of("Inspectors");
     const Recorder opened(inspectors, "NewInspector");
     const Handle item = savedItem(folder(6), "IPM.Note", "Shown");
@@ -164,7 +174,7 @@ TEST_F(EventsTest, TheWindowsOfItemsComeAndGo) {
     EXPECT_EQ(subjects(folder(6)), QStringList{"Changed"});
 }
 
-TEST_F(EventsTest, ClosingAWindow) {
+TEST_P(EventsTest, ClosingAWindow) {
     const struct {
         const char *what;
         int mode;
@@ -188,7 +198,7 @@ TEST_F(EventsTest, ClosingAWindow) {
     }
 }
 
-TEST_F(EventsTest, AHandlerOfTheWindowsCloseMaySaveTheItem) {
+TEST_P(EventsTest, AHandlerOfTheWindowsCloseMaySaveTheItem) {
     const Handle item = newItem(folder(6), "IPM.Post", "Kept");
     item.call("Display");
     bool wasSaved = true;
@@ -201,7 +211,7 @@ TEST_F(EventsTest, AHandlerOfTheWindowsCloseMaySaveTheItem) {
     EXPECT_EQ(subjects(folder(6)), QStringList{"Kept"});
 }
 
-TEST_F(EventsTest, MovingAnOpenItemClosesItsWindow) {
+TEST_P(EventsTest, MovingAnOpenItemClosesItsWindow) {
     const Handle item = savedItem(folder(6), "IPM.Post", "Moved");
     item.call("Display");
     const Recorder closed(item.of("GetInspector"), "Close");
@@ -210,7 +220,7 @@ TEST_F(EventsTest, MovingAnOpenItemClosesItsWindow) {
     EXPECT_EQ(application().of("Inspectors").number("Count"), 0);
 }
 
-TEST_F(EventsTest, TheWindowsOfFoldersComeAndGo) {
+TEST_P(EventsTest, TheWindowsOfFoldersComeAndGo) {
     EXPECT_TRUE(Handle(application().call("ActiveExplorer")).isNothing());
     const Handle explorers = application().of("Explorers");
     const Handle explorer = explorers.of("Add", {folder(6), 0});
@@ -235,7 +245,7 @@ TEST_F(EventsTest, TheWindowsOfFoldersComeAndGo) {
     EXPECT_EQ(failureOf([&] { explorer.call("Activate"); }), failures::disconnected);
 }
 
-TEST_F(EventsTest, TheSelectionIsOfTheFolderShown) {
+TEST_P(EventsTest, TheSelectionIsOfTheFolderShown) {
     const Handle explorer = application().of("Explorers").of("Add", {folder(6), 0});
     const Handle item = savedItem(folder(6), "IPM.Note", "Selected");
     explorer.call("AddToSelection", {item});
@@ -248,7 +258,7 @@ TEST_F(EventsTest, TheSelectionIsOfTheFolderShown) {
     EXPECT_EQ(explorer.of("Selection").number("Count"), 0);
 }
 
-TEST_F(EventsTest, BarsAndButtons) {
+TEST_P(EventsTest, BarsAndButtons) {
     const Handle bars = application().of("Explorers").of("Add", {folder(6), 0}).of("CommandBars");
     const Handle bar = bars.of("Add", {"Helpdesk", 2, false, true});
     bar.put("Visible", true);
@@ -267,7 +277,7 @@ TEST_F(EventsTest, BarsAndButtons) {
     EXPECT_EQ(failureOf([&] { bars.call("Item", {"Helpdesk"}); }), failures::invalidCall);
 }
 
-TEST_F(EventsTest, AHostsOwnCommandCanBeTakenOver) {
+TEST_P(EventsTest, AHostsOwnCommandCanBeTakenOver) {
     const Handle item = newItem(folder(6), "IPM.Post", "Own save");
     item.call("Display");
     const Handle bars = item.of("GetInspector").of("CommandBars");
@@ -282,7 +292,7 @@ TEST_F(EventsTest, AHostsOwnCommandCanBeTakenOver) {
     EXPECT_TRUE(toBool(item.get("Saved")));
 }
 
-TEST_F(EventsTest, QuitIsToldAndOpenChangesAreSaved) {
+TEST_P(EventsTest, QuitIsToldAndOpenChangesAreSaved) {
     const Recorder quit(application(), "Quit");
     const Handle item = savedItem(folder(6), "IPM.Post", "Before");
     item.call("Display");
@@ -292,5 +302,8 @@ TEST_F(EventsTest, QuitIsToldAndOpenChangesAreSaved) {
     m_desk = std::make_unique<desk::Desk>(options());
     EXPECT_EQ(subjects(folder(6)), QStringList{"After"});
 }
+
+INSTANTIATE_TEST_SUITE_P(Windows, EventsTest, ::testing::Values(WindowsOf::Nobody, WindowsOf::Recording),
+                         [](const auto &each) { return each.param == WindowsOf::Nobody ? "Nobody" : "Recording"; });
 
 } // namespace
