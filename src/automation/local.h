@@ -4,8 +4,9 @@
 /// - each `Q_PROPERTY` as a property, writable when it has a WRITE function;
 /// - each public `Q_INVOKABLE` as a member to call; default arguments may be left out, and overloads are told apart by
 ///   the number of arguments only;
-/// - each signal as an event, whose `bool *` parameters are by reference; for an event that has another member's name,
-///   the signal `CloseEvent` is the event `Close`.
+/// - each signal that `Q_CLASSINFO("Events", "Open CloseEvent")` names, of the class or of a base, as an event, whose
+///   `bool *` parameters are by reference; for an event that has another member's name, the signal `CloseEvent` is the
+///   event `Close`. Any other signal, such as a property's NOTIFY, stays inside the host.
 /// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object; a
 /// client need not ask again for those among them that are CONSTANT.
 /// Names match without regard to case. Types that cross: `Value`, `QString`, `bool`, `qint16`, `int`, `double`,

@@ -5,6 +5,7 @@
 
 #include <QMetaMethod>
 #include <QMetaProperty>
+#include <QSet>
 
 #include <mutex>
 
@@ -38,6 +39,19 @@ std::optional<std::vector<Kind>> parameterKinds(const QMetaMethod &method) {
             return std::nullopt;
     }
     return kinds;
+}
+
+/// The signals that a class and its bases name as events.
+QSet<QByteArray> eventSignals(const QMetaObject &metaObject) {
+    QSet<QByteArray> names;
+    for (int i = 0; i < metaObject.classInfoCount(); ++i) {
+        const QMetaClassInfo info = metaObject.classInfo(i);
+        if (qstrcmp(info.name(), "Events") != 0)
+            continue;
+        for (const QByteArray &name : QByteArray(info.value()).split(' '))
+            names.insert(name);
+    }
+    return names;
 }
 
 /// An event that has the name of another member is declared with this ending.
@@ -201,6 +215,7 @@ void MemberTable::addProperties(const QMetaObject &metaObject) {
 }
 
 void MemberTable::addMethods(const QMetaObject &metaObject) {
+    const QSet<QByteArray> events = eventSignals(metaObject);
     for (int i = Exposed::staticMetaObject.methodCount(); i < metaObject.methodCount(); ++i) {
         const QMetaMethod method = metaObject.method(i);
         std::optional<std::vector<Kind>> parameters = parameterKinds(method);
@@ -210,7 +225,7 @@ void MemberTable::addMethods(const QMetaObject &metaObject) {
         const QString name = QString::fromLatin1(method.name());
         if (method.methodType() == QMetaMethod::Signal) {
             // The clones of a signal stand for its default arguments; it is raised with all of them.
-            if (!(method.attributes() & QMetaMethod::Cloned)) {
+            if (events.contains(method.name()) && !(method.attributes() & QMetaMethod::Cloned)) {
                 const bool byReference = std::ranges::count(*parameters, Kind::BooleanReference) > 0;
                 m_members[eventName(name)].event = {i, std::move(*parameters), byReference};
             }

@@ -201,9 +201,11 @@ TEST_P(Contract, HandlersRunInOrderAndSeeWhatTheOneBeforeLeft) {
     EXPECT_EQ(root->call("Save", {}), Value(true));
     EXPECT_EQ(seen, (QList<ValueList>{{false}, {true}, {true}}));
     EXPECT_EQ(noted, QStringList{"saved"});
-    EXPECT_EQ(failureOf([&] { (void)root->connect("Nothing", note("")); }), failures::memberMissing);
-    EXPECT_EQ(failureOf([&] { (void)root->connect("Internal", note("")); }), failures::memberMissing);
-    EXPECT_EQ(failureOf([&] { (void)root->connect("destroyed", note("")); }), failures::memberMissing);
+    for (const char *none : {"Nothing", "Internal", "SavesChanged", "Redrawn", "destroyed", "Saves", "CloseEvent"})
+        EXPECT_EQ(failureOf([&] { (void)root->connect(none, note("")); }), failures::memberMissing) << none;
+    const SubscriptionPtr inherited = root->connect("Renamed", note("renamed"));
+    root->put("Name", "another");
+    EXPECT_EQ(noted, (QStringList{"saved", "renamed"}));
 }
 
 TEST_P(Contract, ArgumentsOfEveryTypeReachHandlersAndOnlyReferencesComeBack) {

@@ -12,6 +12,7 @@ using automation::Exposed;
 class Inner : public Exposed {
     Q_OBJECT
     Q_CLASSINFO("SentAlong", "Name Kind")
+    Q_CLASSINFO("Events", "Renamed")
     Q_PROPERTY(QString Name READ name WRITE setName)
     Q_PROPERTY(QString Kind READ kind CONSTANT)
     Q_PROPERTY(QStringList Lines READ lines)
@@ -46,6 +47,7 @@ class Inner : public Exposed {
 
 class Sample : public Inner {
     Q_OBJECT
+    Q_CLASSINFO("Events", "Write Saved Deeper CloseEvent All Internal")
     Q_PROPERTY(Value Anything MEMBER m_anything)
     Q_PROPERTY(bool Flag MEMBER m_flag)
     Q_PROPERTY(qint16 Small MEMBER m_small)
@@ -53,7 +55,7 @@ class Sample : public Inner {
     Q_PROPERTY(double Ratio MEMBER m_ratio)
     Q_PROPERTY(Currency Price MEMBER m_price)
     Q_PROPERTY(DateTime When MEMBER m_when)
-    Q_PROPERTY(int Saves READ saves)
+    Q_PROPERTY(int Saves READ saves NOTIFY SavesChanged)
     Q_PROPERTY(Value Child READ child)
     Q_PROPERTY(int LivingChildren READ livingChildren)
     Q_PROPERTY(int ChildNameReads READ childNameReads)
@@ -100,6 +102,9 @@ class Sample : public Inner {
     void All(const Value &any, bool flag, int number, double ratio, const QString &text, Currency price, DateTime when,
              bool *first, bool *second);
     void Internal(const QStringList &lines);
+    /// No events, though their types cross.
+    void SavesChanged(int saves);
+    void Redrawn();
 
   private:
     Value m_anything;

@@ -8,6 +8,7 @@ namespace desk::objects {
 /// The events apart, since one of them is named as a member is.
 class ApplicationEvents : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "ItemSend Quit")
 
   public:
     using SessionObject::SessionObject;

@@ -12,6 +12,7 @@ class CommandBarControls;
 /// A button. What a client made goes when the client goes.
 class CommandBarButton : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "Click")
     Q_PROPERTY(int Type READ type)
     Q_PROPERTY(int Id READ id)
     Q_PROPERTY(QString Caption READ caption WRITE setCaption)

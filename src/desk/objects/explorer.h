@@ -13,6 +13,7 @@ class MAPIFolder;
 /// The events apart, since one of them is named as a member is.
 class ExplorerEvents : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "BeforeFolderSwitch FolderSwitch SelectionChange Close")
 
   public:
     using SessionObject::SessionObject;

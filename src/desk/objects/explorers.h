@@ -10,6 +10,7 @@ class MAPIFolder;
 
 class Explorers : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "NewExplorer")
     Q_PROPERTY(int Count READ count)
 
   public:

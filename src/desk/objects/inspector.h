@@ -12,6 +12,7 @@ class Item;
 /// The events apart, since one of them is named as a member is.
 class InspectorEvents : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "Close")
 
   public:
     using SessionObject::SessionObject;

@@ -10,6 +10,7 @@ class Item;
 
 class Inspectors : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "NewInspector")
     Q_PROPERTY(int Count READ count)
 
   public:

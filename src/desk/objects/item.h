@@ -12,6 +12,7 @@ class MAPIFolder;
 /// The events apart, since one of them is named as a member is.
 class ItemEvents : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "Open Close Read Write Send PropertyChange CustomPropertyChange")
 
   public:
     using SessionObject::SessionObject;

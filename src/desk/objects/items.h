@@ -12,6 +12,7 @@ class MAPIFolder;
 /// In order of arrival. Each object watches and searches for itself.
 class Items : public SessionObject {
     Q_OBJECT
+    Q_CLASSINFO("Events", "ItemAdd")
     Q_PROPERTY(int Count READ count)
     Q_PROPERTY(Value Parent READ parent)
 
