@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <list>
 #include <sys/socket.h>
 
 namespace automation {
@@ -21,10 +20,12 @@ constexpr std::size_t portion = 64U << 10U;
 constexpr std::size_t mostIdle = 1U << 20U;
 /// A peer that reads nothing and asks for this much has lost its way.
 constexpr std::size_t mostUnsent = 4 * std::size_t{wire::largestBody};
-/// Calls nested deeper are refused: handlers that call each other for ever must end before the stack does.
-constexpr int deepest = 128;
+/// Calls of one peer nested deeper end its connection, and calls of all peers together are refused: handlers that call
+/// each other for ever must end before the stack does.
+constexpr int deepest = 100;
+constexpr int deepestOfAll = 250;
 
-thread_local int depth = 0;
+thread_local int depthOfAll = 0;
 
 } // namespace
 
@@ -80,59 +81,38 @@ Channel::~Channel() = default;
 
 void Channel::start() { Hub::ofThisThread().add(shared_from_this()); }
 
-void Channel::close(qint32 number) { end(number, false); }
+void Channel::close(qint32 number) { end(Failure(number), false); }
 
-void Channel::end(qint32 number, bool byPeer) {
+void Channel::end(const Failure &failure, bool byPeer) {
     if (!isOpen())
         return;
     const std::shared_ptr<Channel> alive = shared_from_this();
-    m_endNumber = number;
+    m_end = failure;
     Hub::ofThisThread().remove(*this);
     m_socket.close();
     m_out.clear();
     m_sent = 0;
     for (Pending *pending : m_pending)
         if (!pending->isDone())
-            pending->failure.emplace(number);
+            pending->failure = failure;
     ended(byPeer);
 }
 
 Frame Channel::request(Frame frame) {
     if (!isOpen())
-        throw Failure(m_endNumber);
+        throw Failure(m_end.value_or(Failure(failures::disconnected)));
     Waiting waiting(*this);
     Pending &pending = waiting.pending;
     frame.call = pending.call;
     wire::encode(m_out, frame, *this);
     send();
-    return outcome(pending);
-}
-
-Frame Channel::outcome(Pending &pending) {
+    ++m_roundTrips;
     Hub::ofThisThread().await(*this, pending);
     if (pending.failure)
         throw Failure(*pending.failure);
     if (pending.answer->kind == FrameKind::Refusal)
         throw Failure(pending.answer->number, pending.answer->text);
     return std::move(*pending.answer);
-}
-
-std::vector<std::optional<Frame>> Channel::requestAll(std::vector<Frame> frames) {
-    std::vector<std::optional<Frame>> answers;
-    if (!isOpen())
-        return answers;
-    std::list<Waiting> waiting;
-    for (Frame &frame : frames) {
-        frame.call = waiting.emplace_back(*this).pending.call;
-        wire::encode(m_out, frame, *this);
-    }
-    send();
-    for (Waiting &question : waiting) {
-        std::optional<Frame> answer;
-        Attempt([&] { answer = outcome(question.pending); });
-        answers.push_back(std::move(answer));
-    }
-    return answers;
 }
 
 void Channel::post(const Frame &frame) {
@@ -161,7 +141,7 @@ void Channel::send() {
         }
     }
     if (m_out.size() - m_sent > mostUnsent) {
-        end(failures::peerGone, true);
+        end(Failure(failures::peerGone), true);
         return;
     }
     if (m_sent == m_out.size()) {
@@ -218,7 +198,7 @@ bool Channel::hasNext() const { return isOpen() && (m_peerEnded || front() != Fr
 
 void Channel::serveNext() {
     if (front() != Front::Whole) {
-        end(failures::peerGone, true);
+        end(Failure(failures::peerGone), true);
         return;
     }
     const std::size_t length = frontLength();
@@ -227,7 +207,7 @@ void Channel::serveNext() {
     if (frame)
         serve(std::move(*frame));
     else
-        end(failures::peerGone, true);
+        end(Failure(failures::peerGone), true);
 }
 
 void Channel::serve(Frame frame) {
@@ -238,8 +218,9 @@ void Channel::serve(Frame frame) {
     case FrameKind::Call:
     case FrameKind::Connect:
     case FrameKind::Event:
-    case FrameKind::Through:
+    case FrameKind::PutThrough:
     case FrameKind::TryPut:
+    case FrameKind::Ask:
         answer(frame);
         break;
     case FrameKind::Disconnect:
@@ -250,6 +231,9 @@ void Channel::serve(Frame frame) {
         post({.kind = FrameKind::Pong});
         break;
     case FrameKind::Pong:
+        break;
+    case FrameKind::Farewell:
+        end(Failure(frame.number, frame.text), true);
         break;
     case FrameKind::Answer:
     case FrameKind::Refusal:
@@ -268,10 +252,18 @@ void Channel::answer(const Frame &request) {
               .number = failure.number(),
               .text = failure.description()});
     };
-    ++depth;
-    const auto shallower = qScopeGuard([] { --depth; });
+    if (m_depth == deepest) {
+        endNesting();
+        return;
+    }
+    const auto shallower = qScopeGuard([self = shared_from_this()] {
+        --self->m_depth;
+        --depthOfAll;
+    });
+    ++m_depth;
+    ++depthOfAll;
     try {
-        if (depth > deepest)
+        if (depthOfAll > deepestOfAll)
             throw Failure(failures::callRejected);
         if (request.staleObject)
             throw Failure(failures::disconnected);
@@ -285,6 +277,14 @@ void Channel::answer(const Frame &request) {
         refuse(Failure(failures::automationError));
         throw;
     }
+}
+
+void Channel::endNesting() {
+    const Failure failure(failures::outOfStack,
+                          QStringLiteral("The program and the host called each other back without an end, so their "
+                                         "connection was ended. Start the program again."));
+    post({.kind = FrameKind::Farewell, .number = failure.number(), .text = failure.description()});
+    end(failure, true);
 }
 
 void Channel::settle(Frame frame) {

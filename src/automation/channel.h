@@ -49,12 +49,13 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
     /// Sends a request and waits for the answer, serving what comes in meanwhile. Fails as the request did, or with the
     /// connection's failure.
     wire::Frame request(wire::Frame frame);
-    /// The same for several requests that cross together; nothing stands for one that was refused.
-    std::vector<std::optional<wire::Frame>> requestAll(std::vector<wire::Frame> frames);
     /// Sends a frame that needs no answer; nothing happens when the connection has ended.
     void post(const wire::Frame &frame);
     /// Puts a frame that needs no answer before the next one that is sent.
     void enqueue(const wire::Frame &frame);
+
+    /// How often an answer of the peer has been waited for.
+    [[nodiscard]] quint64 roundTrips() const { return m_roundTrips; }
 
     [[nodiscard]] const Patience &patience() const { return m_patience; }
     /// Grows with everything that the peer sends.
@@ -79,17 +80,17 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
 
   private:
     class Waiting;
-    /// What the answer to a request that was sent brought.
-    wire::Frame outcome(Pending &pending);
     /// What lies at the front of the bytes that came in.
     enum class Front { Incomplete, Whole, Malformed };
 
     void send();
     void receive();
-    void end(qint32 number, bool byPeer);
+    void end(const Failure &failure, bool byPeer);
     void serve(wire::Frame frame);
     /// Carries out a request and answers it, where it is one that somebody waits for.
     void answer(const wire::Frame &request);
+    /// Ends the connection of a peer that calls back for ever.
+    void endNesting();
     void settle(wire::Frame frame);
     [[nodiscard]] Front front() const;
     /// The length of the frame at the front. REQUIRES: its length has come in and is no malformed one.
@@ -103,9 +104,13 @@ class Channel : public Source, public wire::ObjectTable, public std::enable_shar
     std::size_t m_sent = 0;
     std::vector<Pending *> m_pending;
     quint32 m_lastCall = 0;
+    quint64 m_roundTrips = 0;
     quint64 m_heard = 0;
     bool m_suspended = false;
-    qint32 m_endNumber = 0;
+    /// How many requests of the peer are being carried out, each inside of the one before.
+    int m_depth = 0;
+    /// What a call fails with once the connection has ended.
+    std::optional<Failure> m_end;
 };
 
 } // namespace automation

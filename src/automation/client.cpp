@@ -1,10 +1,6 @@
 #include "automation/channel.h"
 #include "automation/remote.h"
 
-#include <QScopeGuard>
-
-#include <chrono>
-
 namespace automation {
 
 using wire::Frame;
@@ -15,37 +11,23 @@ namespace {
 
 class ClientConnection;
 
-/// What is known of an object without asking: what is constant, and what is from one moment. This stands until anything
-/// but a property is asked for or the peer raises an event, since either may change it, and in no case for longer than
-/// the same answers could have been on their way.
-class Knowledge {
-  public:
-    void keep(quint64 moment, std::vector<KnownValue> values);
-    void keep(quint64 moment, Question question, Value answer);
-    [[nodiscard]] std::optional<Value> value(quint64 moment, const QString &member) const;
-    [[nodiscard]] std::optional<Value> answer(quint64 moment, const QString &member, const ValueList &arguments) const;
-    /// Lets go of the answers, and of the objects that are among them.
-    void forgetAnswers() { m_answers.clear(); }
-
-  private:
-    static constexpr std::chrono::milliseconds longest{20};
-
-    void startAt(quint64 moment);
-    [[nodiscard]] bool standsAt(quint64 moment) const;
-
-    quint64 m_moment = 0;
-    std::chrono::steady_clock::time_point m_since;
-    std::vector<KnownValue> m_values;
-    std::vector<KnownValue> m_constants;
-    std::vector<std::pair<Question, Value>> m_answers;
-};
+/// What stands for an answer in the frame that brought it.
+Outcome outcomeOf(const Value &value) {
+    const ValueList parts = value.isArray() ? value.array() : ValueList();
+    const auto *number = parts.size() == 2 ? std::get_if<qint32>(&parts[0].held()) : nullptr;
+    const auto *text = number ? std::get_if<QString>(&parts[1].held()) : nullptr;
+    if (text)
+        return Failure(*number, *text);
+    return parts.size() == 1 ? Outcome(parts[0]) : Outcome(Failure(failures::automationError));
+}
 
 /// A handle to one object of the host. The connection knows it while it lives, so that the same object is met as the
 /// same handle.
 class RemoteObject final : public Object, public std::enable_shared_from_this<RemoteObject> {
   public:
     RemoteObject(std::shared_ptr<ClientConnection> connection, const wire::ObjectTable::Reference &reference)
-        : m_connection(std::move(connection)), m_handle(reference.handle), m_typeName(reference.typeName) {}
+        : m_connection(std::move(connection)), m_handle(reference.handle), m_typeName(reference.typeName),
+          m_constants(reference.constants) {}
     ~RemoteObject() override;
 
     [[nodiscard]] QString typeName() override { return m_typeName; }
@@ -53,23 +35,24 @@ class RemoteObject final : public Object, public std::enable_shared_from_this<Re
     void put(const QString &member, const Value &value) override;
     Value call(const QString &member, const ValueList &arguments) override;
     [[nodiscard]] SubscriptionPtr connect(const QString &event, EventHandler handler) override;
-    void ahead(const std::vector<Question> &questions) override;
-    Value callThrough(const Path &path, const QString &member, const ValueList &arguments) override;
+    [[nodiscard]] std::vector<Constant> constants() override { return m_constants; }
+    [[nodiscard]] std::vector<Outcome> askAll(const std::vector<Path> &questions) override;
+    void putThrough(const Path &path, const QString &member, const Value &value) override;
     void tryPut(const Path &path, const QString &member, const Value &value) override;
 
     [[nodiscard]] const std::shared_ptr<ClientConnection> &connection() const { return m_connection; }
     [[nodiscard]] Handle handle() const { return m_handle; }
     void countReceived() { ++m_received; }
-    [[nodiscard]] Knowledge &knowledge() { return m_knowledge; }
 
   private:
-    Value ask(FrameKind kind, const QString &member, const ValueList &values);
+    ValueList request(FrameKind kind, const QString &member, const ValueList &values);
+    [[nodiscard]] const Value *constant(const QString &member) const;
 
     std::shared_ptr<ClientConnection> m_connection;
     Handle m_handle;
     QString m_typeName;
     qint32 m_received = 0;
-    Knowledge m_knowledge;
+    std::vector<Constant> m_constants;
 };
 
 class ClientConnection final : public Channel {
@@ -82,10 +65,6 @@ class ClientConnection final : public Channel {
     Frame ask(Frame frame);
     /// A request that nobody waits for.
     void tell(const Frame &frame);
-    /// Several calls of one object at once.
-    void askAhead(RemoteObject &object, const std::vector<Question> &questions);
-    /// Moves on when something happens that may change what is known.
-    [[nodiscard]] quint64 moment() const { return m_moment; }
     void release(Handle handle, qint32 received);
     SubscriptionPtr subscribe(Handle handle, const QString &event, EventHandler handler);
     void leave();
@@ -103,8 +82,6 @@ class ClientConnection final : public Channel {
     /// Released handles cross with the next request, from the event loop, or when there are so many of them.
     static constexpr qsizetype batch = 256;
 
-    void learn(std::vector<wire::Along> along) const;
-    void moveOn();
     void enqueueReleases();
     void sendReleases();
 
@@ -114,9 +91,6 @@ class ClientConnection final : public Channel {
     bool m_releasesArePosted = false;
     QHash<quint32, std::shared_ptr<EventHandler>> m_handlers;
     quint32 m_lastSubscription = 0;
-    quint64 m_moment = 1;
-    /// The one that has answers.
-    std::weak_ptr<RemoteObject> m_askedAhead;
 };
 
 class ClientConnection::RemoteSubscription : public Subscription {
@@ -144,62 +118,13 @@ ObjectPtr ClientConnection::greet() {
 
 Frame ClientConnection::ask(Frame frame) {
     enqueueReleases();
-    if (frame.kind != FrameKind::Get)
-        moveOn();
-    const quint64 asked = m_moment;
-    Frame answer = request(std::move(frame));
-    // A handler that ran meanwhile may have changed what the answer tells of.
-    if (asked == m_moment)
-        learn(std::move(answer.along));
-    return answer;
+    return request(std::move(frame));
 }
 
 void ClientConnection::tell(const Frame &frame) {
-    moveOn();
     enqueueReleases();
     // What is too long to be sent fails as it would have failed there.
     Attempt([&] { post(frame); });
-}
-
-void ClientConnection::askAhead(RemoteObject &object, const std::vector<Question> &questions) {
-    enqueueReleases();
-    std::vector<Frame> frames;
-    frames.reserve(questions.size());
-    for (const Question &question : questions)
-        frames.push_back({.kind = FrameKind::Call,
-                          .target = object.handle(),
-                          .text = question.member,
-                          .values = question.arguments});
-    moveOn();
-    const quint64 asked = m_moment;
-    std::vector<std::optional<Frame>> answers = requestAll(std::move(frames));
-    if (asked != m_moment)
-        return;
-    m_askedAhead = object.weak_from_this();
-    // The answers must not keep objects of the host for a program that does something else now.
-    Hub::ofThisThread().later([self = weak_from_this(), asked] {
-        const std::shared_ptr<Channel> channel = self.lock();
-        if (channel && static_cast<ClientConnection &>(*channel).m_moment == asked)
-            static_cast<ClientConnection &>(*channel).moveOn();
-    });
-    for (std::size_t i = 0; i < answers.size(); ++i) {
-        if (!answers[i])
-            continue;
-        learn(std::move(answers[i]->along));
-        object.knowledge().keep(asked, questions[i], answers[i]->values.value(0));
-    }
-}
-
-void ClientConnection::moveOn() {
-    ++m_moment;
-    if (const std::shared_ptr<RemoteObject> object = m_askedAhead.lock())
-        object->knowledge().forgetAnswers();
-    m_askedAhead.reset();
-}
-
-void ClientConnection::learn(std::vector<wire::Along> along) const {
-    for (wire::Along &told : along)
-        static_cast<RemoteObject &>(*told.object).knowledge().keep(m_moment, std::move(told.values));
 }
 
 void ClientConnection::release(Handle handle, qint32 received) {
@@ -273,9 +198,6 @@ ValueList ClientConnection::carryOut(const Frame &frame) {
     if (!handler)
         return {};
     ValueList arguments = frame.values;
-    moveOn();
-    const auto later = qScopeGuard([this] { moveOn(); });
-    learn(frame.along);
     // As among the host's own subscribers, a failure ends here and what was changed before it counts.
     Attempt([&] { (*handler)(arguments); });
     ValueList changes;
@@ -286,7 +208,6 @@ ValueList ClientConnection::carryOut(const Frame &frame) {
 }
 
 void ClientConnection::ended(bool byPeer) {
-    moveOn();
     m_releases.clear();
     const auto handlers = std::exchange(m_handlers, {});
     if (byPeer) {
@@ -300,91 +221,57 @@ void ClientConnection::ended(bool byPeer) {
     }
 }
 
-void Knowledge::startAt(quint64 moment) {
-    if (!standsAt(moment)) {
-        m_values.clear();
-        m_answers.clear();
-    }
-    m_moment = moment;
-    m_since = std::chrono::steady_clock::now();
-}
-
-void Knowledge::keep(quint64 moment, std::vector<KnownValue> values) {
-    startAt(moment);
-    const auto constants = std::ranges::stable_partition(values, [](const KnownValue &v) { return !v.isConstant; });
-    m_constants.assign(std::move_iterator(constants.begin()), std::move_iterator(constants.end()));
-    values.erase(constants.begin(), constants.end());
-    m_values = std::move(values);
-}
-
-void Knowledge::keep(quint64 moment, Question question, Value answer) {
-    startAt(moment);
-    m_answers.emplace_back(std::move(question), std::move(answer));
-}
-
-bool Knowledge::standsAt(quint64 moment) const {
-    return m_moment == moment && std::chrono::steady_clock::now() - m_since <= longest;
-}
-
-std::optional<Value> Knowledge::value(quint64 moment, const QString &member) const {
-    const auto among = [&](const std::vector<KnownValue> &values) -> std::optional<Value> {
-        for (const KnownValue &known : values) {
-            if (known.member.compare(member, Qt::CaseInsensitive) == 0)
-                return known.value;
-        }
-        return std::nullopt;
-    };
-    std::optional<Value> constant = among(m_constants);
-    if (constant || m_values.empty() || !standsAt(moment))
-        return constant;
-    return among(m_values);
-}
-
-std::optional<Value> Knowledge::answer(quint64 moment, const QString &member, const ValueList &arguments) const {
-    if (m_answers.empty() || !standsAt(moment))
-        return std::nullopt;
-    for (const auto &[question, answer] : m_answers) {
-        if (question.member.compare(member, Qt::CaseInsensitive) == 0 && question.arguments == arguments)
-            return answer;
-    }
-    return std::nullopt;
-}
-
 RemoteObject::~RemoteObject() { m_connection->release(m_handle, m_received); }
 
-Value RemoteObject::ask(FrameKind kind, const QString &member, const ValueList &values) {
+ValueList RemoteObject::request(FrameKind kind, const QString &member, const ValueList &values) {
     const std::shared_ptr<RemoteObject> alive = shared_from_this();
-    Frame answer = m_connection->ask({.kind = kind, .target = m_handle, .text = member, .values = values});
-    return answer.values.isEmpty() ? Value() : answer.values.takeFirst();
+    return m_connection->ask({.kind = kind, .target = m_handle, .text = member, .values = values}).values;
+}
+
+const Value *RemoteObject::constant(const QString &member) const {
+    for (const Constant &known : m_constants) {
+        if (known.member.compare(member, Qt::CaseInsensitive) == 0)
+            return &known.value;
+    }
+    return nullptr;
 }
 
 Value RemoteObject::get(const QString &member) {
-    const quint64 moment = m_connection->moment();
-    std::optional<Value> known = m_knowledge.value(moment, member);
-    if (!known)
-        known = m_knowledge.answer(moment, member, {});
-    return known ? std::move(*known) : ask(FrameKind::Get, member, {});
+    const Value *known = constant(member);
+    return known ? *known : request(FrameKind::Get, member, {}).value(0);
 }
 
-void RemoteObject::put(const QString &member, const Value &value) { ask(FrameKind::Put, member, {value}); }
+void RemoteObject::put(const QString &member, const Value &value) { request(FrameKind::Put, member, {value}); }
 
 Value RemoteObject::call(const QString &member, const ValueList &arguments) {
-    std::optional<Value> known = m_knowledge.answer(m_connection->moment(), member, arguments);
-    return known ? std::move(*known) : ask(FrameKind::Call, member, arguments);
+    return request(FrameKind::Call, member, arguments).value(0);
 }
 
-void RemoteObject::ahead(const std::vector<Question> &questions) {
-    const std::shared_ptr<RemoteObject> alive = shared_from_this();
-    m_connection->askAhead(*this, questions);
+std::vector<Outcome> RemoteObject::askAll(const std::vector<Path> &questions) {
+    ValueList paths;
+    for (const Path &path : questions)
+        paths << wire::packed(path);
+    ValueList found;
+    const auto failure = Attempt([&] { found = request(FrameKind::Ask, {}, paths); });
+    std::vector<Outcome> answers;
+    // Answers that are too large together may cross one by one.
+    if (failure && failure->number() == failures::outOfMemory && questions.size() > 1) {
+        for (const Path &path : questions)
+            answers.push_back(askAll({path}).front());
+        return answers;
+    }
+    for (qsizetype i = 0; i < paths.size(); ++i)
+        answers.push_back(failure ? Outcome(*failure) : outcomeOf(found.value(i)));
+    return answers;
 }
 
-Value RemoteObject::callThrough(const Path &path, const QString &member, const ValueList &arguments) {
-    return ask(FrameKind::Through, member, wire::packed(path, arguments));
+void RemoteObject::putThrough(const Path &path, const QString &member, const Value &value) {
+    request(FrameKind::PutThrough, member, {wire::packed(path), value});
 }
 
 void RemoteObject::tryPut(const Path &path, const QString &member, const Value &value) {
     m_connection->tell(
-        {.kind = FrameKind::TryPut, .target = m_handle, .text = member, .values = wire::packed(path, {value})});
+        {.kind = FrameKind::TryPut, .target = m_handle, .text = member, .values = {wire::packed(path), value}});
 }
 
 SubscriptionPtr RemoteObject::connect(const QString &event, EventHandler handler) {
@@ -430,6 +317,8 @@ std::unique_ptr<Client> Client::connect(const QString &socketPath, std::function
 }
 
 const ObjectPtr &Client::root() const { return m_implementation->root; }
+
+quint64 Client::roundTrips() const { return m_implementation->connection->roundTrips(); }
 
 bool Client::isConnected() const { return m_implementation->connection->isOpen(); }
 

@@ -88,15 +88,15 @@ Value LocalObject::call(const QString &member, const ValueList &arguments) {
     throw Failure(failures::wrongNumberOfArguments);
 }
 
-std::vector<KnownValue> LocalObject::sentAlong() {
-    std::vector<KnownValue> values;
-    for (const auto &[name, property] : members().sentAlong()) {
-        const std::optional<Failure> failure = Attempt([&] {
-            values.push_back({name, readProperty(m_exposed, property), property.constant});
-        });
+std::vector<Constant> LocalObject::constants() {
+    std::vector<Constant> values;
+    for (const auto &[name, property] : members().constants()) {
         // What can't be told now is asked for, and fails then.
-        if (!failure && values.back().value.isObject())
-            values.pop_back();
+        Attempt([&] {
+            Value value = readProperty(m_exposed, property);
+            if (!value.isObject() && !value.isArray())
+                values.push_back({name, std::move(value)});
+        });
     }
     return values;
 }

@@ -7,11 +7,10 @@
 /// - each signal that `Q_CLASSINFO("Events", "Open CloseEvent")` names, of the class or of a base, as an event, whose
 ///   `bool *` parameters are by reference; for an event that has another member's name, the signal `CloseEvent` is the
 ///   event `Close`. Any other signal, such as a property's NOTIFY, stays inside the host.
-/// The properties that `Q_CLASSINFO("SentAlong", "Name Address")` names are told with each reference to an object; a
-/// client need not ask again for those among them that are CONSTANT.
+/// What is declared CONSTANT is told to a client with the first reference to the object, and not asked for.
 /// Names match without regard to case. Types that cross: `Value`, `QString`, `bool`, `qint16`, `int`, `double`,
-/// `Currency`, `DateTime`; objects travel as a `Value`. A property, function or signal with any other type stays
-/// internal to the host, as do slots and everything that `QObject` itself declares.
+/// `Currency`, `DateTime`, `ValueList`; objects travel as a `Value`. A property, function or signal with any other type
+/// stays internal to the host, as do slots and everything that `QObject` itself declares.
 #pragma once
 
 #include "automation/object.h"
@@ -39,7 +38,7 @@ class LocalObject final : public Object {
     void put(const QString &member, const Value &value) override;
     Value call(const QString &member, const ValueList &arguments) override;
     [[nodiscard]] SubscriptionPtr connect(const QString &event, EventHandler handler) override;
-    [[nodiscard]] std::vector<KnownValue> sentAlong() override;
+    [[nodiscard]] std::vector<Constant> constants() override;
 
     [[nodiscard]] Exposed &exposed() const { return m_exposed; }
 

@@ -14,11 +14,11 @@ namespace {
 
 std::optional<Kind> kindOf(QMetaType type) {
     static const std::pair<QMetaType, Kind> kinds[] = {
-        {QMetaType::fromType<void>(), Kind::None},      {QMetaType::fromType<Value>(), Kind::Any},
-        {QMetaType::fromType<QString>(), Kind::Text},   {QMetaType::fromType<bool>(), Kind::Boolean},
-        {QMetaType::fromType<qint16>(), Kind::Int16},   {QMetaType::fromType<qint32>(), Kind::Int32},
-        {QMetaType::fromType<double>(), Kind::Double},  {QMetaType::fromType<Currency>(), Kind::Money},
-        {QMetaType::fromType<DateTime>(), Kind::Moment}};
+        {QMetaType::fromType<void>(), Kind::None},       {QMetaType::fromType<Value>(), Kind::Any},
+        {QMetaType::fromType<QString>(), Kind::Text},    {QMetaType::fromType<bool>(), Kind::Boolean},
+        {QMetaType::fromType<qint16>(), Kind::Int16},    {QMetaType::fromType<qint32>(), Kind::Int32},
+        {QMetaType::fromType<double>(), Kind::Double},   {QMetaType::fromType<Currency>(), Kind::Money},
+        {QMetaType::fromType<DateTime>(), Kind::Moment}, {QMetaType::fromType<ValueList>(), Kind::Array}};
     for (const auto &[known, kind] : kinds)
         if (known == type)
             return kind;
@@ -90,6 +90,9 @@ void TypedSlot::prepare(Kind kind) {
     case Kind::Moment:
         m_held.emplace<DateTime>();
         break;
+    case Kind::Array:
+        m_held.emplace<ValueList>();
+        break;
     case Kind::None:
     case Kind::BooleanReference:
         m_held.emplace<std::monostate>();
@@ -127,6 +130,9 @@ void TypedSlot::assign(Kind kind, const Value &value) {
     case Kind::Moment:
         m_held = toDateTime(value);
         break;
+    case Kind::Array:
+        m_held = value.array();
+        break;
     default:
         throw Failure(failures::typeMismatch);
     }
@@ -149,7 +155,7 @@ Value TypedSlot::take() {
             if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::monostate>)
                 return {};
             else
-                return std::move(held);
+                return Value(std::move(held));
         },
         m_held);
 }
@@ -172,6 +178,8 @@ Value readArgument(Kind kind, void *address) {
         return *static_cast<const Currency *>(address);
     case Kind::Moment:
         return *static_cast<const DateTime *>(address);
+    case Kind::Array:
+        return Value(*static_cast<const ValueList *>(address));
     case Kind::BooleanReference:
         return **static_cast<bool *const *>(address);
     case Kind::None:
@@ -201,16 +209,19 @@ MemberTable::MemberTable(const QMetaObject &metaObject)
     : m_className(QString::fromLatin1(metaObject.className()).section(QStringLiteral("::"), -1)) {
     addProperties(metaObject);
     addMethods(metaObject);
-    addSentAlong(metaObject);
 }
 
 void MemberTable::addProperties(const QMetaObject &metaObject) {
     for (int i = Exposed::staticMetaObject.propertyCount(); i < metaObject.propertyCount(); ++i) {
         const QMetaProperty property = metaObject.property(i);
         const std::optional<Kind> kind = kindOf(property.metaType());
-        if (kind && property.isReadable())
-            m_members[QString::fromLatin1(property.name())].property = {i, *kind, property.isWritable(),
-                                                                        property.isConstant()};
+        if (!kind || !property.isReadable())
+            continue;
+        const QString name = QString::fromLatin1(property.name());
+        const Property made{i, *kind, property.isWritable()};
+        m_members[name].property = made;
+        if (property.isConstant())
+            m_constants.emplace_back(name, made);
     }
 }
 
@@ -236,17 +247,6 @@ void MemberTable::addMethods(const QMetaObject &metaObject) {
                           [&](const Function &other) { return other.parameters.size() == parameters->size(); });
             functions.push_back({i, *result, std::move(*parameters)});
         }
-    }
-}
-
-void MemberTable::addSentAlong(const QMetaObject &metaObject) {
-    const int index = metaObject.indexOfClassInfo("SentAlong");
-    if (index < 0)
-        return;
-    for (const QString &name : QString::fromLatin1(metaObject.classInfo(index).value()).split(u' ')) {
-        const Member *member = find(name);
-        Q_ASSERT(member && member->property);
-        m_sentAlong.emplace_back(name, *member->property);
     }
 }
 

@@ -11,7 +11,7 @@
 namespace automation {
 
 /// The types that cross.
-enum class Kind { None, Any, Text, Boolean, Int16, Int32, Double, Money, Moment, BooleanReference };
+enum class Kind { None, Any, Text, Boolean, Int16, Int32, Double, Money, Moment, Array, BooleanReference };
 
 /// Room for one argument or result in its declared type, as the meta-object's calls want it.
 class TypedSlot {
@@ -25,7 +25,7 @@ class TypedSlot {
     [[nodiscard]] Value take();
 
   private:
-    std::variant<std::monostate, Value, QString, bool, qint16, qint32, double, Currency, DateTime> m_held;
+    std::variant<std::monostate, Value, QString, bool, qint16, qint32, double, Currency, DateTime, ValueList> m_held;
 };
 
 /// The value at the address that a signal passed for a parameter.
@@ -37,7 +37,6 @@ class MemberTable {
         int index;
         Kind kind;
         bool writable;
-        bool constant;
     };
     struct Function {
         int index;
@@ -62,14 +61,13 @@ class MemberTable {
     static const MemberTable &of(const QMetaObject &metaObject);
 
     [[nodiscard]] const Member *find(const QString &name) const;
-    /// The properties that are told with a reference, by name.
-    [[nodiscard]] const std::vector<std::pair<QString, Property>> &sentAlong() const { return m_sentAlong; }
+    /// The properties that never change, by name.
+    [[nodiscard]] const std::vector<std::pair<QString, Property>> &constants() const { return m_constants; }
     [[nodiscard]] const QString &className() const { return m_className; }
 
   private:
     explicit MemberTable(const QMetaObject &metaObject);
     void addProperties(const QMetaObject &metaObject);
-    void addSentAlong(const QMetaObject &metaObject);
     void addMethods(const QMetaObject &metaObject);
 
     struct Hash {
@@ -81,7 +79,7 @@ class MemberTable {
         }
     };
     std::unordered_map<QString, Member, Hash, Equal> m_members;
-    std::vector<std::pair<QString, Property>> m_sentAlong;
+    std::vector<std::pair<QString, Property>> m_constants;
     QString m_className;
 };
 

@@ -2,29 +2,44 @@
 
 namespace automation {
 
-ObjectPtr follow(Object &from, const Path &path) {
-    ObjectPtr object;
+Value follow(Object &from, std::span<const Question> path) {
+    if (path.empty())
+        throw Failure(failures::invalidCall);
     Object *at = &from;
-    for (const Question &step : path) {
-        const Value found = step.arguments.isEmpty() ? at->get(step.member) : at->call(step.member, step.arguments);
-        object = found.object();
-        if (!object)
+    Value found;
+    ObjectPtr kept;
+    for (const Question &question : path) {
+        if (at == nullptr)
             throw Failure(failures::objectNotSet);
-        at = object.get();
+        found = question.arguments.isEmpty() ? at->get(question.member) : at->call(question.member, question.arguments);
+        if (&question == &path.back())
+            break;
+        kept = found.object();
+        at = kept.get();
     }
-    return object;
+    return found;
 }
 
-Value Object::callThrough(const Path &path, const QString &member, const ValueList &arguments) {
-    const ObjectPtr object = follow(*this, path);
-    return (object ? *object : *this).call(member, arguments);
+std::vector<Outcome> Object::askAll(const std::vector<Path> &questions) {
+    std::vector<Outcome> answers;
+    answers.reserve(questions.size());
+    for (const Path &path : questions) {
+        Value value;
+        const auto failure = Attempt([&] { value = follow(*this, path); });
+        answers.push_back(failure ? Outcome(*failure) : Outcome(std::move(value)));
+    }
+    return answers;
 }
 
-void Object::tryPut(const Path &path, const QString &member, const Value &value) {
-    Attempt([&] {
-        const ObjectPtr object = follow(*this, path);
-        (object ? *object : *this).put(member, value);
-    });
+void Object::putThrough(const Path &path, const QString &member, const Value &value) {
+    if (path.empty()) {
+        put(member, value);
+        return;
+    }
+    const ObjectPtr object = follow(*this, path).object();
+    if (!object)
+        throw Failure(failures::objectNotSet);
+    object->put(member, value);
 }
 
 } // namespace automation

@@ -9,6 +9,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace automation {
@@ -27,15 +29,13 @@ class Subscription {
 };
 using SubscriptionPtr = std::unique_ptr<Subscription>;
 
-/// A member and what it had as its value.
-struct KnownValue {
+/// A property that stays the same for as long as its object is there.
+struct Constant {
     QString member;
     Value value;
-    /// Whether it is the same for as long as the object is there.
-    bool isConstant = false;
 };
 
-/// A call with its arguments, or a property.
+/// A property that is read, or, with arguments, a member that is called.
 struct Question {
     QString member;
     ValueList arguments;
@@ -44,6 +44,26 @@ struct Question {
 /// The way from one object to another: the first question is asked of the one it starts from, each further one of the
 /// object that the question before gave.
 using Path = std::vector<Question>;
+
+/// What a question brought: a value or a failure.
+class Outcome {
+  public:
+    Outcome(Value value) : m_value(std::move(value)) {}
+    Outcome(Failure failure) : m_failure(std::move(failure)) {}
+
+    /// Fails as the question did.
+    [[nodiscard]] const Value &value() const {
+        if (m_failure)
+            throw Failure(*m_failure);
+        return m_value;
+    }
+    /// Nothing where there was none.
+    [[nodiscard]] const std::optional<Failure> &failure() const { return m_failure; }
+
+  private:
+    Value m_value;
+    std::optional<Failure> m_failure;
+};
 
 /// One object of a host, seen through its members.
 class Object {
@@ -66,22 +86,26 @@ class Object {
     /// where it has none. A member that is a property and takes no arguments is read.
     virtual Value call(const QString &member, const ValueList &arguments) = 0;
 
-    /// What is worth telling with a reference to the object, since who takes it asks for it next. Never an object, and
-    /// nothing that takes time to find out.
-    [[nodiscard]] virtual std::vector<KnownValue> sentAlong() { return {}; }
+    /// What never changes about the object, so that nobody need ask for it. Never an object, and nothing that takes
+    /// time to find out.
+    [[nodiscard]] virtual std::vector<Constant> constants() { return {}; }
 
-    /// Says which questions come next, none of which may change anything. Where each would have to cross to another
-    /// process, they cross together and the answers wait here; anywhere else it does nothing. It can't fail: what did
-    /// is asked again when its turn comes.
-    virtual void ahead(const std::vector<Question> &) {}
+    /// Asks several questions, each of which ends a path that begins here. They are answered in their order, each with
+    /// its own value or failure (91 where one on the way gives Nothing), and those on the way are not met: all of it is
+    /// one question where it crosses to another process, in one frame each way.
+    [[nodiscard]] virtual std::vector<Outcome> askAll(const std::vector<Path> &questions);
 
-    /// A call of the object that the path leads to, without meeting those on the way; all of it crosses to another
-    /// process at once. Fails as the first question that does, with 91 where one of the path gives Nothing.
-    virtual Value callThrough(const Path &path, const QString &member, const ValueList &arguments);
+    /// The one question at the end of a path. Fails as it did.
+    Value ask(const Path &path) { return askAll({path}).front().value(); }
 
-    /// Writes a property of the object that the path leads to, of this one where it is empty, if that can be done.
-    /// Nobody waits for it or learns of a failure; what is asked afterwards finds it written.
-    virtual void tryPut(const Path &path, const QString &member, const Value &value);
+    /// Writes a property of the object that the path leads to, of this one where it is empty. Fails as the first
+    /// question of the path that does, or as the writing.
+    virtual void putThrough(const Path &path, const QString &member, const Value &value);
+
+    /// The same where nobody waits for it or learns of a failure; what is asked afterwards finds it written.
+    virtual void tryPut(const Path &path, const QString &member, const Value &value) {
+        Attempt([&] { putThrough(path, member, value); });
+    }
 
     /// Connects a handler to an event. Handlers run synchronously, in the order of their connection, while the raiser
     /// waits; a handler may use any object, the raising one included. A `Failure` that leaves a handler is dropped.
@@ -92,8 +116,7 @@ class Object {
     [[nodiscard]] virtual bool isSame(const Object &other) const { return this == &other; }
 };
 
-/// The object at the end of a path; null for an empty path. Fails as the first question that does, with 91 where one
-/// gives Nothing.
-ObjectPtr follow(Object &from, const Path &path);
+/// What the last question of a path brings. Fails as the first one that does, with 5 for an empty path.
+Value follow(Object &from, std::span<const Question> path);
 
 } // namespace automation

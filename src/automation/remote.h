@@ -8,7 +8,8 @@
 ///
 /// Failures beyond those of the object itself: `failures::peerGone` for every pending and later call once the peer has
 /// ended, `failures::peerStuck` when the peer is there but neither answers nor shows a sign of life,
-/// `failures::disconnected` for an object whose handle is no longer held.
+/// `failures::disconnected` for an object whose handle is no longer held, `failures::outOfStack` for every pending and
+/// later call of a connection whose two ends called each other back without an end.
 ///
 /// A `Server`, a `Client` and the handles they gave belong to the thread that made them.
 #pragma once
@@ -84,6 +85,8 @@ class Client {
 
     [[nodiscard]] const ObjectPtr &root() const;
     [[nodiscard]] bool isConnected() const;
+    /// How often it has waited for an answer of the host.
+    [[nodiscard]] quint64 roundTrips() const;
 
   private:
     class Implementation;

@@ -40,8 +40,9 @@ class ServerConnection final : public Channel {
         qint32 given = 0; ///< how often the client has been given it and has not released it yet
     };
 
-    Value perform(const Frame &frame);
-    Value performThrough(const Frame &frame);
+    ValueList perform(const Frame &frame);
+    ValueList answersOf(const Frame &frame);
+    void putThrough(const Frame &frame);
     Value greet(const Frame &frame);
     Object &held(Handle handle) const;
     void connectEvent(const Frame &frame);
@@ -65,8 +66,9 @@ wire::ObjectTable::Reference ServerConnection::give(const ObjectPtr &object) {
         handle = m_lastHandle;
         m_held.insert(handle, {object, 0});
     }
-    ++m_held[handle].given;
-    return {handle, object->typeName(), object->sentAlong()};
+    Held &held = m_held[handle];
+    const bool isFirst = ++held.given == 1;
+    return {handle, object->typeName(), isFirst ? object->constants() : std::vector<Constant>()};
 }
 
 ObjectPtr ServerConnection::take(const Reference &reference) { return m_held.value(reference.handle).object; }
@@ -82,8 +84,7 @@ ValueList ServerConnection::carryOut(const Frame &frame) {
     const auto back = qScopeGuard([previous = servedClient] { servedClient = previous; });
     servedClient = m_number;
     try {
-        const Value result = perform(frame);
-        return result.isEmpty() ? ValueList() : ValueList{result};
+        return perform(frame);
     } catch (const Failure &) {
         throw;
     } catch (const std::exception &fault) {
@@ -92,20 +93,24 @@ ValueList ServerConnection::carryOut(const Frame &frame) {
     }
 }
 
-Value ServerConnection::perform(const Frame &frame) {
+ValueList ServerConnection::perform(const Frame &frame) {
+    const auto one = [](const Value &result) { return result.isEmpty() ? ValueList() : ValueList{result}; };
     switch (frame.kind) {
     case FrameKind::Hello:
-        return greet(frame);
+        return one(greet(frame));
     case FrameKind::Get:
-        return held(frame.target).get(frame.text);
+        return one(held(frame.target).get(frame.text));
     case FrameKind::Put:
         held(frame.target).put(frame.text, frame.values.value(0));
         return {};
     case FrameKind::Call:
-        return held(frame.target).call(frame.text, frame.values);
-    case FrameKind::Through:
+        return one(held(frame.target).call(frame.text, frame.values));
+    case FrameKind::Ask:
+        return answersOf(frame);
+    case FrameKind::PutThrough:
     case FrameKind::TryPut:
-        return performThrough(frame);
+        putThrough(frame);
+        return {};
     case FrameKind::Connect:
         connectEvent(frame);
         return {};
@@ -114,17 +119,27 @@ Value ServerConnection::perform(const Frame &frame) {
     }
 }
 
-Value ServerConnection::performThrough(const Frame &frame) {
-    ValueList values = frame.values;
-    const std::optional<Path> path = wire::unpack(values);
+ValueList ServerConnection::answersOf(const Frame &frame) {
+    std::vector<Path> questions;
+    for (const Value &value : frame.values) {
+        std::optional<Path> path = wire::unpacked(value);
+        if (!path)
+            throw Failure(failures::invalidCall);
+        questions.push_back(std::move(*path));
+    }
+    ValueList answers;
+    for (const Outcome &answer : held(frame.target).askAll(questions)) {
+        const std::optional<Failure> &failure = answer.failure();
+        answers << Value(failure ? ValueList{failure->number(), failure->description()} : ValueList{answer.value()});
+    }
+    return answers;
+}
+
+void ServerConnection::putThrough(const Frame &frame) {
+    const std::optional<Path> path = wire::unpacked(frame.values.value(0));
     if (!path)
         throw Failure(failures::invalidCall);
-    const ObjectPtr found = follow(held(frame.target), *path);
-    Object &object = found ? *found : held(frame.target);
-    if (frame.kind == FrameKind::Through)
-        return object.call(frame.text, values);
-    object.put(frame.text, values.value(0));
-    return {};
+    held(frame.target).putThrough(*path, frame.text, frame.values.value(1));
 }
 
 Value ServerConnection::greet(const Frame &frame) {

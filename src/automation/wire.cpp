@@ -20,13 +20,17 @@ enum class Tag : quint8 {
     Text = 10,
     Nothing = 11,
     Object = 12,
+    Array = 13,
 };
 
 /// Kind, call, target, number, the text's and the values' count.
 constexpr quint32 smallestBody = 1 + 5 * 4;
 
-/// More than any reference tells.
-constexpr quint32 mostAlong = 64;
+/// More than any class has.
+constexpr quint32 mostConstants = 64;
+
+/// More steps than any use has.
+constexpr qsizetype longestPath = 8;
 
 class Writer {
   public:
@@ -42,7 +46,15 @@ class Writer {
     }
 
     void value(const Value &value) {
+        if (++m_values > mostValues)
+            throw Failure(failures::outOfMemory, QStringLiteral("There are too many values to be sent at once."));
         std::visit([this](const auto &held) { write(held); }, value.held());
+    }
+
+    void values(const ValueList &values) {
+        number(static_cast<quint32>(values.size()));
+        for (const Value &each : values)
+            value(each);
     }
 
   private:
@@ -72,12 +84,18 @@ class Writer {
         const ObjectTable::Reference reference = m_objects.give(held);
         tagged(Tag::Object, reference.handle);
         text(reference.typeName);
-        number(static_cast<quint32>(reference.along.size()));
-        for (const KnownValue &known : reference.along) {
-            text(known.member);
-            value(known.value);
-            number(known.isConstant);
+        number(static_cast<quint32>(reference.constants.size()));
+        for (const Constant &constant : reference.constants) {
+            text(constant.member);
+            value(constant.value);
         }
+    }
+    void write(const ValueList &held) {
+        if (++m_depth > deepestArray)
+            throw Failure(failures::invalidCall, QStringLiteral("The arrays are nested too deep to be sent."));
+        number(Tag::Array);
+        values(held);
+        --m_depth;
     }
     template <class Number>
     void tagged(Tag tag, Number held) {
@@ -87,6 +105,8 @@ class Writer {
 
     std::vector<char> &m_bytes;
     ObjectTable &m_objects;
+    qsizetype m_values = 0;
+    int m_depth = 0;
 };
 
 /// Reads on until something is malformed; from then on everything reads as zero and `isWhole` is false.
@@ -113,6 +133,7 @@ class Reader {
     }
 
     Value value() {
+        m_whole = m_whole && ++m_values <= mostValues;
         switch (number<Tag>()) {
         case Tag::Empty:
             return {};
@@ -140,6 +161,8 @@ class Reader {
             return Value::nothing();
         case Tag::Object:
             return object();
+        case Tag::Array:
+            return array();
         }
         m_whole = false;
         return {};
@@ -162,7 +185,6 @@ class Reader {
     [[nodiscard]] bool isWhole() const { return m_whole; }
     [[nodiscard]] bool atEnd() const { return m_rest.empty(); }
     [[nodiscard]] bool metStaleObject() const { return m_staleObject; }
-    [[nodiscard]] std::vector<Along> takeAlong() { return std::exchange(m_along, {}); }
 
   private:
     const char *raw(std::size_t size) {
@@ -175,80 +197,76 @@ class Reader {
         return from;
     }
 
+    Value array() {
+        if (++m_depth > deepestArray || m_isConstant) {
+            m_whole = false;
+            return {};
+        }
+        Value array(values());
+        --m_depth;
+        return array;
+    }
+
     Value object() {
+        if (m_isConstant) {
+            m_whole = false;
+            return {};
+        }
         ObjectTable::Reference reference{number<Handle>(), text()};
-        reference.along = known();
+        reference.constants = constants();
         if (!m_whole)
             return {};
         ObjectPtr object = m_objects.take(reference);
         m_staleObject |= object == nullptr;
-        if (object && !reference.along.empty())
-            m_along.push_back({object, std::move(reference.along)});
         return object;
     }
 
-    std::vector<KnownValue> known() {
+    std::vector<Constant> constants() {
         const auto count = number<quint32>();
-        if (count > mostAlong || m_isAlong) {
-            m_whole = m_whole && count == 0;
-            return {};
-        }
-        m_isAlong = true;
-        std::vector<KnownValue> values;
+        m_whole = m_whole && count <= mostConstants;
+        m_isConstant = true;
+        std::vector<Constant> constants;
         for (quint32 i = 0; i < count && m_whole; ++i) {
             QString member = text();
-            values.push_back({std::move(member), value()});
-            values.back().isConstant = number<quint8>() != 0;
-            m_whole = m_whole && !values.back().value.isObject();
+            Value constant = value();
+            m_whole = m_whole && !constant.isObject();
+            constants.push_back({std::move(member), std::move(constant)});
         }
-        m_isAlong = false;
-        return values;
+        m_isConstant = false;
+        return constants;
     }
 
     std::span<const char> m_rest;
     ObjectTable &m_objects;
-    std::vector<Along> m_along;
+    qsizetype m_values = 0;
+    int m_depth = 0;
     bool m_whole = true;
     bool m_staleObject = false;
-    bool m_isAlong = false;
+    bool m_isConstant = false;
 };
 
-bool isKnown(FrameKind kind) { return kind >= FrameKind::Hello && kind <= FrameKind::TryPut; }
-
-/// More steps than any use has.
-constexpr qint32 longestPath = 8;
+bool isKnown(FrameKind kind) { return kind >= FrameKind::Hello && kind <= FrameKind::Farewell; }
 
 } // namespace
 
-ValueList packed(const Path &path, const ValueList &behind) {
-    ValueList values{static_cast<qint32>(path.size())};
-    for (const Question &step : path)
-        values << step.member << static_cast<qint32>(step.arguments.size()) << step.arguments;
-    return values << behind;
+Value packed(const Path &path) {
+    ValueList questions;
+    for (const Question &question : path)
+        questions << Value(ValueList{question.member} + question.arguments);
+    return Value(questions);
 }
 
-std::optional<Path> unpack(ValueList &values) {
-    const auto count = [&](qint32 most) -> std::optional<qint32> {
-        const auto *number = values.isEmpty() ? nullptr : std::get_if<qint32>(&values.constFirst().held());
-        if (!number || *number < 0 || *number > most)
-            return std::nullopt;
-        return std::get<qint32>(values.takeFirst().held());
-    };
-    const std::optional<qint32> steps = count(longestPath);
+std::optional<Path> unpacked(const Value &value) {
+    if (!value.isArray() || value.array().size() > longestPath)
+        return std::nullopt;
     Path path;
-    for (qint32 i = 0; steps && i < *steps; ++i) {
-        const auto *member = values.isEmpty() ? nullptr : std::get_if<QString>(&values.constFirst().held());
-        if (!member)
+    for (const Value &question : value.array()) {
+        const bool isWhole = question.isArray() && !question.array().isEmpty() && question.array().first().isText();
+        if (!isWhole)
             return std::nullopt;
-        path.push_back({*member, {}});
-        values.removeFirst();
-        const std::optional<qint32> arguments = count(static_cast<qint32>(values.size()) - 1);
-        if (!arguments)
-            return std::nullopt;
-        path.back().arguments = values.first(*arguments);
-        values.remove(0, *arguments);
+        path.push_back({std::get<QString>(question.array().first().held()), question.array().mid(1)});
     }
-    return steps ? std::optional(path) : std::nullopt;
+    return path;
 }
 
 void encode(std::vector<char> &bytes, const Frame &frame, ObjectTable &objects) {
@@ -261,11 +279,7 @@ void encode(std::vector<char> &bytes, const Frame &frame, ObjectTable &objects) 
         writer.number(frame.target);
         writer.number(frame.number);
         writer.text(frame.text);
-        if (frame.values.size() > mostValues)
-            throw Failure(failures::outOfMemory, QStringLiteral("There are too many values to be sent at once."));
-        writer.number(static_cast<quint32>(frame.values.size()));
-        for (const Value &value : frame.values)
-            writer.value(value);
+        writer.values(frame.values);
         const std::size_t length = bytes.size() - start - sizeof(quint32);
         if (length > largestBody)
             throw Failure(failures::outOfMemory, QStringLiteral("The value is too large to be sent."));
@@ -294,7 +308,6 @@ std::optional<Frame> decode(std::span<const char> body, ObjectTable &objects) {
     frame.number = reader.number<qint32>();
     frame.text = reader.text();
     frame.values = reader.values();
-    frame.along = reader.takeAlong();
     frame.staleObject = reader.metStaleObject();
     if (!reader.isWhole() || !reader.atEnd() || !isKnown(frame.kind))
         return std::nullopt;

@@ -64,6 +64,10 @@ TEST_P(Contract, EveryKindOfValueCrossesUnchanged) {
         Value(QString(QChar(0)) + QChar(0xD800) + QStringLiteral("x")),
         Value(QString(1 << 20, QChar(0x20AC))),
         root->get("Child"),
+        Value(ValueList()),
+        Value(
+            ValueList{1, "two", Value(), Value(ValueList{Value::Null{}, root->get("Child"), Value(ValueList{true})})}),
+        Value(ValueList(5000, "Caller, Cal")),
     };
     for (const Value &value : values) {
         EXPECT_EQ(root->call("Echo", {value}), value) << value.kindName().toStdString();
@@ -97,6 +101,11 @@ TEST_P(Contract, PropertiesTakeWhatHasTheirForm) {
         {"Price", "1.5", Currency::fromScaled(15000)},
         {"When", 1.5, DateTime{1.5}},
         {"When", "someday", "failure 13"},
+        {"List", Value(ValueList{1, "two"}), Value(ValueList{1, "two"})},
+        {"List", "no list", "failure 13"},
+        {"List", Value::nothing(), "failure 13"},
+        {"Name", Value(ValueList{"in an array"}), "failure 13"},
+        {"Number", Value(ValueList{1}), "failure 13"},
         {"Saves", 1, "failure 438"},
         {"Nowhere", 1, "failure 438"},
         {"Lines", "internal", "failure 438"},
@@ -293,33 +302,29 @@ TEST_P(Contract, AnObjectIsDroppedByAHandlerOfItsOwnEvent) {
     EXPECT_TRUE(eventually([&] { return root->get("LivingChildren") == Value(0); }));
 }
 
-TEST_P(Contract, WhatIsKnownIsNeverOlderThanWhatWasDone) {
+TEST_P(Contract, EachQuestionFindsWhatIsThereThen) {
     const ObjectPtr child = root->get("Child").object();
-    EXPECT_EQ(child->get("Name"), Value("unnamed"));
-    child->put("Name", "put");
-    EXPECT_EQ(child->get("name"), Value("put"));
-    const SubscriptionPtr write = root->connect("Write", [&](ValueList &) {
-        EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
-        child->put("Name", "in a handler");
-        EXPECT_EQ(child->get("Name"), Value("in a handler"));
+    for (const char *name : {"one", "two"}) {
+        // As another program would change it, unseen from here.
+        root->tryPut({{"Child", {}}}, "Name", name);
+        EXPECT_EQ(child->get("Name"), Value(name));
+        EXPECT_EQ(root->get("Child").object()->get("name"), Value(name));
+    }
+}
+
+TEST_P(Contract, ArraysComeWithEventsAndAsResults) {
+    const ValueList values{1, Value(ValueList{"in", "an array"}), root->get("Child")};
+    ValueList seen;
+    const SubscriptionPtr listed = root->connect("Listed", [&](ValueList &arguments) {
+        seen = arguments;
+        arguments[0] = Value(ValueList{"changed"});
     });
-    EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
-    root->call("Save", {});
-    EXPECT_EQ(child->get("Name"), Value("in a handler"));
+    EXPECT_EQ(root->call("RaiseListed", {Value(values)}), Value(values));
+    EXPECT_EQ(seen, (ValueList{Value(values), Value(values)}));
+    EXPECT_EQ(failureOf([&] { root->call("RaiseListed", {1}); }), failures::typeMismatch);
 }
 
-TEST_P(Contract, WhatCameWithAReferenceIsNotAskedAgain) {
-    // Now and then the machine takes so long that it is too old.
-    EXPECT_TRUE(eventually([&] {
-        const int before = toInt32(root->get("ChildNameReads"));
-        const ObjectPtr child = root->get("Child").object();
-        for (int i = 0; i < 3; ++i)
-            EXPECT_EQ(child->get("Name"), Value("unnamed"));
-        return toInt32(root->get("ChildNameReads")) - before == (isRemote() ? 1 : 3);
-    }));
-}
-
-TEST_P(Contract, WhatIsConstantIsAskedOnce) {
+TEST_P(Contract, WhatIsConstantIsToldOnce) {
     const ObjectPtr child = root->get("Child").object();
     for (int i = 0; i < 3; ++i) {
         child->put("Name", QString::number(i));
@@ -329,11 +334,12 @@ TEST_P(Contract, WhatIsConstantIsAskedOnce) {
 }
 
 TEST_P(Contract, APathLeadsThroughObjectsThatAreNotMet) {
-    const Path toNew{{"NewChild", {"new"}}};
-    EXPECT_EQ(root->callThrough(toNew, "Describe", {}), Value("inner new"));
-    EXPECT_EQ(root->callThrough({}, "Add", {1, 2}), Value(3));
-    EXPECT_EQ(root->callThrough({{"Echo", {root->get("Child")}}}, "Name", {}), Value("unnamed"));
-    root->tryPut({{"Child", {}}}, "Name", "put");
+    EXPECT_EQ(root->ask({{"NewChild", {"new"}}, {"Describe", {}}}), Value("inner new"));
+    EXPECT_EQ(root->ask({{"Add", {1, 2}}}), Value(3));
+    EXPECT_EQ(root->ask({{"Echo", {root->get("Child")}}, {"Name", {}}}), Value("unnamed"));
+    root->tryPut({{"Child", {}}}, "Name", "tried");
+    EXPECT_EQ(root->get("Child").object()->get("Name"), Value("tried"));
+    root->putThrough({{"Child", {}}}, "Name", "put");
     EXPECT_EQ(root->get("Child").object()->get("Name"), Value("put"));
     EXPECT_EQ(root->get("LivingChildren"), Value(0)) << "what was met on the way is kept";
     const std::pair<Path, qint32> failing[] = {{{{"Nowhere", {}}}, failures::memberMissing},
@@ -341,10 +347,48 @@ TEST_P(Contract, APathLeadsThroughObjectsThatAreNotMet) {
                                                {{{"Number", {}}}, failures::objectRequired},
                                                {{{"Echo", {Value::nothing()}}}, failures::objectNotSet}};
     for (const auto &[path, number] : failing) {
-        EXPECT_EQ(failureOf([&] { root->callThrough(path, "Name", {}); }), number);
+        Path toName = path;
+        toName.push_back({"Name", {}});
+        EXPECT_EQ(failureOf([&] { root->ask(toName); }), number);
+        EXPECT_EQ(failureOf([&] { root->putThrough(path, "Name", "nowhere"); }), number);
         root->tryPut(path, "Name", "nowhere");
     }
-    EXPECT_EQ(failureOf([&] { root->callThrough({{"Child", {}}}, "Nowhere", {}); }), failures::memberMissing);
+    EXPECT_EQ(failureOf([&] { root->putThrough({{"Child", {}}}, "Nowhere", 1); }), failures::memberMissing);
+    EXPECT_EQ(failureOf([&] { root->ask({}); }), failures::invalidCall);
+}
+
+TEST_P(Contract, OfSeveralQuestionsEachHasItsOwnOutcome) {
+    root->put("Number", 7);
+    const std::vector<Path> questions{{{"Number", {}}},
+                                      {{"Fail", {5, "refused"}}},
+                                      {{"Child", {}}, {"Name", {}}},
+                                      {{"Kind", {}}},
+                                      {{"Nowhere", {}}},
+                                      {{"Echo", {Value(ValueList{Value(ValueList{1})})}}},
+                                      {{"NewChild", {"asked for"}}}};
+    std::vector<Outcome> outcomes = root->askAll(questions);
+    ASSERT_EQ(outcomes.size(), questions.size());
+    root->put("Number", 8);
+    EXPECT_EQ(outcomes[0].value(), Value(7)) << "as it was when it was asked";
+    ASSERT_TRUE(outcomes[1].failure());
+    EXPECT_EQ(outcomes[1].failure()->description(), "refused");
+    EXPECT_EQ(outcomes[2].value(), Value("unnamed"));
+    EXPECT_EQ(outcomes[3].value(), Value("sample"));
+    EXPECT_EQ(failureOf([&] { (void)outcomes[4].value(); }), failures::memberMissing);
+    EXPECT_EQ(outcomes[5].value(), Value(ValueList{Value(ValueList{1})}));
+    EXPECT_EQ(outcomes[6].value().object()->get("Name"), Value("asked for"));
+    EXPECT_TRUE(root->askAll({}).empty());
+    outcomes.clear();
+    EXPECT_TRUE(eventually([&] { return root->get("LivingChildren") == Value(0); })) << "an answer is kept for ever";
+}
+
+TEST_P(Contract, AnswersThatAreTooLargeTogetherComeOneByOne) {
+    const QString large(20 << 20, u'x');
+    root->put("Anything", large);
+    const std::vector<Outcome> outcomes = root->askAll({{{"Anything", {}}}, {{"Anything", {}}}, {{"Number", {}}}});
+    EXPECT_EQ(outcomes.at(0).value(), Value(large));
+    EXPECT_EQ(outcomes.at(1).value(), Value(large));
+    EXPECT_EQ(outcomes.at(2).value(), Value(0));
 }
 
 TEST_P(Contract, WhatIsTriedIsDoneBeforeTheNextQuestionAndFailsInSilence) {
@@ -358,22 +402,6 @@ TEST_P(Contract, WhatIsTriedIsDoneBeforeTheNextQuestionAndFailsInSilence) {
     EXPECT_EQ(child->get("Name"), Value("one"));
     EXPECT_EQ(root->get("Number"), Value(7));
     EXPECT_EQ(noted, QStringList{"renamed"});
-}
-
-TEST_P(Contract, QuestionsAskedAheadGetTheirOwnAnswers) {
-    root->put("Number", 7);
-    root->ahead({{"Describe", {}}, {"Add", {1, 2}}, {"Fail", {5, "refused"}}, {"NewChild", {"ahead"}}, {"Number", {}}});
-    EXPECT_EQ(root->call("add", {1, 2}), Value(3));
-    EXPECT_EQ(root->get("Number"), Value(7));
-    EXPECT_EQ(root->call("NewChild", {"ahead"}).object()->get("Name"), Value("ahead"));
-    EXPECT_EQ(failureOf([&] { root->call("Fail", {5, "refused"}); }), 5);
-    EXPECT_EQ(root->call("Add", {2, 2}), Value(4));
-    root->ahead({{"Describe", {}}, {"Number", {}}});
-    root->put("Name", "renamed");
-    root->put("Number", 8);
-    EXPECT_EQ(root->call("Describe", {}), Value("sample renamed"));
-    EXPECT_EQ(root->get("Number"), Value(8));
-    EXPECT_TRUE(eventually([&] { return root->get("LivingChildren") == Value(0); })) << "an answer is kept for ever";
 }
 
 } // namespace

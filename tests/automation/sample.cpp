@@ -39,6 +39,11 @@ bool Sample::IsChild(const Value &object) { return automation::exposedOf<Inner>(
 
 bool Sample::IsSelf(const Value &object) { return automation::exposedOf<Sample>(object).get() == this; }
 
+ValueList Sample::RaiseListed(const ValueList &values) {
+    Q_EMIT Listed(values, Value(values));
+    return values;
+}
+
 bool Sample::Save() {
     bool cancel = false;
     Q_EMIT Write(&cancel);

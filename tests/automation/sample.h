@@ -11,18 +11,13 @@ using automation::Exposed;
 /// Types that do not cross, and so stay internal.
 class Inner : public Exposed {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Name Kind")
     Q_CLASSINFO("Events", "Renamed")
     Q_PROPERTY(QString Name READ name WRITE setName)
     Q_PROPERTY(QString Kind READ kind CONSTANT)
     Q_PROPERTY(QStringList Lines READ lines)
 
   public:
-    [[nodiscard]] QString name() const {
-        ++m_reads;
-        return m_name;
-    }
-    [[nodiscard]] int nameReads() const { return m_reads; }
+    [[nodiscard]] QString name() const { return m_name; }
     [[nodiscard]] QString kind() const {
         ++m_kindReads;
         return QStringLiteral("sample");
@@ -41,13 +36,12 @@ class Inner : public Exposed {
 
   private:
     QString m_name = QStringLiteral("unnamed");
-    mutable int m_reads = 0;
     mutable int m_kindReads = 0;
 };
 
 class Sample : public Inner {
     Q_OBJECT
-    Q_CLASSINFO("Events", "Write Saved Deeper CloseEvent All Internal")
+    Q_CLASSINFO("Events", "Write Saved Deeper CloseEvent All Listed Internal")
     Q_PROPERTY(Value Anything MEMBER m_anything)
     Q_PROPERTY(bool Flag MEMBER m_flag)
     Q_PROPERTY(qint16 Small MEMBER m_small)
@@ -57,8 +51,8 @@ class Sample : public Inner {
     Q_PROPERTY(DateTime When MEMBER m_when)
     Q_PROPERTY(int Saves READ saves NOTIFY SavesChanged)
     Q_PROPERTY(Value Child READ child)
+    Q_PROPERTY(ValueList List MEMBER m_list)
     Q_PROPERTY(int LivingChildren READ livingChildren)
-    Q_PROPERTY(int ChildNameReads READ childNameReads)
     Q_PROPERTY(int ChildKindReads READ childKindReads)
 
   public:
@@ -68,7 +62,6 @@ class Sample : public Inner {
     [[nodiscard]] int saves() const { return m_saves; }
     [[nodiscard]] Value child();
     [[nodiscard]] int livingChildren() const { return *m_living; }
-    [[nodiscard]] int childNameReads() const { return m_child->nameReads(); }
     [[nodiscard]] int childKindReads() const { return m_child->kindReads(); }
     /// Fails with 5 for an empty name.
     void setName(const QString &name) override;
@@ -89,6 +82,8 @@ class Sample : public Inner {
     Q_INVOKABLE int Deepen(int level);
     Q_INVOKABLE void Close() { Q_EMIT CloseEvent(); }
     Q_INVOKABLE void RaiseAll(const Value &any);
+    /// Raises Listed with the values.
+    Q_INVOKABLE ValueList RaiseListed(const ValueList &values);
     /// The client that is calling.
     Q_INVOKABLE int Caller() const { return static_cast<int>(automation::currentClient()); }
     /// Does not come back for so long.
@@ -101,6 +96,7 @@ class Sample : public Inner {
     void CloseEvent();
     void All(const Value &any, bool flag, int number, double ratio, const QString &text, Currency price, DateTime when,
              bool *first, bool *second);
+    void Listed(const ValueList &values, const Value &any);
     void Internal(const QStringList &lines);
     /// No events, though their types cross.
     void SavesChanged(int saves);
@@ -114,6 +110,7 @@ class Sample : public Inner {
     double m_ratio = 0;
     Currency m_price;
     DateTime m_when;
+    ValueList m_list;
     int m_saves = 0;
     int m_reached = 0;
     std::shared_ptr<Inner> m_child;

@@ -125,8 +125,13 @@ TEST_F(BadClient, WhatIsWrongInAWholeFrameIsRefused) {
         {{.kind = Put, .call = 5, .target = 1, .text = "Number"}, 0},
         {{.kind = Connect, .call = 6, .target = 1, .number = 1, .text = "Nowhere"}, failures::memberMissing},
         {{.kind = Event, .call = 7, .target = 1}, failures::callRejected},
-        {{.kind = Through, .call = 10, .target = 1, .text = "Name", .values = {3, "Child"}}, failures::invalidCall},
-        {{.kind = TryPut, .call = 11, .target = 77, .text = "Name", .values = {0, "nowhere"}}, -1},
+        {{.kind = Ask, .call = 10, .target = 1, .values = {3, "Child"}}, failures::invalidCall},
+        {{.kind = Ask, .call = 13, .target = 77}, failures::disconnected},
+        {{.kind = Ask, .call = 14, .target = 1, .values = {Value(ValueList())}}, 0},
+        {{.kind = PutThrough, .call = 15, .target = 1, .text = "Name", .values = {"no path", 1}},
+         failures::invalidCall},
+        {{.kind = PutThrough, .call = 16, .target = 1, .text = "Name", .values = {}}, failures::invalidCall},
+        {{.kind = TryPut, .call = 11, .target = 77, .text = "Name", .values = {Value(ValueList()), "nowhere"}}, -1},
         {{.kind = TryPut, .call = 12, .target = 1, .text = "Name", .values = {"no path"}}, -1},
         {{.kind = Release, .values = {"no", "numbers", 1}}, -1},
         {{.kind = Release, .values = {77, 1, 1, -5}}, -1},
@@ -165,6 +170,39 @@ TEST_F(BadClient, AHandleThatWasGivenTwiceIsHeldUntilBothAreReleased) {
     EXPECT_EQ(ask(4, 2, "Name"), Answer);
     client.send({{.kind = Release, .values = {2, 1}}});
     EXPECT_EQ(ask(5, 2, "Name"), Refusal);
+}
+
+TEST_F(BadClient, ThatCallsBackForEverEndsItsOwnConnection) {
+    using enum wire::FrameKind;
+    RawClient good(folder.socket());
+    good.answer(hello());
+    RawClient bad(folder.socket());
+    bad.answer(hello());
+    bad.answer({.kind = Connect, .call = 2, .target = 1, .number = 1, .text = "Write"});
+    // It never answers an event, and asks for the next one.
+    std::vector<wire::Frame> calls;
+    for (quint32 call = 3; call < 200; ++call)
+        calls.push_back({.kind = Call, .call = call, .target = 1, .text = "Save"});
+    bad.send(calls);
+    wire::Frame last;
+    EXPECT_TRUE(eventually([&] {
+        while (const std::optional<wire::Frame> frame = bad.next())
+            last = *frame;
+        return last.kind == Farewell;
+    }));
+    EXPECT_EQ(last.number, failures::outOfStack);
+    EXPECT_TRUE(last.text.contains("without an end"));
+    EXPECT_TRUE(eventually([&] { return bad.isEnded(); }));
+    EXPECT_TRUE(eventually([&] { return server.clientCount() == 1; }));
+    EXPECT_EQ(good.answer({.kind = Get, .call = 2, .target = 1, .text = "Name"}).values, ValueList{"unnamed"});
+}
+
+TEST_F(BadClient, OfAnotherVersionIsToldWhatToDo) {
+    RawClient client(folder.socket());
+    const wire::Frame answer =
+        client.answer({.kind = wire::FrameKind::Hello, .call = 1, .number = wire::protocolVersion - 1});
+    EXPECT_EQ(answer.kind, wire::FrameKind::Refusal);
+    EXPECT_TRUE(answer.text.contains("Install the same")) << answer.text.toStdString();
 }
 
 class Nonsense : public BadClient, public testing::WithParamInterface<unsigned> {};

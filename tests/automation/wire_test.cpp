@@ -19,16 +19,19 @@ class Objects : public ObjectTable {
     Reference give(const ObjectPtr &object) override {
         for (std::size_t i = 0; i < m_objects.size(); ++i)
             if (m_objects[i] == object)
-                return {static_cast<Handle>(i + 1), object->typeName(), i == 0 ? along : std::vector<KnownValue>()};
+                return {static_cast<Handle>(i + 1), object->typeName(), i == 0 ? constants : std::vector<Constant>()};
         throw Failure(failures::typeMismatch);
     }
     ObjectPtr take(const Reference &reference) override {
+        taken.push_back(reference);
         return reference.handle >= 1 && reference.handle <= m_objects.size() ? m_objects[reference.handle - 1]
                                                                              : nullptr;
     }
     [[nodiscard]] ObjectPtr first() const { return m_objects.front(); }
 
-    std::vector<KnownValue> along{{"Name", "first"}, {"Count", 3, true}};
+    std::vector<Constant> constants{{"Name", "first"}, {"Count", 3}};
+    /// What the references that came in were.
+    std::vector<Reference> taken;
 
   private:
     std::vector<ObjectPtr> m_objects{std::make_shared<support::FakeObject>("Plain"),
@@ -46,6 +49,13 @@ class Wire : public testing::Test {
         const std::optional<quint32> length = bodyLength(bytes.first<4>());
         return length && *length == bytes.size() - 4 ? decode(bytes.subspan(4), objects) : std::nullopt;
     }
+    /// Arrays in one another, so many deep.
+    [[nodiscard]] static Value nested(int depth) {
+        Value value("innermost");
+        for (int i = 0; i < depth; ++i)
+            value = Value(ValueList{i, value, "behind"});
+        return value;
+    }
     /// A frame with a value of every kind.
     [[nodiscard]] Frame full() const {
         return {FrameKind::Call,
@@ -54,7 +64,8 @@ class Wire : public testing::Test {
                 -9,
                 QString::fromUtf8("Größe"),
                 {Value(), Value(Value::Null{}), Value(Value::Missing{}), true, false, qint16(-1), 70000, 0.25,
-                 Currency::fromScaled(-3), DateTime{36526.5}, "text", "", Value::nothing(), objects.first()}};
+                 Currency::fromScaled(-3), DateTime{36526.5}, "text", "", Value::nothing(), objects.first(), nested(3),
+                 Value(ValueList())}};
     }
 
     Objects objects;
@@ -70,43 +81,72 @@ TEST_F(Wire, AFrameIsReadAsItWasWritten) {
     EXPECT_EQ(read->text, full().text);
     EXPECT_EQ(read->values, full().values);
     EXPECT_FALSE(read->staleObject);
-    ASSERT_EQ(read->along.size(), 1U);
-    EXPECT_EQ(read->along[0].object, objects.first());
-    ASSERT_EQ(read->along[0].values.size(), 2U);
-    EXPECT_EQ(read->along[0].values[1].member, "Count");
-    EXPECT_EQ(read->along[0].values[1].value, Value(3));
-    EXPECT_FALSE(read->along[0].values[0].isConstant);
-    EXPECT_TRUE(read->along[0].values[1].isConstant);
+    ASSERT_EQ(objects.taken.size(), 1U);
+    const std::vector<Constant> &told = objects.taken[0].constants;
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told[1].member, "Count");
+    EXPECT_EQ(told[1].value, Value(3));
 }
 
 TEST_F(Wire, APathIsUnpackedAsItWasPackedOrNotAtAll) {
     const Path path{{"Items", {}}, {"Find", {"filter", 3}}};
-    ValueList values = packed(path, {"last"});
-    const std::optional<Path> read = unpack(values);
+    const std::optional<Path> read = unpacked(packed(path));
     ASSERT_TRUE(read && read->size() == 2);
+    EXPECT_EQ((*read)[0].member, "Items");
     EXPECT_EQ((*read)[1].member, "Find");
     EXPECT_EQ((*read)[1].arguments, path[1].arguments);
-    EXPECT_EQ(values, ValueList{"last"});
-    const ValueList malformed[] = {{},
-                                   {"1"},
-                                   {-1},
-                                   {1},
-                                   {1, "Item"},
-                                   {1, 2, 0},
-                                   {1, "Item", 1},
-                                   {1, "Item", -1},
-                                   {1000000},
-                                   {2, "a", 0},
-                                   {1, "Item", 2147483647, "x"}};
-    for (ValueList wrong : malformed)
-        EXPECT_FALSE(unpack(wrong)) << wrong.size();
+    EXPECT_TRUE(unpacked(Value(ValueList())) && unpacked(Value(ValueList()))->empty());
+    const Value step(ValueList{"Item"});
+    const Value malformed[] = {Value(),
+                               "Item",
+                               Value(ValueList{"Item"}),
+                               Value(ValueList{Value(ValueList())}),
+                               Value(ValueList{Value(ValueList{1, "Item"})}),
+                               Value(ValueList{step, Value()}),
+                               Value(ValueList(1000, step))};
+    for (const Value &wrong : malformed)
+        EXPECT_FALSE(unpacked(wrong)) << wrong.kindName().toStdString();
 }
 
-TEST_F(Wire, NoObjectComesAlongWithAnother) {
+TEST_F(Wire, NoObjectAndNoArrayIsAConstantOfAnother) {
     const Frame answer{.kind = FrameKind::Answer, .values = {objects.first()}};
     EXPECT_TRUE(decoded(encoded(answer)));
-    objects.along.push_back({"Parent", Value::nothing()});
-    EXPECT_FALSE(decoded(encoded(answer)));
+    for (const Value &wrong : {Value::nothing(), Value(ValueList())}) {
+        objects.constants.push_back({"Parent", wrong});
+        EXPECT_FALSE(decoded(encoded(answer))) << wrong.kindName().toStdString();
+        objects.constants.pop_back();
+    }
+}
+
+TEST_F(Wire, ArraysAreNestedSoDeepAndNoDeeper) {
+    const Frame deepest{.kind = FrameKind::Put, .values = {nested(deepestArray), nested(deepestArray)}};
+    const std::optional<Frame> read = decoded(encoded(deepest));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->values, deepest.values);
+    std::vector<char> bytes;
+    EXPECT_THROW(encode(bytes, {.kind = FrameKind::Put, .values = {nested(deepestArray + 1)}}, objects), Failure);
+    EXPECT_TRUE(bytes.empty());
+
+    // What no writer here writes: a million arrays, each with the next one in it, and counts that lie.
+    constexpr char array = 13;
+    std::vector<char> body = encoded({.kind = FrameKind::Put, .values = {0}});
+    body.erase(body.begin(), body.begin() + 4);
+    body.resize(body.size() - 5);
+    std::vector<char> lying = body;
+    for (int i = 0; i < 1'000'000; ++i)
+        body.insert(body.end(), {array, 1, 0, 0, 0});
+    EXPECT_FALSE(decode(body, objects));
+    lying.insert(lying.end(), {array, char(0xFF), char(0xFF), 0, 0, 0, 0});
+    EXPECT_FALSE(decode(lying, objects));
+}
+
+TEST_F(Wire, ValuesInArraysCountAsAnyOthers) {
+    const Value half(ValueList(mostValues / 2, 1));
+    std::vector<char> bytes;
+    EXPECT_THROW(encode(bytes, {.kind = FrameKind::Put, .values = {half, half}}, objects), Failure);
+    const std::optional<Frame> read = decoded(encoded({.kind = FrameKind::Put, .values = {half}}));
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->values[0], half);
 }
 
 TEST_F(Wire, AHandleThatIsNotHeldIsTold) {

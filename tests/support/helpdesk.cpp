@@ -66,6 +66,7 @@ Helpdesk::Helpdesk() {
 
 Helpdesk::~Helpdesk() {
     m_copies.clear();
+    m_client.reset();
     m_explorer = {};
     m_intake = {};
     m_tickets = {};
@@ -197,13 +198,19 @@ Counting::Log Helpdesk::countQuestions() {
     return m_questions;
 }
 
+void Helpdesk::connectBySocket() {
+    m_desk->listen();
+    m_client = automation::Client::connect(m_desk->session().profile().socket());
+}
+
 Copy &Helpdesk::newCopy(const QString &command) {
     ProgramSetup setup;
     setup.strCommand = command;
     setup.host = [this] {
         if (!m_desk)
             throw Failure(failures::cannotCreateObject);
-        return m_questions ? Counting::of(m_desk->application(), m_questions) : m_desk->application();
+        const automation::ObjectPtr application = m_client ? m_client->root() : m_desk->application();
+        return m_questions ? Counting::of(application, m_questions) : application;
     };
     setup.strProgramFolder = programFolder();
     setup.instanceFile = m_instanceFile;

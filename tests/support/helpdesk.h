@@ -1,6 +1,7 @@
 // The situation of whole-program tests: one desk with a helpdesk on it, and any number of copies of the program.
 #pragma once
 
+#include "automation/remote.h"
 #include "desk/host/desk.h"
 #include "orvelle/host/host.h"
 #include "orvelle/program/programrun.h"
@@ -95,6 +96,9 @@ class Helpdesk : public testing::Test {
     /// A copy that is not started yet; it lives as long as the test.
     Copy &newCopy(const QString &command = {});
     Copy &start(const QString &command = {});
+    /// Copies that start from here on reach the desk over its socket.
+    void connectBySocket();
+    [[nodiscard]] const automation::Client &client() const { return *m_client; }
     /// What copies that start from here on ask of the host.
     Counting::Log countQuestions();
     /// Copies that work from an event loop, as the program does in a process of its own.
@@ -119,6 +123,7 @@ class Helpdesk : public testing::Test {
     QString m_instanceFile;
     bool m_ownLoop = false;
     Counting::Log m_questions;
+    std::unique_ptr<automation::Client> m_client;
     std::list<Copy> m_copies;
 };
 

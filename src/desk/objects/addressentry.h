@@ -10,7 +10,6 @@ namespace desk::objects {
 /// 48 of its last 54 characters; that of a sender is made of its name and address and holds none.
 class AddressEntry : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Name Address Type ID")
     Q_PROPERTY(QString Name READ name CONSTANT)
     Q_PROPERTY(QString Address READ address CONSTANT)
     Q_PROPERTY(QString Type READ type CONSTANT)

@@ -9,7 +9,6 @@ namespace desk::objects {
 /// Its identifier ends in the entry identifier of its folder; do not change: programs cut it.
 class AddressList : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "ID")
     Q_PROPERTY(QString Name READ name)
     Q_PROPERTY(QString ID READ id CONSTANT)
 

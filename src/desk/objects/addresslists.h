@@ -7,7 +7,6 @@ namespace desk::objects {
 
 class AddressLists : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Count")
     Q_PROPERTY(int Count READ count)
 
   public:

@@ -11,7 +11,6 @@ class Item;
 /// One attachment. Fails with 0x8004010A once the item has it no more.
 class Attachment : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Type FileName DisplayName")
     Q_PROPERTY(int Type READ type)
     Q_PROPERTY(int Index READ index)
     Q_PROPERTY(QString FileName READ fileName)

@@ -10,7 +10,6 @@ class Item;
 
 class Attachments : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Count")
     Q_PROPERTY(int Count READ count)
     Q_PROPERTY(Value Parent READ parent)
 

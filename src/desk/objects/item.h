@@ -35,7 +35,6 @@ class ItemEvents : public SessionObject {
 /// members fail with 0x8004010A.
 class Item : public ItemEvents {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "MessageClass Subject BillingInformation EntryID")
     Q_PROPERTY(QString MessageClass READ messageClass WRITE setMessageClass)
     Q_PROPERTY(QString Subject READ subject WRITE setSubject)
     Q_PROPERTY(QString ConversationTopic READ subject)

@@ -10,7 +10,6 @@ namespace desk::objects {
 /// the folder is gone.
 class MAPIFolder : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Name StoreID")
     Q_PROPERTY(QString Name READ name WRITE setName)
     Q_PROPERTY(QString EntryID READ entryId)
     Q_PROPERTY(QString StoreID READ storeId CONSTANT)

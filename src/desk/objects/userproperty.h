@@ -11,7 +11,6 @@ class Item;
 /// Fails with 91 once the item has no property of its name.
 class UserProperty : public SessionObject {
     Q_OBJECT
-    Q_CLASSINFO("SentAlong", "Value")
     Q_PROPERTY(QString Name READ name)
     Q_PROPERTY(int Type READ type)
     Q_PROPERTY(Value Value READ value WRITE setValue)

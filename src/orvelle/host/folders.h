@@ -19,13 +19,21 @@ class MAPIFolder : public Handle {
     [[nodiscard]] host::Folders Folders() const;
     /// `Folders.Item(name)`; fails for a missing folder.
     [[nodiscard]] MAPIFolder Folders(const QString &name) const;
+    /// The one below whose name is exactly this, in one question: a host may take a number for a position, and
+    /// disregard case. Nothing for another name; fails for a missing folder.
+    [[nodiscard]] MAPIFolder FolderNamed(const QString &name) const;
     [[nodiscard]] host::Items Items() const;
     /// `Items().Add(messageClass)`.
     [[nodiscard]] Item AddItem(const QString &messageClass) const {
-        return callThrough({{"Items", {}}}, "Add", {messageClass});
+        return ask({{"Items", {}}, {"Add", {messageClass}}});
     }
     /// `Items().Find(filter)`.
-    [[nodiscard]] Item FindItem(const QString &filter) const { return callThrough({{"Items", {}}}, "Find", {filter}); }
+    [[nodiscard]] Item FindItem(const QString &filter) const { return ask({{"Items", {}}, {"Find", {filter}}}); }
+    /// `Folders().Add(name)`, with a type as there.
+    [[nodiscard]] MAPIFolder AddFolder(const QString &name) const { return ask({{"Folders", {}}, {"Add", {name}}}); }
+    [[nodiscard]] MAPIFolder AddFolder(const QString &name, qint32 type) const {
+        return ask({{"Folders", {}}, {"Add", {name, type}}});
+    }
     /// 0 mail, 6 posts.
     [[nodiscard]] qint32 DefaultItemType() const { return number("DefaultItemType"); }
     [[nodiscard]] bool WebViewOn() const { return flag("WebViewOn"); }
@@ -73,6 +81,18 @@ class NameSpace : public Handle {
     [[nodiscard]] MAPIFolder Folders(const QString &name) const { return call("Folders", {name}); }
     /// 3 deleted items, 4 outbox, 5 sent items, 6 inbox, 9 calendar, 10 contacts, 13 tasks, 16 drafts.
     [[nodiscard]] MAPIFolder GetDefaultFolder(qint32 type) const { return call("GetDefaultFolder", {type}); }
+    /// `GetDefaultFolder(type).FindItem(filter)`.
+    [[nodiscard]] Item FindItem(qint32 type, const QString &filter) const {
+        return ask({{"GetDefaultFolder", {type}}, {"Items", {}}, {"Find", {filter}}});
+    }
+    /// The default folder, and a new item in it; Nothing where the host makes none. Fails where there is no such
+    /// folder.
+    [[nodiscard]] std::pair<MAPIFolder, Item> AddItem(qint32 type, const QString &messageClass) const {
+        const automation::Question folder{"GetDefaultFolder", {type}};
+        const auto outcomes = askAll({{folder}, {folder, {"Items", {}}, {"Add", {messageClass}}}});
+        const MAPIFolder found = outcomes.at(0).value();
+        return {found, AttemptOr([&] { return Item(outcomes.at(1).value()); }, Item())};
+    }
     [[nodiscard]] MAPIFolder GetFolderFromID(const QString &entryID) const {
         return call("GetFolderFromID", {entryID});
     }
@@ -93,6 +113,11 @@ class NameSpace : public Handle {
 
 inline host::Folders MAPIFolder::Folders() const { return get("Folders"); }
 inline MAPIFolder MAPIFolder::Folders(const QString &name) const { return call("Folders", {name}); }
+inline MAPIFolder MAPIFolder::FolderNamed(const QString &name) const {
+    const auto outcomes = askAll({{{"Folders", {name}}}, {{"Folders", {name}}, {"Name", {}}}});
+    const MAPIFolder found = outcomes.at(0).value();
+    return found && toText(outcomes.at(1).value()) == name ? found : MAPIFolder();
+}
 inline host::Items MAPIFolder::Items() const { return get("Items"); }
 inline MAPIFolder Item::Parent() const { return get("Parent"); }
 inline Item Item::Move(const MAPIFolder &folder) const { return call("Move", {folder}); }

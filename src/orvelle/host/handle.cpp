@@ -43,24 +43,22 @@ void Handle::put(const QString &member, const Value &value) const {
     passBy();
 }
 
-void Handle::ahead(const std::vector<automation::Question> &questions) const {
-    passBy();
-    checked().ahead(questions);
-}
-
-void Handle::readAhead(const QStringList &members) const {
-    std::vector<automation::Question> questions;
-    for (const QString &member : members)
-        questions.push_back({member, {}});
-    ahead(questions);
-}
-
 Value Handle::call(const QString &member, const ValueList &arguments) const {
     return asked([&] { return checked().call(member, arguments); });
 }
 
-Value Handle::callThrough(const automation::Path &path, const QString &member, const ValueList &arguments) const {
-    return asked([&] { return checked().callThrough(path, member, arguments); });
+std::vector<automation::Outcome> Handle::askAll(const std::vector<automation::Path> &questions) const {
+    return asked([&] { return checked().askAll(questions); });
+}
+
+Value Handle::ask(const automation::Path &path) const {
+    return asked([&] { return checked().ask(path); });
+}
+
+void Handle::putThrough(const automation::Path &path, const QString &member, const Value &value) const {
+    passBy();
+    checked().putThrough(path, member, value);
+    passBy();
 }
 
 void Handle::tryPut(const QString &member, const Value &value) const { tryPut({}, member, value); }

@@ -31,12 +31,9 @@ class Handle {
     [[nodiscard]] QString typeName() const;
     [[nodiscard]] Value get(const QString &member) const;
     void put(const QString &member, const Value &value) const;
-    /// Says which properties are read next, in whatever order: they come in one go where the host is another process.
-    void readAhead(const QStringList &members) const;
     Value call(const QString &member, const ValueList &arguments = {}) const;
-    /// Writes a property where that can be done, and goes on at once: nobody learns of a failure, not even of that of
-    /// Nothing.
-    void tryPut(const QString &member, const Value &value) const;
+    /// The outcomes of several questions in their order; one question where the host is another process.
+    [[nodiscard]] std::vector<automation::Outcome> askAll(const std::vector<automation::Path> &questions) const;
     [[nodiscard]] automation::SubscriptionPtr connect(const QString &event, automation::EventHandler handler) const;
 
     /// Identity: the same object of the host, or both Nothing.
@@ -47,10 +44,13 @@ class Handle {
     [[nodiscard]] qint32 number(const QString &member) const { return toInt32(get(member)); }
     [[nodiscard]] bool flag(const QString &member) const { return toBool(get(member)); }
 
-    void ahead(const std::vector<automation::Question> &questions) const;
-    /// A call of an object that is met on the way only; one question where the host is another process.
-    [[nodiscard]] Value callThrough(const automation::Path &path, const QString &member,
-                                    const ValueList &arguments) const;
+    /// A question about an object that is met on the way only; one question where the host is another process.
+    [[nodiscard]] Value ask(const automation::Path &path) const;
+    /// Writes a property of an object that is met on the way only; one question too.
+    void putThrough(const automation::Path &path, const QString &member, const Value &value) const;
+    /// Writes a property where that can be done, and goes on at once: nobody learns of a failure, not even of that of
+    /// Nothing. What the typed handles name `TrySubject` and so on does this.
+    void tryPut(const QString &member, const Value &value) const;
     void tryPut(const automation::Path &path, const QString &member, const Value &value) const;
 
   private:

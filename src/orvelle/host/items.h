@@ -19,8 +19,6 @@ class UserProperty : public Handle {
     [[nodiscard]] QString Name() const { return text("Name"); }
     [[nodiscard]] Value value() const { return get("Value"); }
     void setValue(const Value &value) const { put("Value", value); }
-    /// As `tryPut`.
-    void tryValue(const Value &value) const { tryPut("Value", value); }
 };
 
 class UserProperties : public Handle {
@@ -29,21 +27,12 @@ class UserProperties : public Handle {
     [[nodiscard]] qint32 Count() const { return number("Count"); }
     /// Nothing for a missing name.
     [[nodiscard]] UserProperty Find(const QString &name) const { return call("Find", {name}); }
-    /// Says which names are looked for next; see `readAhead`.
-    void findAhead(const QStringList &names) const {
-        std::vector<automation::Question> questions;
-        for (const QString &name : names)
-            questions.push_back({"Find", {name}});
-        ahead(questions);
-    }
     /// Types: 1 text, 3 number, 5 date-time, 6 yes or no. An existing property of the name and type is given back.
     [[nodiscard]] UserProperty Add(const QString &name, qint32 type, bool addToFolder = false) const {
         return call("Add", {name, type, addToFolder});
     }
     /// By name or by position from 1; fails for a missing one.
     [[nodiscard]] UserProperty Item(const Value &index) const { return call("Item", {index}); }
-    /// Writes the value of the one with the name, as `tryPut` does.
-    void trySet(const QString &name, const Value &value) const { tryPut({{"Item", {name}}}, "Value", value); }
 };
 
 class Attachment : public Handle {
@@ -89,6 +78,9 @@ class AddressEntry : public Handle {
 };
 
 /// An item of any class.
+///
+/// A writer that begins with `Try` writes where that can be done and goes on at once: nobody waits for it or learns of
+/// a failure, not even of that of Nothing.
 class Item : public Handle {
   public:
     using Handle::Handle;
@@ -98,20 +90,26 @@ class Item : public Handle {
     void MessageClass(const QString &value) const { put("MessageClass", value); }
     [[nodiscard]] QString Subject() const { return text("Subject"); }
     void Subject(const QString &value) const { put("Subject", value); }
+    void TrySubject(const QString &value) const { tryPut("Subject", value); }
     [[nodiscard]] QString Body() const { return text("Body"); }
     void Body(const QString &value) const { put("Body", value); }
+    void TryBody(const QString &value) const { tryPut("Body", value); }
     [[nodiscard]] QString HTMLBody() const { return text("HTMLBody"); }
     void HTMLBody(const QString &value) const { put("HTMLBody", value); }
+    void TryHTMLBody(const QString &value) const { tryPut("HTMLBody", value); }
     [[nodiscard]] qint32 BodyFormat() const { return number("BodyFormat"); }
     void BodyFormat(qint32 value) const { put("BodyFormat", value); }
+    void TryBodyFormat(qint32 value) const { tryPut("BodyFormat", value); }
     [[nodiscard]] qint32 Importance() const { return number("Importance"); }
     void Importance(qint32 value) const { put("Importance", value); }
+    void TryImportance(qint32 value) const { tryPut("Importance", value); }
     [[nodiscard]] qint32 Sensitivity() const { return number("Sensitivity"); }
     void Sensitivity(qint32 value) const { put("Sensitivity", value); }
     [[nodiscard]] bool UnRead() const { return flag("UnRead"); }
     void UnRead(bool value) const { put("UnRead", value); }
     [[nodiscard]] QString BillingInformation() const { return text("BillingInformation"); }
     void BillingInformation(const QString &value) const { put("BillingInformation", value); }
+    void TryBillingInformation(const QString &value) const { tryPut("BillingInformation", value); }
     [[nodiscard]] qint32 Size() const { return number("Size"); }
     [[nodiscard]] bool Saved() const { return flag("Saved"); }
     [[nodiscard]] QString EntryID() const { return text("EntryID"); }
@@ -120,11 +118,25 @@ class Item : public Handle {
     [[nodiscard]] host::UserProperties UserProperties() const { return get("UserProperties"); }
     /// `UserProperties().Find(name)`.
     [[nodiscard]] UserProperty FindProperty(const QString &name) const {
-        return callThrough({{"UserProperties", {}}}, "Find", {name});
+        return ask({{"UserProperties", {}}, {"Find", {name}}});
     }
-    /// `UserProperties().Add(name, type)`.
-    [[nodiscard]] UserProperty AddProperty(const QString &name, qint32 type) const {
-        return callThrough({{"UserProperties", {}}}, "Add", {name, type, false});
+    /// `FindProperty(name).value()`; fails with 91 for a missing name.
+    [[nodiscard]] Value PropertyValue(const QString &name) const {
+        return ask({{"UserProperties", {}}, {"Find", {name}}, {"Value", {}}});
+    }
+    /// `FindProperty(name).setValue(value)`; fails with 91 for a missing name.
+    void SetPropertyValue(const QString &name, const Value &value) const {
+        putThrough({{"UserProperties", {}}, {"Find", {name}}}, "Value", value);
+    }
+    void TryPropertyValue(const QString &name, const Value &value) const {
+        tryPut({{"UserProperties", {}}, {"Find", {name}}}, "Value", value);
+    }
+    /// `UserProperties().Add(name, type).setValue(value)`.
+    void AddPropertyValue(const QString &name, qint32 type, const Value &value) const {
+        putThrough({{"UserProperties", {}}, {"Add", {name, type, false}}}, "Value", value);
+    }
+    void TryAddPropertyValue(const QString &name, qint32 type, const Value &value) const {
+        tryPut({{"UserProperties", {}}, {"Add", {name, type, false}}}, "Value", value);
     }
     [[nodiscard]] Inspector GetInspector() const;
 
@@ -151,18 +163,24 @@ class MailItem : public Item {
     using Item::Item;
     [[nodiscard]] QString To() const { return text("To"); }
     void To(const QString &value) const { put("To", value); }
+    void TryTo(const QString &value) const { tryPut("To", value); }
     [[nodiscard]] QString SentOnBehalfOfName() const { return text("SentOnBehalfOfName"); }
     void SentOnBehalfOfName(const QString &value) const { put("SentOnBehalfOfName", value); }
     [[nodiscard]] QString ReplyRecipientNames() const { return text("ReplyRecipientNames"); }
     void ReplyRecipientNames(const QString &value) const { put("ReplyRecipientNames", value); }
     [[nodiscard]] bool ReadReceiptRequested() const { return flag("ReadReceiptRequested"); }
     void ReadReceiptRequested(bool value) const { put("ReadReceiptRequested", value); }
+    void TryReadReceiptRequested(bool value) const { tryPut("ReadReceiptRequested", value); }
     [[nodiscard]] MAPIFolder SaveSentMessageFolder() const;
     void SaveSentMessageFolder(const MAPIFolder &folder) const;
     [[nodiscard]] qint32 FlagStatus() const { return number("FlagStatus"); }
     void FlagStatus(qint32 value) const { put("FlagStatus", value); }
+    void TryFlagStatus(qint32 value) const { tryPut("FlagStatus", value); }
     [[nodiscard]] QString FlagRequest() const { return text("FlagRequest"); }
     void FlagRequest(const QString &value) const { put("FlagRequest", value); }
+    void TryFlagRequest(const QString &value) const { tryPut("FlagRequest", value); }
+    /// The message that this one answers, which keeps their thread. A host may have no such member.
+    void TryAnsweredItem(const Item &value) const { tryPut("AnsweredItem", value); }
     void Send() const { call("Send"); }
 };
 

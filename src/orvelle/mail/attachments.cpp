@@ -3,6 +3,7 @@
 #include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/temporaryfolder.h"
 #include "orvelle/session/safeutils.h"
 
@@ -38,15 +39,29 @@ QString fncFileName(QString strName) {
     return strStem + strEnd;
 }
 
+/// An attachment, and what it was when it was met.
+struct SourceFile {
+    SourceFile(const host::Attachments &attachments, qint32 index)
+        : live(attachments.Item(index)), seen(host::snapshot(live, {"Type", "FileName", "DisplayName"})) {}
+
+    host::Attachment live;
+    host::Attachment seen;
+};
+
 /// One copying from a source to a target.
 class AttachmentCopy {
   public:
     AttachmentCopy(const host::Item &source, const host::Item &target) : m_source(source), m_ticket(target) {}
 
     /// Gives the names of what could not be copied.
-    QStringList run(const host::Attachments &attachments) {
-        const qint32 count = attachments.Count();
-        const bool blnLarge = count == 0 && m_source.Size() > largeMessage;
+    QStringList run() {
+        const auto about =
+            m_source.askAll({{{"Attachments", {}}}, {{"Attachments", {}}, {"Count", {}}}, {{"Size", {}}}});
+        if (about.at(0).failure())
+            return {};
+        const host::Attachments attachments = about.at(0).value();
+        const qint32 count = toInt32(about.at(1).value());
+        const bool blnLarge = count == 0 && toInt32(about.at(2).value()) > largeMessage;
         if (count == 0 && !blnLarge)
             return {};
         if (Attempt([&] { m_target = m_ticket.Attachments(); }))
@@ -56,19 +71,19 @@ class AttachmentCopy {
         m_path = m_folder->Path();
         subTrace("Looping attachements");
         for (qint32 i = 1; i <= count; ++i)
-            one(attachments.Item(i));
+            one(SourceFile(attachments, i));
         if ((m_wholeWanted || blnLarge) && isMailOrPost() && fncSetupSafeUtils())
             attachWhole();
         return m_dropped;
     }
 
   private:
-    void one(const host::Attachment &attachment) {
+    void one(const SourceFile &attachment) {
         if (!m_folder->isValid()) {
-            m_dropped << fncFileName(attachment.DisplayName());
+            m_dropped << fncFileName(attachment.seen.DisplayName());
             return;
         }
-        switch (attachment.Type()) {
+        switch (attachment.seen.Type()) {
         case byValue:
             copyFile(attachment);
             break;
@@ -84,29 +99,29 @@ class AttachmentCopy {
         }
     }
 
-    void copyFile(const host::Attachment &attachment) {
-        const QString strName = fncFileName(attachment.FileName());
+    void copyFile(const SourceFile &attachment) {
+        const QString strName = fncFileName(attachment.seen.FileName());
         QString strPath = m_path + strName;
         subTrace("Saving attachement as  " + strPath);
-        bool blnSaved = fncSave(attachment, strPath);
+        bool blnSaved = fncSave(attachment.live, strPath);
         while (!blnSaved && m_counter <= mostTries) {
             strPath = m_path + QString::number(++m_counter) + strName;
-            blnSaved = fncSave(attachment, strPath);
+            blnSaved = fncSave(attachment.live, strPath);
         }
         subTrace("Adding attachement to ticket " + strPath);
         if (blnSaved && fsoFileSystem->FileExists(strPath))
-            attachAndDelete(strPath, attachment.DisplayName());
+            attachAndDelete(strPath, attachment.seen.DisplayName());
         else
             m_dropped << strName;
     }
 
-    void copyEmbedded(const host::Attachment &attachment) {
-        const QString strName = attachment.DisplayName();
+    void copyEmbedded(const SourceFile &attachment) {
+        const QString strName = attachment.seen.DisplayName();
         QString strPath = m_path + fncFileName(strName + ".msg");
-        fncSave(attachment, strPath);
+        fncSave(attachment.live, strPath);
         if (!fsoFileSystem->FileExists(strPath)) {
             strPath = m_path + QString::number(m_counter++) + ".msg";
-            attachment.SaveAsFile(strPath);
+            attachment.live.SaveAsFile(strPath);
         }
         attachAndDelete(strPath, strName);
     }
@@ -152,10 +167,7 @@ QStringList subCopyAttachements(const host::Item &source, const host::Item &targ
     subTrace("Getting Attachements collection");
     if (source.isNothing() || target.isNothing())
         return {};
-    host::Attachments from;
-    if (Attempt([&] { from = source.Attachments(); }))
-        return {};
-    return AttachmentCopy(source, target).run(from);
+    return AttachmentCopy(source, target).run();
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subCopyAttachements");
 }

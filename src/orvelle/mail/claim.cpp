@@ -55,20 +55,11 @@ std::optional<cClaim> cClaim::FromString(const QString &strClaim) {
 std::optional<cClaim> cClaim::Of(const host::Item &oui) { return FromString(fncHint(oui, strClaimProperty)); }
 
 void subHint(const host::Item &oui, const char *strProperty, const QString &strText) {
-    Attempt([&] { oui.AddProperty(QString::fromLatin1(strProperty), hostTextProperty).tryValue(strText); });
-}
-
-void subHint(const host::UserProperties &oups, const char *strProperty, const QString &strText) {
-    Attempt([&] { oups.Add(QString::fromLatin1(strProperty), hostTextProperty).tryValue(strText); });
+    oui.TryAddPropertyValue(QString::fromLatin1(strProperty), hostTextProperty, strText);
 }
 
 QString fncHint(const host::Item &oui, const char *strProperty) {
-    return AttemptOr(
-        [&] {
-            const host::UserProperty oup = oui.FindProperty(QString::fromLatin1(strProperty));
-            return oup ? toText(oup.value()) : QString();
-        },
-        QString());
+    return AttemptOr([&] { return toText(oui.PropertyValue(QString::fromLatin1(strProperty))); }, QString());
 }
 
 QString fncWorkOf(const host::Item &oui) {

@@ -45,7 +45,6 @@ struct cClaim {
 
 /// Writes a property without waiting for it; the item's next save carries it.
 void subHint(const host::Item &oui, const char *strProperty, const QString &strText);
-void subHint(const host::UserProperties &oups, const char *strProperty, const QString &strText);
 /// A property's text; empty where there is none.
 QString fncHint(const host::Item &oui, const char *strProperty);
 

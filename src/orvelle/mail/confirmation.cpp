@@ -1,6 +1,7 @@
 #include "orvelle/mail/confirmation.h"
 
 #include "orvelle/core/process.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/output.h"
 #include "orvelle/mail/sentmail.h"
@@ -24,8 +25,8 @@ host::MailItem fncClosedMail(const host::MailItem &oui, const QString &strTicket
     Attempt([&] { oui.Close(closeSaving); });
     host::MailItem found = oui;
     Attempt([&] {
-        const host::MAPIFolder oufDrafts = onsMAPI->GetDefaultFolder(defaultfolder::drafts);
-        const host::Item draft = oufDrafts.FindItem("[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
+        const host::Item draft =
+            onsMAPI->FindItem(defaultfolder::drafts, "[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
         if (draft)
             found = host::MailItem(draft.object());
     });
@@ -127,25 +128,27 @@ void subFinishConfirmation(const host::Item &oui, const QString &strTicketID) {
 
 void subSendConfirmation(const host::Item &oui, const QString &strTicketID, const QString &strTo) {
     const bool blnSafe = fncSetupSafeUtils();
-    const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(oui); }, SafeItem());
-    if (oui)
-        oui.readAhead({"Body", "Subject", "Sender"});
+    const host::Item seen = host::snapshot(oui, {"Body", "Subject", "Sender", "EntryID"});
+    const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(seen); }, SafeItem());
     const QString strBody = AttemptOr([&] { return safe.Body(); }, QString());
     const QString strSubject = AttemptOr([&] { return safe.Subject(); }, QString());
     const QString strCaller = AttemptOr([&] { return strTo.isEmpty() ? safe.Sender().Address() : strTo; }, QString());
 
     host::MAPIFolder oufOutbox;
-    Attempt([&] { oufOutbox = onsMAPI->GetDefaultFolder(defaultfolder::outbox); });
     host::MailItem ouiMail;
-    Attempt([&] { ouiMail = host::MailItem(oufOutbox.AddItem("IPM.Note").object()); });
-    subHint(ouiMail, strConfirmsProperty, fncWorkOf(oui));
-    ouiMail.tryPut("Body", fncConfirmationBody(strTicketID, strBody, strSubject));
-    ouiMail.tryPut("Subject", fncConfirmationSubject(strTicketID, strBody, strSubject));
-    ouiMail.tryPut("To", strCaller);
-    ouiMail.tryPut("ReadReceiptRequested", false);
+    Attempt([&] {
+        const auto [ouf, ouiNew] = onsMAPI->AddItem(defaultfolder::outbox, "IPM.Note");
+        oufOutbox = ouf;
+        ouiMail = host::MailItem(ouiNew.object());
+    });
+    subHint(ouiMail, strConfirmsProperty, fncWorkOf(seen));
+    ouiMail.TryBody(fncConfirmationBody(strTicketID, strBody, strSubject));
+    ouiMail.TrySubject(fncConfirmationSubject(strTicketID, strBody, strSubject));
+    ouiMail.TryTo(strCaller);
+    ouiMail.TryReadReceiptRequested(false);
     // A host that has no such member sends the mail without a thread.
     if (strTo.isEmpty())
-        ouiMail.tryPut("AnsweredItem", oui);
+        ouiMail.TryAnsweredItem(oui);
     Attempt([&] { subSetEmailFrom(ouiMail); });
     Attempt([&] { subSetSentFolder(ouiMail); });
     if (!blnSafe) {

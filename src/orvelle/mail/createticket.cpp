@@ -6,6 +6,7 @@
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
 #include "orvelle/dialogs/savetrouble.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/attachments.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/leftover.h"
@@ -67,7 +68,7 @@ constexpr qint32 hostText = 1;
 
 void subNote(const host::Item &ouiMail, const QString &strTicketID) {
     const auto failure = Attempt([&] {
-        ouiMail.UserProperties().Add(strProperty, hostText).setValue(strTicketID);
+        ouiMail.AddPropertyValue(strProperty, hostText, strTicketID);
         ouiMail.Save();
     });
     // Where the mail takes no note, nobody would find the row again. A host that has gone may have saved the item.
@@ -103,18 +104,15 @@ bool fncDropItem(const QString &strWork) {
 QString fncTicketID(const host::Item &ouiMail) {
     return AttemptOr(
         [&] {
-            const host::UserProperty oup = ouiMail.FindProperty(strProperty);
             cTicket objTicket;
-            objTicket.TicketID = oup ? toText(oup.value()) : QString();
+            objTicket.TicketID = fncHint(ouiMail, strProperty);
             const bool blnFree = !objTicket.TicketID.isEmpty() && objTicket.GetPostItem().isNothing();
             return blnFree ? objTicket.TicketID : QString();
         },
         QString());
 }
 
-void subForget(const host::Item &ouiMail) {
-    Attempt([&] { ouiMail.UserProperties().Add(strProperty, hostText).setValue(""); });
-}
+void subForget(const host::Item &ouiMail) { ouiMail.TryAddPropertyValue(strProperty, hostText, ""); }
 } // namespace earliertry
 
 /// The row's number, which the database alone gives; empty when the row can't be written.
@@ -136,15 +134,14 @@ QString fncSaveRow(const host::PostItem &ouiPost, const QString &strEarlierID) {
 namespace {
 /// What the item needs to be a ticket: the row, and with it the number. Gives the number; empty where there can be no
 /// row.
-QString fncNumberItem(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups,
-                      const QString &strEarlierID) {
+QString fncNumberItem(const host::Item &ouiMail, const host::PostItem &ouiPost, const QString &strEarlierID) {
     if (!strEarlierID.isEmpty())
-        subSetOutlookValue(oups, "Ticket ID", strEarlierID, propertytype::text);
+        subSetOutlookValue(ouiPost, "Ticket ID", strEarlierID, propertytype::text);
     QString strTicketID = fncSaveRow(ouiPost, strEarlierID);
     if (strTicketID.isEmpty())
         return {};
     auto rowAlone = qScopeGuard([&] { earliertry::subNote(ouiMail, strTicketID); });
-    subSetOutlookValue(oups, "Ticket ID", strTicketID, propertytype::text);
+    subSetOutlookValue(ouiPost, "Ticket ID", strTicketID, propertytype::text);
     ouiPost.Sensitivity(personal);
     ouiPost.Close(closeSaving);
     rowAlone.dismiss();
@@ -153,14 +150,16 @@ QString fncNumberItem(const host::Item &ouiMail, const host::PostItem &ouiPost, 
 } // namespace
 
 QString fncCreateSingleTicket(const host::Item &ouiMail) try {
-    const QString strClass = ouiMail.MessageClass().toUpper();
+    const host::Item seen =
+        host::snapshot(ouiMail, host::Questions({"MessageClass", "EntryID"}).properties({earliertry::strProperty}));
+    const QString strClass = seen.MessageClass().toUpper();
     if (strClass != "IPM.NOTE" && strClass != "IPM.POST")
         return {};
     const WholeStep whole;
     subAssistantWorking(ouaOutlook);
     subFindTicketFolder();
     subTrace("Adding a new ticket to the folder " + oufTickets->Name());
-    const QString strWork = fncWorkOf(ouiMail);
+    const QString strWork = fncWorkOf(seen);
     if (!earliertry::fncDropItem(strWork))
         return {};
     const host::PostItem ouiPost = fncNewTicketItem();
@@ -169,16 +168,15 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     // Where no ticket comes of it the message is tried again, so an item without a number would only come a second
     // time.
     auto unfinished = qScopeGuard([&] { Attempt([&] { ouiPost.Delete(); }); });
-    const host::UserProperties oups = ouiPost.UserProperties();
     // The item's first save is the one before its row: a client that dies behind it leaves these on it.
-    subHint(oups, strWorkProperty, strWork);
-    subHint(oups, strClaimProperty, cClaim::Own().ToString());
-    subSetOutlookValue(oups, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
-    subSetOutlookValue(oups, "Created at", Clock::now(), propertytype::date);
+    subHint(ouiPost, strWorkProperty, strWork);
+    subHint(ouiPost, strClaimProperty, cClaim::Own().ToString());
+    subSetOutlookValue(ouiPost, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
+    subSetOutlookValue(ouiPost, "Created at", Clock::now(), propertytype::date);
     subNoteMissingFiles(ouiPost, subCopyAttachements(ouiMail, ouiPost));
-    subFillTicketFromMail(ouiMail, ouiPost, oups);
-    const QString strEarlierID = earliertry::fncTicketID(ouiMail);
-    const QString strTicketID = fncNumberItem(ouiMail, ouiPost, oups, strEarlierID);
+    subFillTicketFromMail(ouiMail, ouiPost);
+    const QString strEarlierID = earliertry::fncTicketID(seen);
+    const QString strTicketID = fncNumberItem(ouiMail, ouiPost, strEarlierID);
     if (strTicketID.isEmpty())
         return {};
     unfinished.dismiss();
@@ -194,16 +192,17 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
 
 QString fncFinishSingleTicket(const host::Item &ouiMail, const host::PostItem &ouiPost, const QString &strRowID) try {
     subTrace("Finishing the ticket that another client began");
-    return fncNumberItem(ouiMail, ouiPost, ouiPost.UserProperties(), strRowID);
+    return fncNumberItem(ouiMail, ouiPost, strRowID);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncFinishSingleTicket");
 }
 
 void subMarkConverted(const host::Item &ouiMail, const QString &strTicketID) {
-    ouiMail.tryPut("FlagStatus", flagComplete);
-    ouiMail.tryPut("FlagRequest", "Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
-    ouiMail.tryPut("BillingInformation", strTicketID);
-    Attempt([&] { ouiMail.Save(); });
+    const host::MailItem oui(ouiMail);
+    oui.TryFlagStatus(flagComplete);
+    oui.TryFlagRequest("Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
+    oui.TryBillingInformation(strTicketID);
+    Attempt([&] { oui.Save(); });
 }
 
 namespace {

@@ -20,8 +20,7 @@ void subMarkConverted(const host::Item &ouiMail, const QString &strTicketID);
 
 /// Fills a new ticket with the mail's sender, text and subject. Does nothing without the safe-object library; a
 /// property that the ticket lacks does not stop the rest.
-/// \param oups  the ticket's properties.
-void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups);
+void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost);
 
 /// Notes in the ticket's work log that a mail has come, also while other clients write to that log. Nothing happens for
 /// a number that is no ticket's, or for a ticket that can't be read.

@@ -2,6 +2,7 @@
 
 #include "orvelle/core/process.h"
 #include "orvelle/core/texthelpers.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
@@ -20,35 +21,38 @@ constexpr qint32 smtpAddress = 0x39FE001E;
 constexpr qint32 businessTelephone = 0x3A08001E;
 constexpr qint32 department = 0x3A18001E;
 
-void subFillFromContact(const host::UserProperties &oups, const host::ContactItem &contact) {
-    Attempt([&] { oups.trySet("Caller name", contact.FullName()); });
-    Attempt([&] { oups.trySet("Caller phone", contact.BusinessTelephoneNumber()); });
-    Attempt([&] { oups.trySet("Caller category", contact.CompanyName()); });
+void subFillFromContact(const host::PostItem &ouiPost, const host::ContactItem &contact) {
+    const host::ContactItem seen = host::snapshot(contact, {"FullName", "BusinessTelephoneNumber", "CompanyName"});
+    Attempt([&] { ouiPost.TryPropertyValue("Caller name", seen.FullName()); });
+    Attempt([&] { ouiPost.TryPropertyValue("Caller phone", seen.BusinessTelephoneNumber()); });
+    Attempt([&] { ouiPost.TryPropertyValue("Caller category", seen.CompanyName()); });
 }
 
-void subFillCaller(const host::UserProperties &oups, const host::AddressEntry &sender) {
-    Attempt([&] { oups.trySet("Caller name", sender.Name()); });
+void subFillCaller(const host::PostItem &ouiPost, const host::AddressEntry &sender) {
+    Attempt([&] { ouiPost.TryPropertyValue("Caller name", sender.Name()); });
     QString strAddress = AttemptOr([&] { return sender.Address(); }, QString());
     const bool blnOfSystem =
         !strAddress.contains(QChar(u'@')) || AttemptOr([&] { return sender.Type() == "EX"; }, false);
     if (blnOfSystem) {
         Attempt([&] { strAddress = toText(sender.Fields(smtpAddress)); });
-        Attempt([&] { oups.trySet("Caller phone", toText(sender.Fields(businessTelephone))); });
-        Attempt([&] { oups.trySet("Caller category", toText(sender.Fields(department))); });
+        Attempt([&] { ouiPost.TryPropertyValue("Caller phone", toText(sender.Fields(businessTelephone))); });
+        Attempt([&] { ouiPost.TryPropertyValue("Caller category", toText(sender.Fields(department))); });
     } else {
         Attempt([&] {
             const host::ContactItem contact = fncFindContact(sender, strAddress);
             if (contact)
-                subFillFromContact(oups, contact);
+                subFillFromContact(ouiPost, contact);
         });
     }
-    oups.trySet("Caller email", strAddress);
+    ouiPost.TryPropertyValue("Caller email", strAddress);
 }
 
 /// The mail's text for the ticket's page.
-QString fncTextOf(const SafeItem &safe) {
-    const auto plain = [&] { return AttemptOr([&] { return safe.Body(); }, QString()); };
-    const QString strHTML = AttemptOr([&] { return safe.HTMLBody(); }, QString());
+/// \param seen  the mail with its HTML body in it.
+QString fncTextOf(const host::Item &ouiMail, const SafeItem &seen) {
+    // Most mails have an HTML body, and the plain one need not cross.
+    const auto plain = [&] { return AttemptOr([&] { return fncSafeMailItem(ouiMail).Body(); }, QString()); };
+    const QString strHTML = AttemptOr([&] { return seen.HTMLBody(); }, QString());
     if (strHTML.isEmpty())
         return plain();
     const QString strInner = fncGetBody(strHTML);
@@ -65,29 +69,29 @@ QString fncPage() {
 void subSetBody(const host::PostItem &ouiPost, const QString &strHTML) {
     const bool blnHasFormat = fncOutlookVersion() >= firstWithBodyFormat;
     if (blnHasFormat)
-        ouiPost.tryPut("BodyFormat", formatHTML);
-    ouiPost.tryPut("HTMLBody", strHTML);
+        ouiPost.TryBodyFormat(formatHTML);
+    ouiPost.TryHTMLBody(strHTML);
     if (!blnHasFormat)
         return;
-    ouiPost.tryPut("BodyFormat", formatRichText);
-    ouiPost.tryPut("BodyFormat", formatHTML);
-    ouiPost.tryPut("HTMLBody", strHTML);
+    ouiPost.TryBodyFormat(formatRichText);
+    ouiPost.TryBodyFormat(formatHTML);
+    ouiPost.TryHTMLBody(strHTML);
 }
 } // namespace
 
-void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost, const host::UserProperties &oups) {
+void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiPost) {
     if (!fncSetupSafeUtils())
         return;
-    const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(ouiMail); }, SafeItem());
-    subFillCaller(oups, AttemptOr([&] { return safe.Sender(); }, host::AddressEntry()));
+    const host::Item seen = host::snapshot(ouiMail, {"Sender", "HTMLBody", "Subject", "Importance"});
+    const SafeItem safe = AttemptOr([&] { return fncSafeMailItem(seen); }, SafeItem());
+    subFillCaller(ouiPost, AttemptOr([&] { return safe.Sender(); }, host::AddressEntry()));
 
-    ouiMail.readAhead({"HTMLBody", "Subject", "Importance"});
-    const QString strText = fncTextOf(safe);
-    const QString strSubject = AttemptOr([&] { return ouiMail.Subject(); }, QString());
-    Attempt([&] { ouiPost.tryPut("Importance", ouiMail.Importance()); });
+    const QString strText = fncTextOf(ouiMail, safe);
+    const QString strSubject = AttemptOr([&] { return seen.Subject(); }, QString());
+    Attempt([&] { ouiPost.TryImportance(seen.Importance()); });
     if (!strText.isEmpty())
         subSetBody(ouiPost, fncPage().replace("[BODY]", strText));
     if (!strSubject.isEmpty())
-        ouiPost.tryPut("Subject", strSubject);
-    subSetOutlookValue(oups, "Date due", Clock::now(), propertytype::date);
+        ouiPost.TrySubject(strSubject);
+    subSetOutlookValue(ouiPost, "Date due", Clock::now(), propertytype::date);
 }

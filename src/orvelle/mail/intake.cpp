@@ -3,6 +3,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/dialogs/dialogs.h"
 #include "orvelle/dialogs/savetrouble.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/confirmation.h"
 #include "orvelle/mail/createticket.h"
@@ -39,6 +40,11 @@ bool fncClaim(const host::Item &oui, const QString &strWork) {
     else
         subSaveWorked(Saving::Claim);
     return !failure;
+}
+
+/// What decides about an item, as it was when it was met.
+host::Item fncSeen(const host::Item &oui) {
+    return host::snapshot(oui, {"MessageClass", "Subject", "BillingInformation", "EntryID"});
 }
 
 bool fncIsUnclaimed(const host::Item &oui) {
@@ -103,8 +109,8 @@ bool fncIsMailOrPost(const host::Item &oui) {
 }
 
 bool fncIsNewMailItem(const host::Item &oui) {
-    return AttemptOr([&] { return !oui.isNothing() && fncIsMailOrPost(oui) && oui.BillingInformation().isEmpty(); },
-                     false);
+    const host::Item seen = fncSeen(oui);
+    return AttemptOr([&] { return !seen.isNothing() && fncIsMailOrPost(seen) && fncIsUnclaimed(seen); }, false);
 }
 
 bool fncConfirms() { return !fncConfirmationTemplate().trimmed().isEmpty(); }
@@ -116,9 +122,10 @@ void subConvertClaimed(const host::Item &oui, const host::MAPIFolder &oufMonitor
 void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
     const TellOnce once;
     const WholeStep whole;
-    const QString strTicketID = fncAnsweredTicket(oui);
+    const host::Item seen = fncSeen(oui);
+    const QString strTicketID = fncAnsweredTicket(seen);
     if (strTicketID.isEmpty()) {
-        if (fncClaim(oui, fncWorkOf(oui)))
+        if (fncClaim(oui, fncWorkOf(seen)))
             subConvertClaimed(oui, oufMonitored);
         return;
     }
@@ -138,14 +145,14 @@ void subHandleScannedItem(const host::Item &oui, const host::MAPIFolder &oufMoni
 void subHandleNewItem(const host::Item &oui, const host::MAPIFolder &oufMonitored) {
     constexpr qsizetype shortestTemplate = 4;
     const TellOnce once;
-    // What came with the event may be old: the item may have waited for its turn.
-    oui.readAhead({"MessageClass", "Subject", "BillingInformation"});
-    if (!AttemptOr([&] { return fncIsMailOrPost(oui); }, false))
+    // The item may have waited for its turn, and have changed meanwhile.
+    const host::Item seen = fncSeen(oui);
+    if (!AttemptOr([&] { return fncIsMailOrPost(seen); }, false))
         return;
     const WholeStep whole;
-    const QString strTicketID = fncAnsweredTicket(oui);
+    const QString strTicketID = fncAnsweredTicket(seen);
     if (strTicketID.isEmpty()) {
-        if (fncIsUnclaimed(oui) && fncClaim(oui, fncWorkOf(oui)))
+        if (fncIsUnclaimed(seen) && fncClaim(oui, fncWorkOf(seen)))
             subConvert(oui, fncConfirmationTemplate().size() >= shortestTemplate, oufMonitored);
         return;
     }
@@ -163,11 +170,10 @@ void subMoveToConverted(const host::Item &ouiMail, const host::MAPIFolder &ouf) 
     constexpr char converted[] = "Converted";
     Attempt([&] {
         host::MAPIFolder oufConverted;
-        Attempt([&] { oufConverted = ouf.Folders(converted); });
         // The name has to be that very one: "converted" is a folder of somebody's own.
-        const bool blnMissing = oufConverted.isNothing() || oufConverted.Name() != converted;
+        Attempt([&] { oufConverted = ouf.FolderNamed(converted); });
         // Another copy may make it in between; then the adding fails, and it is there.
-        if (blnMissing && Attempt([&] { oufConverted = ouf.Folders().Add(converted); }))
+        if (oufConverted.isNothing() && Attempt([&] { oufConverted = ouf.AddFolder(converted); }))
             oufConverted = ouf.Folders(converted);
         ouiMail.Move(oufConverted);
     });

@@ -3,6 +3,7 @@
 #include "orvelle/mail/leftover.h"
 
 #include "orvelle/core/process.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/confirmation.h"
 #include "orvelle/mail/foldermonitor.h"
 #include "orvelle/mail/intake.h"
@@ -26,7 +27,11 @@ DateTime fncLastSaved(const host::Item &oui) {
 class FolderItem {
   public:
     FolderItem(const host::Item &oui, const host::MAPIFolder &ouf, const QString &strPath)
-        : m_oui(oui), m_ouf(ouf), m_strPath(strPath) {}
+        : m_live(oui),
+          m_oui(host::snapshot(
+              oui, host::Questions({"MessageClass", "Subject", "BillingInformation", "EntryID", "LastModificationTime"})
+                       .properties({strFilingProperty, strWorkProperty, strClaimProperty}))),
+          m_ouf(ouf), m_strPath(strPath) {}
 
     std::optional<cLeftover> Look() {
         if (fncIsFlagItem(m_oui))
@@ -56,7 +61,7 @@ class FolderItem {
         if (m_worker.state == State::Running)
             return std::nullopt;
         if (!m_worker.claim)
-            m_worker.strUser = AttemptOr([&] { return m_oui.Body().trimmed().left(100); }, QString());
+            m_worker.strUser = AttemptOr([&] { return m_live.Body().trimmed().left(100); }, QString());
         return Made(Kind::FlagItem, Remedy::Repair, "it says that a program watches the folder");
     }
 
@@ -106,6 +111,8 @@ class FolderItem {
         return found;
     }
 
+    host::Item m_live;
+    /// As it was when it was met.
     host::Item m_oui;
     host::MAPIFolder m_ouf;
     QString m_strPath;

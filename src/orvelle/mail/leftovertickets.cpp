@@ -4,6 +4,7 @@
 
 #include "orvelle/core/process.h"
 #include "orvelle/database/connection.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/mail/foldermonitor.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/reference/settings.h"
@@ -113,11 +114,13 @@ class Search {
         for (qint32 i = ois.Count(); i >= 1; --i) {
             Attempt([&] {
                 const host::Item oui = ois.Item(i);
-                const QString strTicketID = fncTicketIDOf(oui);
+                const host::Item seen =
+                    host::snapshot(oui, host::Questions({"EntryID", "Subject"}).properties({"Ticket ID"}));
+                const QString strTicketID = fncTicketIDOf(seen);
                 if (strTicketID.isEmpty())
                     WithoutNumber(oui);
                 else
-                    m_items.insert(strTicketID, {oui.EntryID(), oui.Subject()});
+                    m_items.insert(strTicketID, {seen.EntryID(), seen.Subject()});
             });
         }
     }

@@ -29,9 +29,9 @@ void subAttachFiles(const host::Item &ouiItem, const host::MailItem &ouiMail) {
 void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 OutputOption, const host::Item &ouiItem) {
     host::MailItem ouiMail;
     Attempt([&] { ouiMail = host::MailItem(ouaOutlook->CreateItem(0).object()); });
-    ouiMail.tryPut("Body", "Test");
+    ouiMail.TryBody("Test");
     if (fncOutlookVersion() >= firstWithBodyFormat)
-        ouiMail.tryPut("BodyFormat", formatHTML);
+        ouiMail.TryBodyFormat(formatHTML);
     Attempt([&] { ouiMail.HTMLBody(objTicket.ToHTML(OutputOption)); });
     if (strTo.isEmpty()) {
         Attempt([&] { ouiMail.PrintOut(); });
@@ -40,8 +40,8 @@ void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 Outp
     subAttachFiles(ouiItem, ouiMail);
     Attempt([&] { subSetEmailFrom(ouiMail); });
     Attempt([&] { subSetSentFolder(ouiMail); });
-    ouiMail.tryPut("To", strTo);
-    ouiMail.tryPut("Subject", "Ticket: " + objTicket.Subject + " {" + objTicket.TicketID + "}");
+    ouiMail.TryTo(strTo);
+    ouiMail.TrySubject("Ticket: " + objTicket.Subject + " {" + objTicket.TicketID + "}");
     Attempt([&] { ouiMail.Display(); });
 }
 

@@ -2,7 +2,7 @@
 #include "orvelle/session/safeutils.h"
 #include "platform/scripting/components.h"
 
-#include <QSet>
+#include <QHash>
 
 namespace {
 /// How identifiers are cut out of the tails of an address entry's and an address list's `ID`. The kind of the list
@@ -14,8 +14,10 @@ constexpr qsizetype contactTail = 54;
 constexpr qsizetype longContactLength = 140;
 constexpr qsizetype longContactTail = 146;
 
-host::MAPIFolder fncFolderOfID(const QString &strID) {
-    return AttemptOr([&] { return onsMAPI->GetFolderFromID(strID); }, host::MAPIFolder());
+/// What an identifier named; Nothing where it named nothing.
+template <class H>
+H fncFound(const automation::Outcome &outcome) {
+    return AttemptOr([&] { return H(host::Handle(outcome.value()).object()); }, H());
 }
 
 /// One search through the address lists.
@@ -29,15 +31,24 @@ class ContactSearch {
 
     /// Looks through one list; true when the identifier named a contact, which ends the search.
     bool inList(const QString &strListID) {
-        host::MAPIFolder ouf = fncFolderOfID(strListID.right(folderTail));
+        const bool blnNew = !m_asked.contains(m_contactID);
+        std::vector<automation::Path> questions{{{"GetFolderFromID", {strListID.right(folderTail)}}},
+                                                {{"GetFolderFromID", {strListID.right(longFolderTail)}}}};
+        if (blnNew)
+            addContact(questions);
+        const std::vector<automation::Outcome> outcomes = onsMAPI->askAll(questions);
+        if (blnNew)
+            keepContact(std::span(outcomes).subspan(2));
+
+        auto ouf = fncFound<host::MAPIFolder>(outcomes.at(0));
         if (ouf.isNothing())
-            ouf = fncFolderOfID(strListID);
+            ouf = AttemptOr([&] { return onsMAPI->GetFolderFromID(strListID); }, host::MAPIFolder());
         if (ouf) {
             if (byID())
                 return true;
             byAddress(ouf);
         }
-        ouf = fncFolderOfID(strListID.right(longFolderTail));
+        ouf = fncFound<host::MAPIFolder>(outcomes.at(1));
         if (ouf.isNothing())
             return false;
         if (byID())
@@ -54,15 +65,27 @@ class ContactSearch {
   private:
     /// What an identifier names does not depend on the list, so each is asked for once.
     bool byID() {
-        if (m_asked.contains(m_contactID))
-            return false;
-        m_asked.insert(m_contactID);
-        Attempt([&] { m_byID = host::ContactItem(onsMAPI->GetItemFromID(m_contactID, m_ticketStoreID).object()); });
-        if (m_byID.isNothing())
-            Attempt([&] { m_byID = host::ContactItem(onsMAPI->GetItemFromID(m_contactID).object()); });
-        if (m_byID)
-            m_found = m_byID;
-        return !m_byID.isNothing();
+        if (!m_asked.contains(m_contactID)) {
+            std::vector<automation::Path> questions;
+            addContact(questions);
+            keepContact(onsMAPI->askAll(questions));
+        }
+        const host::ContactItem &contact = m_asked[m_contactID];
+        if (contact)
+            m_found = contact;
+        return !contact.isNothing();
+    }
+
+    void addContact(std::vector<automation::Path> &questions) const {
+        questions.push_back({{"GetItemFromID", {m_contactID, m_ticketStoreID}}});
+        questions.push_back({{"GetItemFromID", {m_contactID}}});
+    }
+
+    void keepContact(std::span<const automation::Outcome> outcomes) {
+        auto contact = fncFound<host::ContactItem>(outcomes[0]);
+        if (contact.isNothing())
+            contact = fncFound<host::ContactItem>(outcomes[1]);
+        m_asked.insert(m_contactID, contact);
     }
 
     /// A hit does not end the search: a later list can replace it.
@@ -80,8 +103,7 @@ class ContactSearch {
     QString m_address;
     QString m_ticketStoreID;
     QString m_contactID;
-    QSet<QString> m_asked;
-    host::ContactItem m_byID;
+    QHash<QString, host::ContactItem> m_asked;
     host::ContactItem m_found;
 };
 } // namespace

@@ -5,6 +5,7 @@
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/textfiles.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/session/folderpath.h"
 #include "platform/scripting/shell.h"
 #include "platform/window/window.h"
@@ -71,10 +72,11 @@ void subWriteReg() try {
     const auto write = [&](const QString &strName, const QString &strText) {
         shell->RegWrite(strKey + strName, strText, "REG_SZ");
     };
-    write("Folder EntryID", oufTickets->EntryID());
-    write("Folder StoreID", oufTickets->StoreID());
+    const host::MAPIFolder seen = host::snapshot(oufTickets.get(), {"EntryID", "StoreID", "Name"});
+    write("Folder EntryID", seen.EntryID());
+    write("Folder StoreID", seen.StoreID());
     write("Folder Path", fncGetFolderPath(oufTickets, onsMAPI));
-    write("Folder Name", oufTickets->Name());
+    write("Folder Name", seen.Name());
     write("Minutes", LNGMINUTES);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subWriteReg");

@@ -2,6 +2,7 @@
 
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/process.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/session/folderpath.h"
 #include "orvelle/session/properties.h"
 
@@ -13,12 +14,13 @@ QString fncNameOf(const host::MAPIFolder &ouf) {
 
 void cOutlookFolder::GetOutlookPathInfo(controls::Form *frmFormToReactiveate, qint32 intFolderType) try {
     const host::MAPIFolder ouf = fncPickFolder(frmFormToReactiveate);
-    if (ouf.isNothing() || ouf.DefaultItemType() != intFolderType)
+    const host::MAPIFolder seen = host::snapshot(ouf, {"DefaultItemType", "EntryID", "StoreID", "Name"});
+    if (seen.isNothing() || seen.DefaultItemType() != intFolderType)
         return;
     Path = fncGetFolderPath(ouf, onsMAPI);
-    EntryID = ouf.EntryID();
-    StoreID = ouf.StoreID();
-    Name = ouf.Name();
+    EntryID = seen.EntryID();
+    StoreID = seen.StoreID();
+    Name = seen.Name();
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cOutlookFolder.GetOutlookPathInfo");
 }
@@ -48,8 +50,13 @@ void cOutlookFolder::SaveToOutlookProps(const host::Item &ouiItem, const QString
 }
 
 void cOutlookFolder::GetFromOutlookProps(const host::Item &ouiItem, const QString &strExtraName) try {
+    QStringList names;
+    for (const char *strName :
+         {"OutlookFolderName", "OutlookFolderEntryID", "OutlookFolderStoreID", "OutlookFolderPath"})
+        names << strExtraName + strName;
+    const host::Item seen = host::snapshot(ouiItem, host::Questions({}).properties(names));
     const auto read = [&](const QString &strName) {
-        return toText(fncGetOutlookValue(ouiItem, strExtraName + strName, propertytype::text, ""));
+        return toText(fncGetOutlookValue(seen, strExtraName + strName, propertytype::text, ""));
     };
     Name = read("OutlookFolderName");
     EntryID = read("OutlookFolderEntryID");

@@ -5,6 +5,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
+#include "orvelle/host/snapshot.h"
 
 namespace {
 /// What one property of the host holds at most.
@@ -31,23 +32,19 @@ std::optional<qint32> hostType(qint32 intDataType) {
     }
 }
 
-void subPutValue(const host::UserProperty &oup, const Value &value, qint32 intDataType) {
+/// What is written for a value; nothing where the property stays as it is.
+std::optional<Value> fncWritten(const Value &value, qint32 intDataType) {
     switch (intDataType) {
     case propertytype::integer:
-        oup.setValue(isNumeric(value) ? toInt16(value) : qint16(0));
-        break;
+        return isNumeric(value) ? toInt16(value) : qint16(0);
     case propertytype::date:
-        if (isDate(value))
-            oup.setValue(toDateTime(value));
-        break;
+        return isDate(value) ? std::optional<Value>(toDateTime(value)) : std::nullopt;
     case propertytype::text:
-        oup.setValue(toText(value));
-        break;
+        return toText(value);
     case propertytype::boolean:
-        oup.setValue(toBool(value));
-        break;
+        return toBool(value);
     default:
-        break;
+        return std::nullopt;
     }
 }
 
@@ -86,53 +83,34 @@ Value fncDefaultValue(qint32 intDataType, const Value &varDefault) {
     }
 }
 
-Value fncReadProperty(const host::UserProperties &oups, const QString &PropName, qint32 intDataType,
-                      const Value &varDefault) {
-    std::optional<Value> found;
-    Attempt([&] {
-        const host::UserProperty oup = oups.Find(PropName);
-        if (oup)
-            found = fncTypedValue(oup.value(), intDataType, varDefault);
-    });
-    return found ? *found : fncDefaultValue(intDataType, varDefault);
-}
-
-host::UserProperties fncPropertiesOrNothing(const host::Item &ouiItem) {
-    return AttemptOr([&] { return ouiItem.UserProperties(); }, host::UserProperties());
-}
 } // namespace
-
-void subSetOutlookValue(const host::UserProperties &oups, const QString &PropName, const Value &value,
-                        qint32 intDataType) try {
-    const std::optional<qint32> type = hostType(intDataType);
-    if (!type)
-        return;
-    host::UserProperty oup = oups.Find(PropName);
-    if (oup.isNothing())
-        oup = oups.Add(PropName, *type);
-    subPutValue(oup, value, intDataType);
-} catch (const Failure &failure) {
-    subErrorHandler(failure, "subSetOutlookValue");
-}
 
 void subSetOutlookValue(const host::Item &ouiItem, const QString &PropName, const Value &value,
                         qint32 intDataType) try {
-    if (ouiItem.isNothing())
+    const std::optional<qint32> type = hostType(intDataType);
+    if (ouiItem.isNothing() || !type)
         return;
-    subSetOutlookValue(ouiItem.UserProperties(), PropName, value, intDataType);
+    const std::optional<Value> written = fncWritten(value, intDataType);
+    if (!written) {
+        if (ouiItem.FindProperty(PropName).isNothing())
+            static_cast<void>(ouiItem.UserProperties().Add(PropName, *type));
+        return;
+    }
+    const auto failure = Attempt([&] { ouiItem.SetPropertyValue(PropName, *written); });
+    if (failure && failure->number() == failures::objectNotSet)
+        ouiItem.AddPropertyValue(PropName, *type, *written);
+    else if (failure)
+        throw Failure(*failure);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subSetOutlookValue");
-}
-
-Value fncGetOutlookValue(const host::UserProperties &oups, const QString &PropName, qint32 intDataType,
-                         const Value &varDefault) {
-    subTrace("Reading the value of the Outlook property " + PropName);
-    return fncReadProperty(oups, PropName, intDataType, varDefault);
 }
 
 Value fncGetOutlookValue(const host::Item &ouiItem, const QString &PropName, qint32 intDataType,
                          const Value &varDefault) {
-    return fncGetOutlookValue(fncPropertiesOrNothing(ouiItem), PropName, intDataType, varDefault);
+    subTrace("Reading the value of the Outlook property " + PropName);
+    std::optional<Value> found;
+    Attempt([&] { found = fncTypedValue(ouiItem.PropertyValue(PropName), intDataType, varDefault); });
+    return found ? *found : fncDefaultValue(intDataType, varDefault);
 }
 
 void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const QString &PropName, bool blnSilent) {
@@ -140,25 +118,36 @@ void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const
     const auto failure = Attempt([&] {
         const auto intHighest =
             static_cast<qint32>(roundHalfEven(static_cast<double>(strText.size()) / double(pieceLength)));
-        const host::UserProperties oups = ouiItem.UserProperties();
         for (qint32 i = 0; i <= intHighest; ++i)
-            oups.Add(PropName + QString::number(i), hostText).setValue(strText.mid(i * pieceLength, pieceLength));
-        oups.Add(PropName + "Count", hostNumber).setValue(intHighest);
+            ouiItem.AddPropertyValue(PropName + QString::number(i), hostText,
+                                     strText.mid(i * pieceLength, pieceLength));
+        ouiItem.AddPropertyValue(PropName + "Count", hostNumber, intHighest);
     });
     if (failure && !blnSilent)
         subAssistantMessage(ouaOutlook, "Failed to save " + PropName + " " + LNGCHECKPERM);
 }
 
+QStringList fncLongPropertyStart(const QString &PropName) { return {PropName + "Count", PropName + "0"}; }
+
 QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName) {
-    return fncGetLongProperty(fncPropertiesOrNothing(ouiItem), PropName);
+    const host::Item seen = host::snapshot(ouiItem, host::Questions({}).properties(fncLongPropertyStart(PropName)));
+    return fncGetLongProperty(ouiItem, seen, PropName);
 }
 
-QString fncGetLongProperty(const host::UserProperties &oups, const QString &PropName) try {
+QString fncGetLongProperty(const host::Item &ouiItem, const host::Item &seen, const QString &PropName) try {
     subTrace("Entering fncGetLongProperty");
-    const qint16 intHighest = toInt16(fncGetOutlookValue(oups, PropName + "Count", propertytype::integer, ""));
-    QString strText;
-    for (qint32 i = 0; i <= intHighest; ++i)
-        strText += toText(fncGetOutlookValue(oups, PropName + QString::number(i), propertytype::text, ""));
+    const qint16 intHighest = toInt16(fncGetOutlookValue(seen, PropName + "Count", propertytype::integer, ""));
+    if (intHighest < 0)
+        return {};
+    QString strText = toText(fncGetOutlookValue(seen, PropName + "0", propertytype::text, ""));
+    QStringList names;
+    for (qint32 i = 1; i <= intHighest; ++i)
+        names << PropName + QString::number(i);
+    if (names.isEmpty())
+        return strText;
+    const host::Item rest = host::snapshot(ouiItem, host::Questions({}).properties(names));
+    for (const QString &strName : names)
+        strText += toText(fncGetOutlookValue(rest, strName, propertytype::text, ""));
     return strText;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncGetLongProperty");

@@ -22,11 +22,6 @@ void subSetOutlookValue(const host::Item &ouiItem, const QString &PropName, cons
 /// any date, Empty for a boolean without a default). An empty text counts as missing.
 Value fncGetOutlookValue(const host::Item &ouiItem, const QString &PropName, qint32 intDataType,
                          const Value &varDefault = {});
-/// The same with the item's properties in hand: one question less to the host for each of many values.
-Value fncGetOutlookValue(const host::UserProperties &oups, const QString &PropName, qint32 intDataType,
-                         const Value &varDefault = {});
-void subSetOutlookValue(const host::UserProperties &oups, const QString &PropName, const Value &value,
-                        qint32 intDataType);
 
 /// Writes a text in pieces of at most 1000 characters: `PropName` with 0, 1 and so on behind it, and the highest of
 /// these numbers in `PropName` with "Count" behind it. That number is the length in thousands, a half going to the even
@@ -37,4 +32,7 @@ void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const
 
 /// Reads such a text; a missing count reads the first piece alone.
 QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName);
-QString fncGetLongProperty(const host::UserProperties &oups, const QString &PropName);
+/// The same where the count and the first piece were read with other properties (see `fncLongPropertyStart`).
+QString fncGetLongProperty(const host::Item &ouiItem, const host::Item &seen, const QString &PropName);
+/// The names of the count and of the first piece.
+QStringList fncLongPropertyStart(const QString &PropName);

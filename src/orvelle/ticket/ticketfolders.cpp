@@ -46,18 +46,13 @@ bool fncIsPair(const QString &strText, qsizetype i) {
 
 /// The host may take a number for a position: then it gives some other folder, and there is none of the name.
 host::MAPIFolder fncFind(const host::MAPIFolder &oufParent, const QString &strName) {
-    return AttemptOr(
-        [&] {
-            const host::MAPIFolder ouf = oufParent.Folders(strName);
-            return ouf && ouf.Name() == strName ? ouf : host::MAPIFolder();
-        },
-        host::MAPIFolder());
+    return AttemptOr([&] { return oufParent.FolderNamed(strName); }, host::MAPIFolder());
 }
 
 /// Where the name is taken in between, another copy has made the very folder: then it is that one.
 host::MAPIFolder fncAddOrFind(const host::MAPIFolder &oufParent, const QString &strName) {
     host::MAPIFolder ouf;
-    if (Attempt([&] { ouf = oufParent.Folders().Add(strName, mailFolder); }))
+    if (Attempt([&] { ouf = oufParent.AddFolder(strName, mailFolder); }))
         ouf = fncFind(oufParent, strName);
     return ouf;
 }

@@ -8,18 +8,21 @@
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
 #include "orvelle/dialogs/savetrouble.h"
+#include "orvelle/host/snapshot.h"
 #include "orvelle/reference/settings.h"
 #include "orvelle/session/properties.h"
 #include "orvelle/session/safeutils.h"
 #include "platform/value/convert.h"
 
 namespace {
-QString textOf(const host::UserProperties &oups, const QString &strName) {
-    return toText(fncGetOutlookValue(oups, strName, propertytype::text, ""));
+constexpr char strWorkLog[] = "WorkDescriptions";
+
+QString textOf(const host::Item &seen, const QString &strName) {
+    return toText(fncGetOutlookValue(seen, strName, propertytype::text, ""));
 }
 
-DateTime dateOf(const host::UserProperties &oups, const QString &strName) {
-    return toDateTime(fncGetOutlookValue(oups, strName, propertytype::date, Value()));
+DateTime dateOf(const host::Item &seen, const QString &strName) {
+    return toDateTime(fncGetOutlookValue(seen, strName, propertytype::date, Value()));
 }
 
 /// The list's own object; for a name that is in no list, a new one that carries the name alone.
@@ -50,46 +53,48 @@ void readBody(cTicket &objTicket, const host::Item &ouiTicket) {
     objTicket.HTMLDescription = safe.HTMLBody();
 }
 
-void readCaller(cTicket &objTicket, const host::UserProperties &oups) {
+void readCaller(cTicket &objTicket, const host::Item &seen) {
     objTicket.Caller = Ref<cCaller>::make();
-    objTicket.Caller->FullName = textOf(oups, "Caller name");
-    objTicket.Caller->Email = textOf(oups, "Caller email");
-    objTicket.Caller->Comment = textOf(oups, "Caller comment");
-    objTicket.Caller->Telephone = textOf(oups, "Caller phone");
-    objTicket.Caller->Category = textOf(oups, "Caller category");
+    objTicket.Caller->FullName = textOf(seen, "Caller name");
+    objTicket.Caller->Email = textOf(seen, "Caller email");
+    objTicket.Caller->Comment = textOf(seen, "Caller comment");
+    objTicket.Caller->Telephone = textOf(seen, "Caller phone");
+    objTicket.Caller->Category = textOf(seen, "Caller category");
 }
 
-/// The properties that `readSteps` looks for, and the first piece of the work log.
-const QStringList readNames = {"Responsible",    "WorkDescriptionsCount", "WorkDescriptions0", "Problem Type",
-                               "Date due",       "Custom Status",         "Ticket ID",         "Created at",
-                               "Caller name",    "Caller email",          "Caller comment",    "Caller phone",
-                               "Caller category"};
+/// All that `readSteps` reads. The subject is the last.
+host::Questions questions() {
+    return host::Questions({"Body", "HTMLBody"})
+        .propertyCount()
+        .properties(fncLongPropertyStart(strWorkLog))
+        .properties({"Responsible", "Problem Type", "Date due", "Custom Status", "Ticket ID", "Created at",
+                     "Caller name", "Caller email", "Caller comment", "Caller phone", "Caller category"})
+        .members({"Subject"});
+}
 
 using ReadSteps = std::vector<std::function<void()>>;
 
 /// Everything that is read once the item is known to be saved.
 ///
-/// A property that can't be read comes back as its default. So the last step asks the item once more: where the host or
-/// the item has gone in between, the record is not whole.
-ReadSteps readSteps(cTicket &objTicket, const host::Item &ouiTicket, host::UserProperties &oups) {
+/// A property that can't be read comes back as its default. So the last step looks at the item's last answer: where the
+/// host or the item has gone in between, the record is not whole.
+ReadSteps readSteps(cTicket &objTicket, const host::Item &ouiTicket, host::Item &seen) {
     return {
-        [&] {
-            ouiTicket.readAhead({"Body", "HTMLBody"});
-        },
-        [&] { readBody(objTicket, ouiTicket); },
+        [&] { seen = host::snapshot(ouiTicket, questions()); },
+        [&] { readBody(objTicket, seen); },
         [&] { objTicket.Closed = false; },
-        [&] { oups = ouiTicket.UserProperties(); },
-        [&] { oups.findAhead(readNames); },
-        [&] { objTicket.Responsible = responsibleOf(textOf(oups, "Responsible")); },
-        [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(oups, "WorkDescriptions")); },
+        // One property that can't be read is a blank; all of them are a failure.
+        [&] { static_cast<void>(seen.UserProperties().Count()); },
+        [&] { objTicket.Responsible = responsibleOf(textOf(seen, "Responsible")); },
+        [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(ouiTicket, seen, strWorkLog)); },
         [&] { objTicket.Rate = costOf(*objTicket.Responsible, *objTicket.WorkDescs); },
-        [&] { objTicket.ProblemType = problemTypeOf(textOf(oups, "Problem Type")); },
-        [&] { objTicket.DueDate = dateOf(oups, "Date due"); },
-        [&] { objTicket.TicketStatus = textOf(oups, "Custom Status"); },
-        [&] { objTicket.TicketID = textOf(oups, "Ticket ID"); },
-        [&] { objTicket.DateCreated = dateOf(oups, "Created at"); },
-        [&] { readCaller(objTicket, oups); },
-        [&] { objTicket.Subject = ouiTicket.Subject(); },
+        [&] { objTicket.ProblemType = problemTypeOf(textOf(seen, "Problem Type")); },
+        [&] { objTicket.DueDate = dateOf(seen, "Date due"); },
+        [&] { objTicket.TicketStatus = textOf(seen, "Custom Status"); },
+        [&] { objTicket.TicketID = textOf(seen, "Ticket ID"); },
+        [&] { objTicket.DateCreated = dateOf(seen, "Created at"); },
+        [&] { readCaller(objTicket, seen); },
+        [&] { objTicket.Subject = seen.Subject(); },
     };
 }
 
@@ -123,16 +128,16 @@ void tellReadFailure(const Failure &failure) {
 } // namespace
 
 bool cTicket::ReadFromOutlook(const host::Item &ouiTicket) try {
-    ouiTicket.readAhead({"Subject", "Importance", "Saved"});
-    const QString strSubject = ouiTicket.Subject();
+    const host::Item met = host::snapshot(ouiTicket, {"Subject", "Importance", "Saved"});
+    const QString strSubject = met.Subject();
     subTrace("Reading Outlook values from ticket with subject line: " + strSubject);
     if (!fncSetupSafeUtils())
         return false;
     Subject = strSubject;
-    TicketPriority = ouiTicket.Importance();
-    host::UserProperties properties;
-    const ReadSteps steps = readSteps(*this, ouiTicket, properties);
-    if (!ouiTicket.Saved()) {
+    TicketPriority = met.Importance();
+    host::Item seen;
+    const ReadSteps steps = readSteps(*this, ouiTicket, seen);
+    if (!met.Saved()) {
         if (const auto failure = Attempt([&] { ouiTicket.Save(); })) {
             subTellSaveTrouble(Saving::Item, "Unable to save current item!", *failure);
             return false;

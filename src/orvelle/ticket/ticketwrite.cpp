@@ -21,39 +21,38 @@ constexpr qint32 formatHTML = 2;
 constexpr qint32 formatRichText = 3;
 constexpr qint32 closeSaving = 0;
 
-void setText(const host::UserProperties &oups, const QString &strName, const QString &strText) {
-    subSetOutlookValue(oups, strName, strText, propertytype::text);
+void setText(const host::Item &ouiTicket, const QString &strName, const QString &strText) {
+    subSetOutlookValue(ouiTicket, strName, strText, propertytype::text);
 }
 
-void setDate(const host::UserProperties &oups, const QString &strName, DateTime dteValue) {
-    subSetOutlookValue(oups, strName, dteValue, propertytype::date);
+void setDate(const host::Item &ouiTicket, const QString &strName, DateTime dteValue) {
+    subSetOutlookValue(ouiTicket, strName, dteValue, propertytype::date);
 }
 
-void writeCaller(const host::UserProperties &oups, const cCaller &objCaller) {
-    setText(oups, "Caller name", objCaller.FullName);
-    setText(oups, "Caller email", objCaller.Email);
-    setText(oups, "Caller comment", objCaller.Comment);
-    setText(oups, "Caller phone", objCaller.Telephone);
-    setText(oups, "Caller category", objCaller.Category);
+void writeCaller(const host::Item &ouiTicket, const cCaller &objCaller) {
+    setText(ouiTicket, "Caller name", objCaller.FullName);
+    setText(ouiTicket, "Caller email", objCaller.Email);
+    setText(ouiTicket, "Caller comment", objCaller.Comment);
+    setText(ouiTicket, "Caller phone", objCaller.Telephone);
+    setText(ouiTicket, "Caller category", objCaller.Category);
 }
 
 void writeProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
-    const host::UserProperties oups = ouiTicket.UserProperties();
-    setDate(oups, "Date due", objTicket.DueDate);
-    setText(oups, "Custom Status", objTicket.TicketStatus);
+    setDate(ouiTicket, "Date due", objTicket.DueDate);
+    setText(ouiTicket, "Custom Status", objTicket.TicketStatus);
     if (objTicket.ProblemType) {
-        setText(oups, "Problem Type", objTicket.ProblemType->ProblemDescription);
-        setText(oups, "Problem category", objTicket.ProblemType->ProblemCategory);
+        setText(ouiTicket, "Problem Type", objTicket.ProblemType->ProblemDescription);
+        setText(ouiTicket, "Problem category", objTicket.ProblemType->ProblemCategory);
     }
-    setText(oups, "Ticket ID", objTicket.TicketID);
-    setDate(oups, "Created at", objTicket.DateCreated);
+    setText(ouiTicket, "Ticket ID", objTicket.TicketID);
+    setDate(ouiTicket, "Created at", objTicket.DateCreated);
     if (objTicket.Responsible) {
-        setText(oups, "Created by", objTicket.Responsible->FullName);
-        setText(oups, "Responsible", objTicket.Responsible->FullName);
+        setText(ouiTicket, "Created by", objTicket.Responsible->FullName);
+        setText(ouiTicket, "Responsible", objTicket.Responsible->FullName);
     }
     if (objTicket.Caller)
-        writeCaller(oups, *objTicket.Caller);
-    setText(oups, "Ticket", objTicket.ToString());
+        writeCaller(ouiTicket, *objTicket.Caller);
+    setText(ouiTicket, "Ticket", objTicket.ToString());
     subFixLongProperty(ouiTicket, objTicket.WorkDescs->ToString(), "WorkDescriptions", false);
 }
 

@@ -35,15 +35,11 @@ Value MAPIUtils::GetItemFromID(const QString &EntryID, const Value &StoreID) {
 
 void MAPIUtils::DeliverNow() { checked(sessionOf(m_session)).call("DeliverNow", {}); }
 
-automation::Object &AddressLists::lists() {
-    if (!m_lists)
-        m_lists = checked(sessionOf(m_session)).get("AddressLists").object();
-    return checked(m_lists);
+int AddressLists::count() { return toInt32(checked(sessionOf(m_session)).ask({{"AddressLists", {}}, {"Count", {}}})); }
+
+Value AddressLists::Item(int Index) {
+    return checked(sessionOf(m_session)).ask({{"AddressLists", {}}, {"Item", {Index}}});
 }
-
-int AddressLists::count() { return toInt32(lists().get("Count")); }
-
-Value AddressLists::Item(int Index) { return lists().call("Item", {Index}); }
 
 int ButtonHolder::version() const { return fileVersion; }
 

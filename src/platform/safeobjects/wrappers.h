@@ -85,10 +85,7 @@ class AddressLists : public automation::Exposed {
     Q_INVOKABLE Value Item(int Index);
 
   private:
-    automation::Object &lists();
-
     SessionSource m_session;
-    automation::ObjectPtr m_lists;
 };
 
 /// The add-in, as far as programs ask for it: its version.

@@ -61,6 +61,7 @@ struct AsDouble {
     double operator()(const automation::ObjectPtr &value) const {
         throw Failure(value ? failures::memberMissing : failures::objectNotSet);
     }
+    double operator()(const ValueList &) const { mismatch(); }
 };
 
 struct AsText {
@@ -77,6 +78,7 @@ struct AsText {
     QString operator()(const automation::ObjectPtr &value) const {
         throw Failure(value ? failures::memberMissing : failures::objectNotSet);
     }
+    QString operator()(const ValueList &) const { mismatch(); }
 
   private:
     /// Exact, with no zeros behind the last decimal.
@@ -191,7 +193,7 @@ bool isNumeric(const Value &value) {
         const std::optional<double> number = parseNumber(std::get<QString>(value.held()));
         return number && std::isfinite(*number);
     }
-    return !(value.isNull() || value.isMissing() || value.isObject() || value.holds<DateTime>());
+    return !(value.isNull() || value.isMissing() || value.isObject() || value.isArray() || value.holds<DateTime>());
 }
 
 bool isDate(const Value &value) {

@@ -24,7 +24,8 @@ double roundHalfEven(double number);
 /// Rounded to so many decimals (0 to 15).
 double roundHalfEven(double number, int decimals);
 
-/// Empty is 0, true -1; text is read by the region, with hexadecimal as &H1F. Fails with 6, 13, 94.
+/// Empty is 0, true -1; text is read by the region, with hexadecimal as &H1F. Fails with 6, 13, 94. An array has
+/// no form in any other kind (13).
 qint16 toInt16(const Value &value);
 qint32 toInt32(const Value &value);
 double toDouble(const Value &value);

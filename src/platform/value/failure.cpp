@@ -24,6 +24,8 @@ QString Failure::standardDescription(qint32 number) {
         return QStringLiteral("Division by zero");
     case failures::typeMismatch:
         return QStringLiteral("Type mismatch");
+    case failures::outOfStack:
+        return QStringLiteral("Out of stack space");
     case failures::fileNotFound:
         return QStringLiteral("File not found");
     case failures::fileExists:

@@ -19,6 +19,7 @@ constexpr qint32 outOfMemory = 7;
 constexpr qint32 subscriptOutOfRange = 9;
 constexpr qint32 divisionByZero = 11;
 constexpr qint32 typeMismatch = 13;
+constexpr qint32 outOfStack = 28;
 constexpr qint32 fileNotFound = 53;
 constexpr qint32 fileExists = 58;
 constexpr qint32 diskFull = 61;

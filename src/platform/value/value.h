@@ -16,9 +16,13 @@ class Object;
 using ObjectPtr = std::shared_ptr<Object>;
 } // namespace automation
 
+class Value;
+using ValueList = QList<Value>;
+
 /// One of: Empty (never set), Null (a stored "no value"), Missing (an argument left out), boolean, 16- or 32-bit
-/// integer, double, currency, date-time, text, object reference. An object reference without an object is Nothing.
-/// Empty, Null, Missing and Nothing are four different values.
+/// integer, double, currency, date-time, text, object reference, array. An object reference without an object is
+/// Nothing. Empty, Null, Missing and Nothing are four different values. An array is a list of values of any kinds, also
+/// of arrays.
 class Value {
   public:
     struct Null {
@@ -28,7 +32,7 @@ class Value {
         friend bool operator==(Missing, Missing) { return true; }
     };
     using Held = std::variant<std::monostate, Null, Missing, bool, qint16, qint32, double, Currency, DateTime, QString,
-                              automation::ObjectPtr>;
+                              automation::ObjectPtr, ValueList>;
 
     Value() = default;
     Value(Null null) : m_held(null) {}
@@ -42,6 +46,8 @@ class Value {
     Value(QString value) : m_held(std::move(value)) {}
     Value(const char *utf8) : m_held(QString::fromUtf8(utf8)) {}
     Value(automation::ObjectPtr object) : m_held(std::move(object)) {}
+    /// Asked for by name, so that a list in braces stays the list that it is.
+    explicit Value(ValueList array) : m_held(std::move(array)) {}
     /// Other pointers would turn into booleans.
     template <class T>
     Value(const T *) = delete;
@@ -53,6 +59,7 @@ class Value {
     [[nodiscard]] bool isMissing() const { return holds<Missing>(); }
     [[nodiscard]] bool isText() const { return holds<QString>(); }
     [[nodiscard]] bool isObject() const { return holds<automation::ObjectPtr>(); }
+    [[nodiscard]] bool isArray() const { return holds<ValueList>(); }
     [[nodiscard]] bool isNothing() const;
     template <class T>
     [[nodiscard]] bool holds() const {
@@ -63,6 +70,9 @@ class Value {
     /// The object; fails with 424 for a value that is no object reference. May be Nothing.
     [[nodiscard]] const automation::ObjectPtr &object() const;
 
+    /// The values of an array; fails with 13 for a value that is none.
+    [[nodiscard]] const ValueList &array() const;
+
     /// The kind's name for messages and logs, such as "Text".
     [[nodiscard]] QString kindName() const;
 
@@ -72,5 +82,3 @@ class Value {
   private:
     Held m_held;
 };
-
-using ValueList = QList<Value>;

@@ -479,17 +479,6 @@ TEST_F(FolderMonitor, WhatOthersDoToATicketWhileAReplyIsNotedStandsBesideIt) {
 
 // ---- the ends of the road
 
-// Each question is a round trip to another process, so their number is what a mail costs beside its commits.
-TEST_F(FolderMonitor, AMailAsksTheHostFewQuestions) {
-    const auto questions = countQuestions();
-    start();
-    deliver({.subject = "the first makes the folders"});
-    questions->clear();
-    deliver({.html = "<html><body><p>noise</p></body></html>"});
-    ASSERT_EQ(subjects(tickets()).size(), 2);
-    EXPECT_LE(questions->size(), 108) << questions->join('\n').toStdString();
-}
-
 TEST_F(FolderMonitor, ATicketItemThatCannotBeNumberedIsNotLeftBehind) {
     auto &copy = start();
     copy.answers.expect("Failed to open tblTickets for writing!");

@@ -30,6 +30,7 @@ QVariant bound(const Value &value) {
         QVariant operator()(Value::Null) const { return {}; }
         QVariant operator()(Value::Missing) const { return {}; }
         QVariant operator()(const automation::ObjectPtr &) const { throw Failure(failures::typeMismatch); }
+        QVariant operator()(const ValueList &) const { throw Failure(failures::typeMismatch); }
     };
     return std::visit(Visitor{}, value.held());
 }
