@@ -26,7 +26,8 @@ class FakeControl : public controls::Control {
         m_index = -1;
     }
     void AddItem(const QString &text) override { m_rows.append(ValueList{text}); }
-    void AddItems(const QStringList &texts) override {
+    void SetItems(const QStringList &texts) override {
+        Clear();
         for (const QString &text : texts)
             AddItem(text);
     }

@@ -50,6 +50,8 @@ class FakeObject : public automation::Object {
     static QString told(const Value &value) {
         if (value.isMissing())
             return QStringLiteral("(missing)");
+        if (value.isArray())
+            return QStringLiteral("(%1 values)").arg(value.array().size());
         return value.isObject() ? "(" + value.object()->typeName() + ")" : toText(value);
     }
     void check(const QString &member) const {

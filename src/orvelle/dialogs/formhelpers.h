@@ -11,7 +11,7 @@ template <class T>
 void subFillCombo(controls::Control &combo, const Ref<scripting::Dictionary<T>> &dic) {
     const QString strValue = toText(combo.Value());
     combo.Clear();
-    combo.AddItems(dic->Keys());
+    combo.SetItems(dic->Keys());
     if (!strValue.isEmpty())
         combo.SetValue(strValue);
 }

@@ -9,9 +9,8 @@ void FormControl::SetValue(const ::Value &value) { put("Value", value); }
 void FormControl::Clear() { call("Clear"); }
 void FormControl::AddItem(const QString &text) { call("AddItem", {text}); }
 
-void FormControl::AddItems(const QStringList &texts) {
-    for (const QString &text : texts)
-        AddItem(text);
+void FormControl::SetItems(const QStringList &texts) {
+    put("List", ::Value(ValueList(texts.begin(), texts.end())));
 }
 
 int FormControl::ListCount() const { return number("ListCount"); }

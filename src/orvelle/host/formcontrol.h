@@ -18,7 +18,7 @@ class FormControl : public Handle, public controls::Control {
     void SetValue(const ::Value &value) override;
     void Clear() override;
     void AddItem(const QString &text) override;
-    void AddItems(const QStringList &texts) override;
+    void SetItems(const QStringList &texts) override;
     [[nodiscard]] int ListCount() const override;
     [[nodiscard]] ::Value List(int row, int column = 0) const override;
     void SetList(int row, int column, const ::Value &value) override;

@@ -4,6 +4,7 @@
 /// System code reaches the host through these alone. An empty handle is Nothing, and any member of it fails with 91.
 #pragma once
 
+#include "orvelle/host/formcontrol.h"
 #include "orvelle/host/windows.h"
 
 namespace host {

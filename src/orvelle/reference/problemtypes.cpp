@@ -56,7 +56,7 @@ void cProblemTypes::AddToComboOrList(controls::Control &cmbCombo, qint16 intCatC
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
     const auto member = intCatChoice == 1 ? &cProblemType::ProblemDescription : &cProblemType::ProblemCategory;
-    cmbCombo.AddItems(distinctTexts(*DicList, member));
+    cmbCombo.SetItems(distinctTexts(*DicList, member));
     if (!shown.isEmpty())
         cmbCombo.SetText(shown);
 }

@@ -39,7 +39,7 @@ cResponsibles::cResponsibles() : DicList(fncCreateDic<Ref<cResponsible>>()) {}
 void cResponsibles::AddToComboOrList(controls::Control &cmbCombo) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
-    cmbCombo.AddItems(fncNotBlank(DicList->Keys()));
+    cmbCombo.SetItems(fncNotBlank(DicList->Keys()));
     if (!shown.isEmpty())
         cmbCombo.SetText(shown);
 }

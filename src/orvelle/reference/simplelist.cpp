@@ -52,7 +52,7 @@ void cSimpleList::FromString(const QString &JoinedList) try {
 void cSimpleList::AddToComboOrList(controls::Control &cmbCombo, QString &strDefaultValue) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
-    cmbCombo.AddItems(fncNotBlank(DicList->Items()));
+    cmbCombo.SetItems(fncNotBlank(DicList->Items()));
     if (!shown.isEmpty())
         strDefaultValue = shown;
     if (strDefaultValue.isEmpty())

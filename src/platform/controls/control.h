@@ -27,8 +27,8 @@ class Control {
     virtual void Clear() = 0;
     /// Appends a row whose first column is the text.
     virtual void AddItem(const QString &text) = 0;
-    /// Appends so many rows in one step, however far away the control is.
-    virtual void AddItems(const QStringList &texts) = 0;
+    /// Puts rows of these texts in place of all that stand there, in one step however far away the control is.
+    virtual void SetItems(const QStringList &texts) = 0;
     [[nodiscard]] virtual int ListCount() const = 0;
 
     /// Rows and columns count from 0. Fails with 9 for a row that is not there.

@@ -49,7 +49,7 @@ QWidget *makeText(Field &field) {
 QWidget *makeChoice(Field &field) {
     auto *choice = new QComboBox;
     WidgetControl control(*choice);
-    control.AddItems(field.choices);
+    control.SetItems(field.choices);
     // A value of no row leaves the first one chosen.
     if (Attempt([&] { control.SetText(field.value); }) && control.ListCount() > 0)
         control.SetListIndex(0);

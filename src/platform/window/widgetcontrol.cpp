@@ -106,22 +106,31 @@ void WidgetControl::Clear() {
         SetText({});
 }
 
-void WidgetControl::AddItem(const QString &text) { AddItems({text}); }
-
-void WidgetControl::AddItems(const QStringList &texts) {
+void WidgetControl::AddItem(const QString &text) {
+    if (auto *list = as<QListWidget>())
+        return list->addItem(text);
     auto *combo = as<QComboBox>();
-    auto *list = as<QListWidget>();
-    if (!combo && !list)
+    if (!combo)
         lacking(widget());
-    if (list)
-        return list->addItems(texts);
     // A combo would choose its first row by itself.
     const int chosen = combo->currentIndex();
     const QString shown = combo->currentText();
-    combo->addItems(texts);
+    combo->addItem(text);
     combo->setCurrentIndex(chosen);
     if (combo->isEditable())
         combo->setEditText(shown);
+}
+
+void WidgetControl::SetItems(const QStringList &texts) {
+    static_cast<void>(rows());
+    Clear();
+    if (auto *list = as<QListWidget>())
+        return list->addItems(texts);
+    auto *combo = as<QComboBox>();
+    combo->addItems(texts);
+    combo->setCurrentIndex(-1);
+    if (combo->isEditable())
+        combo->clearEditText();
 }
 
 int WidgetControl::ListCount() const { return rows().rowCount(); }

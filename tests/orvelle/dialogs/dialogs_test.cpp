@@ -4,6 +4,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/formhelpers.h"
+#include "orvelle/host/formcontrol.h"
 #include "support/fakecontrol.h"
 #include "support/fakeobject.h"
 #include "support/program.h"
@@ -166,6 +167,19 @@ TEST_F(Dialogs, AComboKeepsItsValue) {
     subFillCombo(combo, dic);
     EXPECT_EQ(combo.rows(), (QStringList{"b", "a"}));
     EXPECT_EQ(combo.Text(), "not in the list");
+}
+
+TEST_F(Dialogs, AComboOfTheHostIsFilledInOneQuestion) {
+    const auto dic = fncCreateDic<QString>();
+    for (int i = 0; i < 5000; ++i)
+        dic->Add(QString("Caller %1").arg(i), "");
+    const auto fake = std::make_shared<support::FakeObject>("ComboBox");
+    fake->properties["Value"] = "Caller 7";
+    fake->calls["Clear"] = [](const ValueList &) { return Value(); };
+    host::FormControl combo(automation::ObjectPtr{fake});
+    subFillCombo(combo, dic);
+    EXPECT_EQ(fake->log, (QStringList{"Clear()", "List=(5000 values)", "Value=Caller 7"}));
+    EXPECT_EQ(fake->properties["List"].array().last(), Value("Caller 4999"));
 }
 
 } // namespace

@@ -36,8 +36,9 @@ TEST(WidgetControl, AComboTakesAnyTextAndAListOnlyItsRows) {
          {static_cast<QWidget *>(&combo), static_cast<QWidget *>(&list), static_cast<QWidget *>(&box)}) {
         SCOPED_TRACE(widget->metaObject()->className());
         window::WidgetControl control(*widget);
-        control.AddItem("a");
-        control.AddItems({"b", "a", "C"});
+        control.AddItem("before");
+        control.SetItems({"a", "b", "a"});
+        control.AddItem("C");
         EXPECT_EQ(rowsOf(control), (QStringList{"a", "b", "a", "C"}));
         EXPECT_EQ(control.ListIndex(), -1) << "nothing is chosen by itself";
         EXPECT_EQ(control.Text(), "");
