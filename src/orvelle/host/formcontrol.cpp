@@ -9,9 +9,7 @@ void FormControl::SetValue(const ::Value &value) { put("Value", value); }
 void FormControl::Clear() { call("Clear"); }
 void FormControl::AddItem(const QString &text) { call("AddItem", {text}); }
 
-void FormControl::SetItems(const QStringList &texts) {
-    put("List", ::Value(ValueList(texts.begin(), texts.end())));
-}
+void FormControl::SetItems(const QStringList &texts) { put("List", ::Value(ValueList(texts.begin(), texts.end()))); }
 
 int FormControl::ListCount() const { return number("ListCount"); }
 ::Value FormControl::List(int row, int column) const { return call("List", {row, column}); }
