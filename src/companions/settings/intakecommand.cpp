@@ -78,7 +78,7 @@ class DeskRun {
     }
     ~DeskRun() {
         objRootExplorer = Ref<cRootExplorer>();
-        static_cast<void>(Attempt([] { subCleanupSafeUtils(); }));
+        Attempt([] { subCleanupSafeUtils(); });
         subCloseConnection();
         reportTarget = Ref<ReportTarget>();
         objSettings = Ref<cSettings>();
@@ -219,7 +219,7 @@ Repaired repair(const Options &options) {
             repaired.all.append({each, fncFinish(each)});
     }
     if (!repaired.all.isEmpty())
-        static_cast<void>(Attempt([] { subDeliverNow(); }));
+        Attempt([] { subDeliverNow(); });
     return repaired;
 }
 

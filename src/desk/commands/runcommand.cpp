@@ -81,7 +81,7 @@ FolderPlace firstFolder(Session &session, const QString &asked) {
     FolderPlace place{&session.mailbox(), session.specialFolder(SpecialFolder::Inbox)};
     const QString remembered = session.profile().openPath();
     if (!remembered.isEmpty())
-        static_cast<void>(Attempt([&] { place = folderAt(session, remembered); }));
+        Attempt([&] { place = folderAt(session, remembered); });
     return place;
 }
 

@@ -55,7 +55,7 @@ Mailboxes::Mailboxes(const Profile &profile)
     }
     m_others = std::make_unique<OtherMailboxes>(*this);
     // Whoever needs one that can't be opened learns of it then; a running desk says so by itself.
-    static_cast<void>(Attempt([&] { m_others->look(); }));
+    Attempt([&] { m_others->look(); });
     m_directory = std::make_unique<Directory>(*this);
     m_changes = std::make_unique<StoreChanges>(*this);
 }

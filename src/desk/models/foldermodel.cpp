@@ -114,11 +114,11 @@ void FolderModel::fetchMore(const QModelIndex &parent) {
     if (m_isChanging || !canFetchMore(parent))
         return;
     Node &node = *nodeOf(parent);
-    static_cast<void>(Attempt([&] {
+    Attempt([&] {
         const QList<CountedFolder> children = childrenOf(node);
         node.isRead = true;
         replace(node, QList<Place>(children.size(), {.store = node.place.store}), children);
-    }));
+    });
 }
 
 QVariant FolderModel::data(const QModelIndex &index, int role) const {

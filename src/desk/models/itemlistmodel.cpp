@@ -150,12 +150,12 @@ QVariant ItemListModel::data(const QModelIndex &index, int role) const {
 
 const ItemRecord *ItemListModel::recordAt(int position) const {
     if (!m_rows.at(position))
-        static_cast<void>(Attempt([&] { load(position); }));
+        Attempt([&] { load(position); });
     ListRow *row = m_rows.at(position);
     if (!row)
         return nullptr;
     if (!row->record)
-        static_cast<void>(Attempt([&] { row->record = m_store->item(row->mark.id); }));
+        Attempt([&] { row->record = m_store->item(row->mark.id); });
     return row->record ? &*row->record : nullptr;
 }
 
@@ -433,14 +433,14 @@ void ItemListModel::setOrder(const ItemOrder &order) {
     m_list.emplace(*m_store, m_folder, m_order);
     m_rows.reset(m_rows.count());
     QHash<int, int> moved;
-    static_cast<void>(Attempt([&] {
+    Attempt([&] {
         const StoreMoment moment = m_store->moment();
         m_isMiscounted = m_store->revision() != m_revision;
         ListRows::Rows rows = standingRows(followed.keys());
         for (const ListRow &row : rows)
             moved.insert(followed[row.mark.id], row.position);
         m_rows.learn(std::move(rows));
-    }));
+    });
     for (const QModelIndex &from : held) {
         const auto to = moved.constFind(from.row());
         changePersistentIndex(from, to == moved.cend() ? QModelIndex() : index(*to, from.column()));
@@ -562,7 +562,7 @@ void ItemListModel::step() {
     if (m_sweep.isUnderWay)
         m_stepTimer.start(0ms);
     else
-        static_cast<void>(Attempt([this] { startSweep(); }));
+        Attempt([this] { startSweep(); });
 }
 
 } // namespace desk

@@ -103,10 +103,10 @@ void Windows::closeAll() {
     constexpr int saveChanges = 0;
     const auto inspectors = m_inspectors;
     for (auto each = inspectors.crbegin(); each != inspectors.crend(); ++each)
-        static_cast<void>(Attempt([&] { (*each)->Close(saveChanges); }));
+        Attempt([&] { (*each)->Close(saveChanges); });
     const auto explorers = m_explorers;
     for (auto each = explorers.crbegin(); each != explorers.crend(); ++each)
-        static_cast<void>(Attempt([&] { (*each)->Close(); }));
+        Attempt([&] { (*each)->Close(); });
 }
 
 } // namespace desk

@@ -149,7 +149,7 @@ Transaction::Transaction(Connection &connection, Kind kind) : m_connection(conne
 Transaction::~Transaction() {
     if (m_open)
         // After some failures the engine has rolled back by itself and says so: that is what is wanted.
-        static_cast<void>(Attempt([this] { m_connection.run("ROLLBACK"); }));
+        Attempt([this] { m_connection.run("ROLLBACK"); });
 }
 
 void Transaction::commit() {

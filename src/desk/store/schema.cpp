@@ -190,13 +190,13 @@ void upgrade(Connection &connection) {
     constexpr qint64 partThatIsAdded = 4;
     if (!hasRoom(connection.path(), Growth::NewItem, QFileInfo(connection.path()).size() / partThatIsAdded))
         return;
-    static_cast<void>(Attempt([&] {
+    Attempt([&] {
         Transaction transaction(connection);
         // Another process may have done it while this one waited.
         if (checkedVersion(connection) == 1)
             addCountsAndOrders(connection);
         transaction.commit();
-    }));
+    });
 }
 
 /// A file that was put together by other means could say so and not do so.
@@ -281,7 +281,7 @@ Prepared prepareStore(Connection &connection, const QString &rootName, std::chro
         transaction.commit();
     } else {
         // Without them the store works as it did.
-        static_cast<void>(Attempt([&] { createFolderIndexes(connection); }));
+        Attempt([&] { createFolderIndexes(connection); });
     }
     if (version == 1)
         upgrade(connection);

@@ -174,7 +174,7 @@ ItemRecord Transfer::move(const ItemRecord &item, FolderId folder) {
             taken = takeFromSource(whole, item, incoming);
         } catch (const Failure &) {
             // What cannot be dropped is settled later.
-            static_cast<void>(Attempt([&] { dropForGood(incoming); }));
+            Attempt([&] { dropForGood(incoming); });
             throw;
         }
         if (!taken) {
@@ -188,7 +188,7 @@ ItemRecord Transfer::move(const ItemRecord &item, FolderId folder) {
                                          "opened again. %2")
                               .arg(m_target.path(), failure->description()));
         // The note left in the source does no harm until it is cleared.
-        static_cast<void>(Attempt([&] { forget(incoming.number); }));
+        Attempt([&] { forget(incoming.number); });
         return revealed;
     }
     throw Failure(failures::itemChanged,

@@ -20,7 +20,7 @@ ProcessLocal<bool> blnDictionaryHealed;
 
 /// Registers a component's file with the system, without waiting.
 void subRegister(const QString &strFile) {
-    (void)Attempt([&] { launch::currentLauncher().start("regsvr32", {strFile, "/s"}); });
+    Attempt([&] { launch::currentLauncher().start("regsvr32", {strFile, "/s"}); });
 }
 
 [[noreturn]] void subCannotCreate(const QString &strName) {

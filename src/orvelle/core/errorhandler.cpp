@@ -67,7 +67,7 @@ void subErrorHandler(const Failure &failure, const QString &strProcedure, std::s
 void subErrorHandler(const QString &strDescription, qint32 lngNumber, qint32 intLine, const QString &strProcedure) {
     // Steps that were interrupted by the end fail on what has been released: that is no report's business.
     if (!blnReportShown && !fncIsEnding())
-        (void)Attempt([&] { subReport(strDescription, lngNumber, intLine, strProcedure); });
+        Attempt([&] { subReport(strDescription, lngNumber, intLine, strProcedure); });
     subQuit();
 }
 

@@ -39,7 +39,7 @@ void subReleaseOnce() {
         return;
     blnEnding = true;
     if (const auto subRelease = processHooks->subReleaseAll)
-        (void)Attempt(subRelease);
+        Attempt(subRelease);
 }
 
 void subReleaseAll() {

@@ -64,5 +64,5 @@ void subPrintFile(const QString &strPath) {
 }
 
 void subOpenURL(const QString &strURL) {
-    (void)Attempt([&] { scripting::Shell().Run(strURL, 1); });
+    Attempt([&] { scripting::Shell().Run(strURL, 1); });
 }

@@ -32,7 +32,7 @@ void subMakeRoom(QString &strFile, bool blnRetry) {
     constexpr qsizetype lngExtension = 4;
     for (qint32 intCounter = 1; fsoFileSystem->FileExists(strFile); ++intCounter) {
         strFile.insert(std::max<qsizetype>(strFile.size() - lngExtension, 0), QString::number(intCounter));
-        (void)Attempt(subDelete);
+        Attempt(subDelete);
     }
 }
 
@@ -78,7 +78,7 @@ QString fncLongFolderPath(const Ref<scripting::Folder> &folder) {
     const Ref<scripting::Folder> parent = folder->ParentFolder();
     QString strName = folder->Name();
     // A parent that may not be listed has no more to say about the name.
-    (void)Attempt([&] {
+    Attempt([&] {
         for (const Ref<scripting::Folder> &sub : parent->SubFolders()) {
             if (sub->ShortName() == folder->ShortName()) {
                 strName = sub->Name();

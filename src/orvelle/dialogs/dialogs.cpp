@@ -17,7 +17,7 @@ constexpr qint32 intIconInformation = 4;
 
 /// Brings the host's window to the front, so that the message is seen.
 void subActivateHost(const host::Application &oua) {
-    (void)Attempt([&] {
+    Attempt([&] {
         const host::Handle window = oua.ActiveWindow();
         // The shell reaches the windows of this process alone. One of another process comes forward by its own hand.
         if (!scripting::Shell().AppActivate(toText(window.get("Caption"))))
@@ -109,7 +109,7 @@ void subApplyBackColorToControl(const controls::Pixels &hDC, controls::Control &
             ctl.SetBackColor(*lngColor);
     });
     if (failure && lngKept)
-        (void)Attempt([&] { ctl.SetBackColor(*lngKept); });
+        Attempt([&] { ctl.SetBackColor(*lngKept); });
 }
 
 void subInitCommonControls() {}

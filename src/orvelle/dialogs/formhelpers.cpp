@@ -7,11 +7,11 @@
 void subEnsureVisibleTaskBar(controls::Form &frm, const QString &strTitle) try {
     subTrace("Trying to make sure the form appears in the Activity bar");
     frm.SetInTaskBar(true);
-    (void)Attempt([&] {
+    Attempt([&] {
         if (!strTitle.isEmpty())
             window::activate(strTitle);
     });
-    (void)Attempt([&] {
+    Attempt([&] {
         if (!frm.Visible())
             return;
         window::activate(frm.Caption());

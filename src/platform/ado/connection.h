@@ -74,7 +74,7 @@ class Moment {
   public:
     explicit Moment(Connection &connection) : m_connection(connection) { m_connection.BeginReading(); }
     ~Moment() {
-        static_cast<void>(Attempt([this] { m_connection.RollbackTrans(); }));
+        Attempt([this] { m_connection.RollbackTrans(); });
     }
     Moment(const Moment &) = delete;
     Moment &operator=(const Moment &) = delete;

@@ -175,7 +175,7 @@ void Recordset::Together(const std::function<void()> &changes) {
         std::shared_ptr<Provider> provider;
         ~Run() {
             if (provider)
-                static_cast<void>(Attempt([&] { provider->endRun(); }));
+                Attempt([&] { provider->endRun(); });
         }
     } run{m_provider};
     m_provider->beginRun();

@@ -16,7 +16,7 @@ TextStream::TextStream(const QString &path, bool unicode)
     : m_target(std::make_unique<Replacement>(path)), m_unicode(unicode), m_writing(true) {}
 
 TextStream::~TextStream() {
-    (void)Attempt([&] { Close(); });
+    Attempt([&] { Close(); });
 }
 
 void TextStream::require(bool writing) const {
