@@ -7,7 +7,7 @@ ProcessLocal<ChooseConnectionForm> frmChooseConnection;
 
 namespace {
 
-window::Field control(window::Field::Kind kind, const char *name, const QString &caption, bool ticked) {
+window::Field fncControl(window::Field::Kind kind, const char *name, const QString &caption, bool ticked) {
     window::Field field;
     field.kind = kind;
     field.name = name;
@@ -30,9 +30,10 @@ void ChooseConnectionForm::ShowModal() {
     sheet.buttons = {{"cmdOK", LNGOK}};
     sheet.cautious = "cmdOK";
     // Servers are not offered while they can't be reached.
-    sheet.fields.append(control(window::Field::Kind::Option, "optNewAccessDatabase", LNGCREATENEWACCESSDATABASE, true));
+    sheet.fields.append(
+        fncControl(window::Field::Kind::Option, "optNewAccessDatabase", LNGCREATENEWACCESSDATABASE, true));
     if (!blnHideExampleDataOption)
-        sheet.fields.append(control(window::Field::Kind::Check, "chkExampleData", LNGLOADEXAMPLEDATA, false));
+        sheet.fields.append(fncControl(window::Field::Kind::Check, "chkExampleData", LNGLOADEXAMPLEDATA, false));
     blnHideExampleDataOption = true;
 
     if (window::showSheet(sheet) != "cmdOK")

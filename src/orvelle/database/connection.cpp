@@ -27,50 +27,50 @@ constexpr qint32 forReading = 1;
 constexpr qint32 forWriting = 2;
 constexpr qint32 systemCodePage = -2;
 
-ReportTarget &target() {
+ReportTarget &fncTarget() {
     if (!reportTarget.get())
         reportTarget = Ref<ReportTarget>::make();
     return *reportTarget.get();
 }
 
-QString useFile(const QString &strAccessPath) {
-    target().ReportTo = jetFile;
-    target().ReportToValue = strAccessPath;
+QString fncUseFile(const QString &strAccessPath) {
+    fncTarget().ReportTo = jetFile;
+    fncTarget().ReportToValue = strAccessPath;
     return fncFileConnection(strAccessPath);
 }
 
-QString useServer(const QString &strConnection) {
-    target().ReportTo = databaseServer;
-    target().ReportToValue = strConnection;
+QString fncUseServer(const QString &strConnection) {
+    fncTarget().ReportTo = databaseServer;
+    fncTarget().ReportToValue = strConnection;
     return strConnection;
 }
 
 /// The text of `DBConnection.txt`; nothing when the file is empty.
-std::optional<QString> readConnection(const QString &strFile) {
+std::optional<QString> fncReadConnection(const QString &strFile) {
     const Ref<scripting::TextStream> stream = fsoFileSystem->OpenTextFile(strFile, forReading, false, systemCodePage);
     if (stream->AtEndOfStream())
         return std::nullopt;
     return stream->ReadAll();
 }
 
-QString storeConnection(const QString &strFile, const QString &strConnection) {
+QString fncStoreConnection(const QString &strFile, const QString &strConnection) {
     const Ref<scripting::TextStream> stream = fsoFileSystem->OpenTextFile(strFile, forWriting, true, systemCodePage);
     stream->Write(strConnection);
     stream->Close();
-    return useServer(strConnection);
+    return fncUseServer(strConnection);
 }
 
 /// What the person chose on a first start.
-QString chooseConnection(const QString &strAccessPath, const QString &strConnectionFile) {
+QString fncChooseConnection(const QString &strAccessPath, const QString &strConnectionFile) {
     ChooseConnectionForm &form = frmChooseConnection.get();
     form.strSQLScriptFileName = strScriptFile;
     form.ShowModal();
     switch (form.intConnectionOption) {
     case 1:
         fncCreateAccessDB(strAccessPath);
-        return useFile(strAccessPath);
+        return fncUseFile(strAccessPath);
     case 2:
-        return storeConnection(strConnectionFile, fncCreateSQLDB(strServerDatabase));
+        return fncStoreConnection(strConnectionFile, fncCreateSQLDB(strServerDatabase));
     default:
         return {};
     }
@@ -107,18 +107,18 @@ QString fncGetConnection() try {
         const QString strAccessPath = fncDatabaseFile(strDBPath->trimmed() + "\\");
         subTrace("strAccessPath = " + strAccessPath);
         if (fsoFileSystem->FileExists(strAccessPath))
-            return useFile(strAccessPath);
+            return fncUseFile(strAccessPath);
         const QString strConnectionFile = *strDBPath + "\\" + strConnectionFileName;
         if (fsoFileSystem->FileExists(strConnectionFile)) {
-            if (const std::optional<QString> strConnection = readConnection(strConnectionFile))
-                return useServer(*strConnection);
+            if (const std::optional<QString> strConnection = fncReadConnection(strConnectionFile))
+                return fncUseServer(*strConnection);
             // An empty file means that nothing is set up.
             fsoFileSystem->DeleteFile(strConnectionFile, true);
             continue;
         }
         if (!*blnAllowDBCreation)
             return {};
-        return chooseConnection(strAccessPath, strConnectionFile);
+        return fncChooseConnection(strAccessPath, strConnectionFile);
     }
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncGetConnection");
@@ -129,10 +129,10 @@ void subSetupConnection() try {
     if (adoConnection.get())
         return;
     QString strConnection;
-    if (target().ReportTo == databaseServer) {
-        if (!target().ReportToValue.startsWith("Pro"))
+    if (fncTarget().ReportTo == databaseServer) {
+        if (!fncTarget().ReportToValue.startsWith("Pro"))
             fncGetConnection();
-        strConnection = target().ReportToValue;
+        strConnection = fncTarget().ReportToValue;
     } else {
         strConnection = fncGetConnection();
     }

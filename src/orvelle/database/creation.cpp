@@ -46,7 +46,7 @@ class Steps {
     bool m_good = true;
 };
 
-void addPersons(const Ref<dao::Database> &objDatabase) {
+void subAddPersons(const Ref<dao::Database> &objDatabase) {
     const Ref<dao::TableDef> objTableDef =
         fncDAOAddTable(objDatabase, "tblPersons", "intPersonID", LNGRESPONSIBLE + " ID");
     Columns(objTableDef)
@@ -55,7 +55,7 @@ void addPersons(const Ref<dao::Database> &objDatabase) {
         .add("strEmail", dao::dbText, LNGEMAIL);
 }
 
-void addTickets(const Ref<dao::Database> &objDatabase) {
+void subAddTickets(const Ref<dao::Database> &objDatabase) {
     const Ref<dao::TableDef> objTableDef = fncDAOAddTable(objDatabase, "tblTickets", "intTicketID", LNGTICKETID);
     Columns(objTableDef)
         .add("strTicketSubject", dao::dbText, LNGSUBJECT)
@@ -74,7 +74,7 @@ void addTickets(const Ref<dao::Database> &objDatabase) {
         .add("curRate", dao::dbCurrency, LNGRATE);
 }
 
-void addTypes(const Ref<dao::Database> &objDatabase) {
+void subAddTypes(const Ref<dao::Database> &objDatabase) {
     const Ref<dao::TableDef> objTableDef =
         fncDAOAddTable(objDatabase, "tblTypes", "intTicketType", LNGPROBLEMTYPE + " ID");
     Columns(objTableDef)
@@ -99,9 +99,9 @@ Ref<dao::Database> fncCreateV7DB(const QString &strPath) try {
     subTrace("Creating version ORVL V7 database at " + strPath);
     const Ref<dao::Database> objDatabase =
         objEngine->CreateDatabase(strPath, ";LANGID=0x0409;CP=1252;COUNTRY=0", dbVersion);
-    addPersons(objDatabase);
-    addTickets(objDatabase);
-    addTypes(objDatabase);
+    subAddPersons(objDatabase);
+    subAddTickets(objDatabase);
+    subAddTypes(objDatabase);
     return objDatabase;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncCreateV7DB");

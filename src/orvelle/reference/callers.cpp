@@ -8,7 +8,7 @@
 #include "platform/value/convert.h"
 
 namespace {
-const RecordTable<cCaller> &table() {
+const RecordTable<cCaller> &fncTable() {
     static const RecordTable<cCaller> tblCallers{
         "intCallerID",
         "strFullName",
@@ -22,7 +22,7 @@ const RecordTable<cCaller> &table() {
     return tblCallers;
 }
 
-Ref<cCaller> exampleCaller() {
+Ref<cCaller> fncExampleCaller() {
     const auto objCaller = Ref<cCaller>::make();
     objCaller->Category = "Test category";
     objCaller->Comment = "No comment";
@@ -101,13 +101,13 @@ ValueRows cCallersList::ToArray() const {
 void cCallersList::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     cCallersList stored;
     stored.FromRS(adrRS);
-    adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
+    adrRS->Together([&] { subRecordsToRS(*adrRS, fncTable(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cCallerList.ToRS");
 }
 
 Ref<cCaller> cCallersList::RandomCaller() const try {
-    return DicList->Count() == 0 ? exampleCaller() : fncRandomRecord(*DicList);
+    return DicList->Count() == 0 ? fncExampleCaller() : fncRandomRecord(*DicList);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cCallersList_RandomCaller");
 }

@@ -14,7 +14,7 @@ constexpr int forReading = 1;
 constexpr int forWriting = 2;
 constexpr int ansi = 0;
 
-QString without(QString strText, const QString &strPiece) {
+QString fncWithout(QString strText, const QString &strPiece) {
     return strPiece.isEmpty() ? strText : strText.remove(strPiece);
 }
 } // namespace
@@ -65,8 +65,8 @@ qint16 cSettings::fncReadLanguage() {
 }
 
 QString cSettings::fncGetFilePath() const {
-    const QString path = without(without(oufTickets->WebViewURL(), "file://"), "file:");
-    return without(path, fncGetFileName(path));
+    const QString path = fncWithout(fncWithout(oufTickets->WebViewURL(), "file://"), "file:");
+    return fncWithout(path, fncGetFileName(path));
 }
 
 QString cSettings::fncGetFileName(const QString &strLocation) const {

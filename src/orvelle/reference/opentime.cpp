@@ -12,89 +12,89 @@ constexpr int daysPerWeek = 7;
 
 /// With two decimals. In whole seconds, of which a hundredth of an hour has 36, so that a half is a half and no
 /// neighbour of it.
-double hours(double days) {
+double fncHours(double days) {
     const auto seconds = static_cast<double>(std::llround(days * 86400));
     return roundHalfEven(seconds / 36) / 100;
 }
 
 /// The time of day that comparisons use: hours and minutes alone.
-DateTime minuteOfDay(DateTime moment) {
+DateTime fncMinuteOfDay(DateTime moment) {
     const DateTime::TimeOfDay time = moment.timeOfDay();
     return DateTime::fromTime(time.hour, time.minute, 0);
 }
 
 /// REQUIRES: both are in the years that are calculated with, so no day lies before the zero day.
-DateTime at(DateTime day, DateTime time) { return {fncDateOnly(day).days + time.days}; }
+DateTime fncAt(DateTime day, DateTime time) { return {fncDateOnly(day).days + time.days}; }
 
-DateTime addDays(DateTime moment, int days) { return {moment.days + days}; }
+DateTime fncAddDays(DateTime moment, int days) { return {moment.days + days}; }
 
-DateTime timeSetting(const QString &strName) {
+DateTime fncTimeSetting(const QString &strName) {
     const DateTime::TimeOfDay time =
         toDateTime(objSettings->OtherSettings->GetValue(strName, settingtype::date)).timeOfDay();
     return DateTime::fromTime(time.hour, time.minute, time.second);
 }
 
-qint16 daySetting(const QString &strName) {
+qint16 fncDaySetting(const QString &strName) {
     return toInt16(objSettings->OtherSettings->GetValue(strName, settingtype::integer));
 }
 
-void readServiceTimes() {
+void subReadServiceTimes() {
     ServiceTimes &times = *serviceTimes;
-    times.ServiceStart = timeSetting("ServiceStart");
-    times.ServiceEnd = timeSetting("ServiceEnd");
-    times.BreakStart = timeSetting("BreakStart");
-    times.BreakEnd = timeSetting("BreakEnd");
-    times.DayServiceStart = daySetting("DayServiceStart");
-    times.DayServiceEnd = daySetting("DayServiceEnd");
+    times.ServiceStart = fncTimeSetting("ServiceStart");
+    times.ServiceEnd = fncTimeSetting("ServiceEnd");
+    times.BreakStart = fncTimeSetting("BreakStart");
+    times.BreakEnd = fncTimeSetting("BreakEnd");
+    times.DayServiceStart = fncDaySetting("DayServiceStart");
+    times.DayServiceEnd = fncDaySetting("DayServiceEnd");
 }
 
-bool isCalculable(DateTime moment) { return moment.isValid() && moment.year() >= 1900 && moment.year() <= 2500; }
+bool fncIsCalculable(DateTime moment) { return moment.isValid() && moment.year() >= 1900 && moment.year() <= 2500; }
 
-bool isServiceDay(int day) { return day >= serviceTimes->DayServiceStart && day <= serviceTimes->DayServiceEnd; }
+bool fncIsServiceDay(int day) { return day >= serviceTimes->DayServiceStart && day <= serviceTimes->DayServiceEnd; }
 
 /// Into the service hours of its own day, or to the next morning.
-DateTime intoServiceHours(DateTime moment) {
-    const DateTime time = minuteOfDay(moment);
+DateTime fncIntoServiceHours(DateTime moment) {
+    const DateTime time = fncMinuteOfDay(moment);
     if (time < serviceTimes->ServiceStart)
-        return at(moment, serviceTimes->ServiceStart);
-    return time <= serviceTimes->ServiceEnd ? moment : at(addDays(moment, 1), serviceTimes->ServiceStart);
+        return fncAt(moment, serviceTimes->ServiceStart);
+    return time <= serviceTimes->ServiceEnd ? moment : fncAt(fncAddDays(moment, 1), serviceTimes->ServiceStart);
 }
 
-DateTime behindBreak(DateTime moment) {
-    const DateTime time = minuteOfDay(moment);
-    return serviceTimes->BreakStart <= time && time <= serviceTimes->BreakEnd ? at(moment, serviceTimes->BreakEnd)
+DateTime fncBehindBreak(DateTime moment) {
+    const DateTime time = fncMinuteOfDay(moment);
+    return serviceTimes->BreakStart <= time && time <= serviceTimes->BreakEnd ? fncAt(moment, serviceTimes->BreakEnd)
                                                                               : moment;
 }
 
 /// Behind the service week it is the Monday after; before it, that week's first service day.
-DateTime intoServiceWeek(DateTime moment) {
+DateTime fncIntoServiceWeek(DateTime moment) {
     const int day = moment.weekdayFromMonday();
     if (day > serviceTimes->DayServiceEnd)
-        return at(addDays(moment, 8 - day), serviceTimes->ServiceStart);
+        return fncAt(fncAddDays(moment, 8 - day), serviceTimes->ServiceStart);
     if (day < serviceTimes->DayServiceStart)
-        return at(addDays(moment, serviceTimes->DayServiceStart - day), serviceTimes->ServiceStart);
+        return fncAt(fncAddDays(moment, serviceTimes->DayServiceStart - day), serviceTimes->ServiceStart);
     return moment;
 }
 
-double breakLength() { return serviceTimes->BreakEnd.days - serviceTimes->BreakStart.days; }
+double fncBreakLength() { return serviceTimes->BreakEnd.days - serviceTimes->BreakStart.days; }
 
 /// Hours between two adjusted moments of different days.
-double hoursOverDays(DateTime adjStart, DateTime adjEnd) {
-    const double fullDay = hours(serviceTimes->ServiceEnd.days - serviceTimes->ServiceStart.days - breakLength());
+double fncHoursOverDays(DateTime adjStart, DateTime adjEnd) {
+    const double fullDay = fncHours(serviceTimes->ServiceEnd.days - serviceTimes->ServiceStart.days - fncBreakLength());
     return fullDay * fncBusinessDays(adjStart, adjEnd) + fncGetOpenHoursToClose(adjStart) +
            fncGetOpenHoursFromOpen(adjEnd);
 }
 } // namespace
 
 qint32 fncCalcOpenTime(DateTime dteStart, DateTime dteEnd) try {
-    if (!isCalculable(dteStart) || !isCalculable(dteEnd))
+    if (!fncIsCalculable(dteStart) || !fncIsCalculable(dteEnd))
         return 0;
     subTrace("Calculating the open time between " + toText(dteStart) + " - " + toText(dteEnd));
-    readServiceTimes();
+    subReadServiceTimes();
     const DateTime adjStart = fncAdjustTimeBusiness(dteStart);
     const DateTime adjEnd = fncAdjustTimeBusiness(dteEnd);
     const bool sameDay = fncDateOnly(adjEnd) == fncDateOnly(adjStart);
-    const double open = sameDay ? hours(adjEnd.days - adjStart.days) : hoursOverDays(adjStart, adjEnd);
+    const double open = sameDay ? fncHours(adjEnd.days - adjStart.days) : fncHoursOverDays(adjStart, adjEnd);
     return toInt32(open * 60);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncCalcOpenTime");
@@ -102,37 +102,37 @@ qint32 fncCalcOpenTime(DateTime dteStart, DateTime dteEnd) try {
 
 DateTime fncAdjustTimeBusiness(DateTime dteTime) try {
     subTrace("Adjusting time to fit businesshours " + toText(dteTime));
-    return intoServiceWeek(behindBreak(intoServiceHours(dteTime)));
+    return fncIntoServiceWeek(fncBehindBreak(fncIntoServiceHours(dteTime)));
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncAdjustTimeBusiness");
 }
 
 double fncGetOpenHoursToClose(DateTime dteTime) try {
     subTrace("Calculates the hours a ticket was open from start to business closing time " + toText(dteTime));
-    const DateTime time = minuteOfDay(dteTime);
+    const DateTime time = fncMinuteOfDay(dteTime);
     const double left = serviceTimes->ServiceEnd.days - time.days;
-    return hours(time < serviceTimes->BreakStart ? left - breakLength() : left);
+    return fncHours(time < serviceTimes->BreakStart ? left - fncBreakLength() : left);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncGetOpenHoursToClose");
 }
 
 double fncGetOpenHoursFromOpen(DateTime dteTime) {
     subTrace("Calculates the hours a ticket was open from business opening to ticket closing " + toText(dteTime));
-    const DateTime time = minuteOfDay(dteTime);
+    const DateTime time = fncMinuteOfDay(dteTime);
     const double passed = time.days - serviceTimes->ServiceStart.days;
-    return hours(time >= serviceTimes->BreakEnd ? passed - breakLength() : passed);
+    return fncHours(time >= serviceTimes->BreakEnd ? passed - fncBreakLength() : passed);
 }
 
 qint32 fncBusinessDays(DateTime dteStart, DateTime dteEnd) {
     subTrace("Calculating business days between " + toText(dteStart) + " and " + toText(dteEnd));
-    const DateTime first = addDays(fncDateOnly(dteStart), 1);
+    const DateTime first = fncAddDays(fncDateOnly(dteStart), 1);
     const int between = static_cast<int>(fncDateOnly(dteEnd).days - first.days);
     if (between <= 0)
         return 0;
     int perWeek = 0;
     int inRest = 0;
     for (int day = 0; day < daysPerWeek; ++day) {
-        if (!isServiceDay((first.weekdayFromMonday() - 1 + day) % daysPerWeek + 1))
+        if (!fncIsServiceDay((first.weekdayFromMonday() - 1 + day) % daysPerWeek + 1))
             continue;
         ++perWeek;
         if (day < between % daysPerWeek)

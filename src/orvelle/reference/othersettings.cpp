@@ -12,9 +12,9 @@ namespace {
 constexpr int nameColumn = 1;
 constexpr int textColumn = 2;
 
-QString textOf(const Value &value) { return value.isNull() ? QString() : toText(value); }
+QString fncTextOf(const Value &value) { return value.isNull() ? QString() : toText(value); }
 
-Value convert(const QString &strText, qint32 intDataType) {
+Value fncConvert(const QString &strText, qint32 intDataType) {
     switch (intDataType) {
     case settingtype::integer:
         return isNumeric(strText) ? toInt16(strText) : qint16{0};
@@ -29,7 +29,7 @@ Value convert(const QString &strText, qint32 intDataType) {
     }
 }
 
-Value missing(qint32 intDataType) {
+Value fncMissing(qint32 intDataType) {
     switch (intDataType) {
     case settingtype::integer:
         return qint16{0};
@@ -53,7 +53,7 @@ void cOtherSettings::FromRS(const Ref<ado::Recordset> &adrRS) try {
     if (!adrRS)
         return;
     for (; !adrRS->IsEOF(); adrRS->MoveNext())
-        SetValue(textOf(adrRS->Fields(nameColumn).Value()), textOf(adrRS->Fields(textColumn).Value()));
+        SetValue(fncTextOf(adrRS->Fields(nameColumn).Value()), fncTextOf(adrRS->Fields(textColumn).Value()));
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cOtherSettings.FromRS");
 }
@@ -68,10 +68,10 @@ void cOtherSettings::SetValue(const QString &PropName, const QString &strNewValu
 Value cOtherSettings::GetValue(const QString &PropName, qint32 intDataType) const try {
     subTrace("Reading the value of the Other Setting " + PropName);
     if (!DicList->Exists(PropName))
-        return missing(intDataType);
+        return fncMissing(intDataType);
     const QString text = DicList->Item(PropName);
     Value value;
-    if (const auto failure = Attempt([&] { value = convert(text, intDataType); }))
+    if (const auto failure = Attempt([&] { value = fncConvert(text, intDataType); }))
         throw Failure(failure->number(), QString("%1. The setting %2 holds \"%3\", which can't be read as what it is. "
                                                  "Correct it in the settings program.")
                                              .arg(failure->description(), PropName, text.left(50)));

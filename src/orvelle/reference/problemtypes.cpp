@@ -9,7 +9,7 @@
 #include "platform/value/convert.h"
 
 namespace {
-const RecordTable<cProblemType> &table() {
+const RecordTable<cProblemType> &fncTable() {
     static const RecordTable<cProblemType> tblTypes{
         "intTicketType",
         "strTypeDescription",
@@ -24,7 +24,7 @@ const RecordTable<cProblemType> &table() {
 }
 
 /// The texts in their order, the blank and the repeated ones left out.
-QStringList distinctTexts(RecordDic<cProblemType> &dicList, QString cProblemType::*member) {
+QStringList fncDistinctTexts(RecordDic<cProblemType> &dicList, QString cProblemType::*member) {
     const Ref<scripting::Dictionary<QString>> met = fncCreateDic<QString>();
     for (const Ref<cProblemType> &objType : dicList.Items()) {
         const QString text = objType.get().*member;
@@ -49,14 +49,14 @@ void cProblemType::FromRS(const Ref<ado::Recordset> &adrRecord) try {
 cProblemTypes::cProblemTypes() : DicList(fncCreateDic<Ref<cProblemType>>()) {}
 
 QString cProblemTypes::GetProblemTypes() const {
-    return distinctTexts(*DicList, &cProblemType::ProblemDescription).join(u'*');
+    return fncDistinctTexts(*DicList, &cProblemType::ProblemDescription).join(u'*');
 }
 
 void cProblemTypes::AddToComboOrList(controls::Control &cmbCombo, qint16 intCatChoice) const {
     const QString shown = cmbCombo.Text();
     cmbCombo.Clear();
     const auto member = intCatChoice == 1 ? &cProblemType::ProblemDescription : &cProblemType::ProblemCategory;
-    cmbCombo.SetItems(distinctTexts(*DicList, member));
+    cmbCombo.SetItems(fncDistinctTexts(*DicList, member));
     if (!shown.isEmpty())
         cmbCombo.SetText(shown);
 }
@@ -131,7 +131,7 @@ void cProblemTypes::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     stored.FromRS(adrRS);
     // An empty list needs no table.
     if (adrRS || DicList->Count() != 0)
-        adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
+        adrRS->Together([&] { subRecordsToRS(*adrRS, fncTable(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cProblemTypes.ToRS");
 }

@@ -8,7 +8,7 @@
 #include "platform/value/convert.h"
 
 namespace {
-const RecordTable<cResponsible> &table() {
+const RecordTable<cResponsible> &fncTable() {
     static const RecordTable<cResponsible> tblPersons{
         "intPersonID",
         "strPersonName",
@@ -80,7 +80,7 @@ void cResponsibles::ToRS(const Ref<ado::Recordset> &adrRS) const try {
     stored.FromRS(adrRS);
     // An empty list needs no table.
     if (adrRS || DicList->Count() != 0)
-        adrRS->Together([&] { subRecordsToRS(*adrRS, table(), *DicList, *stored.DicList); });
+        adrRS->Together([&] { subRecordsToRS(*adrRS, fncTable(), *DicList, *stored.DicList); });
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cResponsibles.ToRS");
 }

@@ -11,13 +11,13 @@ ProcessLocal<Ref<cSettings>> objSettings;
 ProcessLocal<std::optional<QLocale>> objWorkRegion;
 
 namespace {
-Ref<ado::Recordset> openTable(const QString &strSource, bool blnReadOnly) {
+Ref<ado::Recordset> fncOpenTable(const QString &strSource, bool blnReadOnly) {
     return fncReturnRecordset(strSource, blnReadOnly, true, false);
 }
 
 /// A log in another order than the helpdesk's is worse than none, so a region that isn't one is no region to go on
 /// with.
-std::optional<QLocale> regionFrom(const QString &strName) {
+std::optional<QLocale> fncRegionFrom(const QString &strName) {
     if (strName.isEmpty())
         return std::nullopt;
     std::optional<QLocale> region = Region::named(strName);
@@ -30,7 +30,7 @@ std::optional<QLocale> regionFrom(const QString &strName) {
     return region;
 }
 
-void setDefaults(cOtherSettings &objOther) {
+void subSetDefaults(cOtherSettings &objOther) {
     objOther.SetValue("ServiceStart", "8:00:00 AM");
     objOther.SetValue("ServiceEnd", "5:00:00 PM");
     objOther.SetValue("BreakStart", "12:00:00 PM");
@@ -54,12 +54,12 @@ cSettings::cSettings()
       EmailFolders(Ref<cSimpleList>::make()), objFolder(Ref<cFolderReference>::make()) {
     CallerCategories->ListName = LNGCALLERCATEGORY;
     Statuses->ListName = LNGSTATUS;
-    setDefaults(*OtherSettings);
+    subSetDefaults(*OtherSettings);
 }
 
 bool cSettings::ReadSettings() {
     // The first access of the run: it is what opens the connection.
-    Responsibles->FromRS(openTable("SELECT * From tblPersons ORDER BY strPersonName", true));
+    Responsibles->FromRS(fncOpenTable("SELECT * From tblPersons ORDER BY strPersonName", true));
     if (!*adoConnection)
         return false;
     ReadLists();
@@ -69,12 +69,12 @@ bool cSettings::ReadSettings() {
 }
 
 void cSettings::ReadLists() {
-    ProblemTypes->FromRS(openTable("SELECT * From tblTypes ORDER BY strTypeDescription", true));
-    CallerCategories->FromRS(openTable("SELECT * From tblCallerCategories ORDER BY strCallerCategory", true));
-    Statuses->FromRS(openTable("SELECT * From tblStatuses ORDER BY strStatus", true));
-    Callers->FromRS(openTable("SELECT * From tblCallers ORDER BY strFullName", true));
-    OtherSettings->FromRS(openTable("tblOtherSettings", true));
-    objWorkRegion = regionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
+    ProblemTypes->FromRS(fncOpenTable("SELECT * From tblTypes ORDER BY strTypeDescription", true));
+    CallerCategories->FromRS(fncOpenTable("SELECT * From tblCallerCategories ORDER BY strCallerCategory", true));
+    Statuses->FromRS(fncOpenTable("SELECT * From tblStatuses ORDER BY strStatus", true));
+    Callers->FromRS(fncOpenTable("SELECT * From tblCallers ORDER BY strFullName", true));
+    OtherSettings->FromRS(fncOpenTable("tblOtherSettings", true));
+    objWorkRegion = fncRegionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
 }
 
 void cSettings::SetCurrentResponsible(const QString &strName) {
@@ -117,7 +117,7 @@ void cSettings::SaveTo(const Ref<ado::Connection> &connection) const {
 
 void cSettings::SaveSettings() try {
     subTrace("Saving setting values to database");
-    const OpenTable openToWrite = [](const QString &strTable) { return openTable(strTable, false); };
+    const OpenTable openToWrite = [](const QString &strTable) { return fncOpenTable(strTable, false); };
     WriteLists(openToWrite);
     fncSetSettingFile(m_strLanguageFile, CurrentSelectedLanguage);
     WriteOtherSettings(openToWrite);

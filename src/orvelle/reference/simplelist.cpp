@@ -14,18 +14,18 @@ namespace {
 constexpr int valueColumn = 1;
 
 /// A stored Null reads as the empty text, which no list that people fill holds.
-QString valueOf(const Ref<ado::Recordset> &adrRS) {
+QString fncValueOf(const Ref<ado::Recordset> &adrRS) {
     const Value value = adrRS->Fields(valueColumn).Value();
     return value.isNull() ? QString() : toText(value);
 }
 
-void addOnce(scripting::Dictionary<QString> &dicList, const QString &strItem) {
+void subAddOnce(scripting::Dictionary<QString> &dicList, const QString &strItem) {
     if (!dicList.Exists(strItem))
         dicList.Add(strItem, strItem);
 }
 
 /// The first row that shows the text. A drop-down list takes no other choice than one of its rows.
-void chooseRow(controls::Control &cmbCombo, const QString &strText) {
+void subChooseRow(controls::Control &cmbCombo, const QString &strText) {
     for (int row = 0; row < cmbCombo.ListCount(); ++row) {
         if (toText(cmbCombo.List(row)) == strText) {
             cmbCombo.SetListIndex(row);
@@ -43,7 +43,7 @@ void cSimpleList::FromString(const QString &JoinedList) try {
     DicList = fncCreateDic<QString>();
     for (const QString &line : fncSplitLines(JoinedList)) {
         if (!line.isEmpty())
-            addOnce(*DicList, line);
+            subAddOnce(*DicList, line);
     }
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cSimpleList.FromString");
@@ -58,7 +58,7 @@ void cSimpleList::AddToComboOrList(controls::Control &cmbCombo, QString &strDefa
     if (strDefaultValue.isEmpty())
         return;
     if (Attempt([&] { cmbCombo.SetText(strDefaultValue); }))
-        Attempt([&] { chooseRow(cmbCombo, strDefaultValue); });
+        Attempt([&] { subChooseRow(cmbCombo, strDefaultValue); });
 }
 
 QString cSimpleList::RandomItem() const {
@@ -72,19 +72,19 @@ void cSimpleList::FromRS(const Ref<ado::Recordset> &adrRS) {
     if (!adrRS)
         return;
     for (; !adrRS->IsEOF(); adrRS->MoveNext())
-        addOnce(*DicList, valueOf(adrRS));
+        subAddOnce(*DicList, fncValueOf(adrRS));
 }
 
 void cSimpleList::FromArray(const ValueList &ArrayToSplit) {
     DicList = fncCreateDic<QString>();
     for (const Value &item : ArrayToSplit)
-        addOnce(*DicList, toText(item));
+        subAddOnce(*DicList, toText(item));
 }
 
 void cSimpleList::FromComboOrList(const controls::Control &cmbCombo) {
     DicList = fncCreateDic<QString>();
     for (int row = 0; row < cmbCombo.ListCount(); ++row)
-        addOnce(*DicList, toText(cmbCombo.List(row)));
+        subAddOnce(*DicList, toText(cmbCombo.List(row)));
 }
 
 ValueRows cSimpleList::ToArray() const {

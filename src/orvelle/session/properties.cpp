@@ -17,7 +17,7 @@ constexpr qint32 hostNumber = 3;
 constexpr qint32 hostDateTime = 5;
 constexpr qint32 hostYesNo = 6;
 
-std::optional<qint32> hostType(qint32 intDataType) {
+std::optional<qint32> fncHostType(qint32 intDataType) {
     switch (intDataType) {
     case propertytype::integer:
         return hostNumber;
@@ -87,7 +87,7 @@ Value fncDefaultValue(qint32 intDataType, const Value &varDefault) {
 
 void subSetOutlookValue(const host::Item &ouiItem, const QString &PropName, const Value &value,
                         qint32 intDataType) try {
-    const std::optional<qint32> type = hostType(intDataType);
+    const std::optional<qint32> type = fncHostType(intDataType);
     if (ouiItem.isNothing() || !type)
         return;
     const std::optional<Value> written = fncWritten(value, intDataType);

@@ -22,7 +22,7 @@ constexpr qint32 mostMinutesOpen = 31000;
 constexpr int longestCategory = 50;
 
 /// The columns of long text take no empty text.
-QString neverEmpty(const QString &strText) { return strText.isEmpty() ? QStringLiteral(" ") : strText; }
+QString fncNeverEmpty(const QString &strText) { return strText.isEmpty() ? QStringLiteral(" ") : strText; }
 
 class Row {
   public:
@@ -42,7 +42,7 @@ class Row {
     Ref<ado::Recordset> m_adrRS;
 };
 
-void writeCaller(const Row &row, const cCaller &objCaller) {
+void subWriteCaller(const Row &row, const cCaller &objCaller) {
     row.set("strCustomerCategory", fncCut(objCaller.Category, longestCategory));
     row.setText("strCustomerComment", objCaller.Comment);
     row.setText("strCustomerEmail", objCaller.Email);
@@ -50,7 +50,7 @@ void writeCaller(const Row &row, const cCaller &objCaller) {
     row.setText("strCustomerPhone", objCaller.Telephone);
 }
 
-void writeOpenTime(const Row &row, const cTicket &objTicket) {
+void subWriteOpenTime(const Row &row, const cTicket &objTicket) {
     const qint32 minutes = fncCalcOpenTime(objTicket.DateCreated, objTicket.DateClosed);
     subTrace("Writing open time to db: " + QString::number(minutes));
     row.set("intMinutesOpen", std::min(minutes, mostMinutesOpen));
@@ -58,16 +58,16 @@ void writeOpenTime(const Row &row, const cTicket &objTicket) {
 
 /// Every column but the number's text of a ticket that has none yet. References to a type or a person of no list leave
 /// the column as it stands.
-void writeColumns(const Row &row, const cTicket &objTicket) {
-    row.set("strDescriptionHTML", neverEmpty(objTicket.HTMLDescription));
-    row.set("strDescription", neverEmpty(objTicket.Description));
+void subWriteColumns(const Row &row, const cTicket &objTicket) {
+    row.set("strDescriptionHTML", fncNeverEmpty(objTicket.HTMLDescription));
+    row.set("strDescription", fncNeverEmpty(objTicket.Description));
     row.setText("strTicketSubject", objTicket.Subject);
     if (objTicket.ProblemType && objTicket.ProblemType->ID > 0)
         row.set("intTicketType", objTicket.ProblemType->ID);
     if (objTicket.Caller)
-        writeCaller(row, *objTicket.Caller);
+        subWriteCaller(row, *objTicket.Caller);
     if (objTicket.Closed)
-        writeOpenTime(row, objTicket);
+        subWriteOpenTime(row, objTicket);
     row.set("intPriority", objTicket.TicketPriority);
     row.set("dteCreated", objTicket.DateCreated);
     row.set("dteClosed", objTicket.DateClosed);
@@ -85,7 +85,7 @@ void writeColumns(const Row &row, const cTicket &objTicket) {
 
 /// Writes the new row and its number into it, both or none: a row without its number would not be found again, and the
 /// next save would add another. Gives the number.
-QString addRow(ado::Recordset &adrTickets, const Row &row, const QString &strTicketID) {
+QString fncAddRow(ado::Recordset &adrTickets, const Row &row, const QString &strTicketID) {
     ado::Transaction transaction(**adoConnection);
     adrTickets.Update();
     const QString strNumber = strTicketID.isEmpty() ? row.plain("intTicketID") : strTicketID;
@@ -95,7 +95,7 @@ QString addRow(ado::Recordset &adrTickets, const Row &row, const QString &strTic
     return strNumber;
 }
 
-Ref<cCaller> readCaller(const Row &row) {
+Ref<cCaller> fncReadCaller(const Row &row) {
     const auto objCaller = Ref<cCaller>::make();
     objCaller->Category = row.nullSafe("strCustomerCategory");
     objCaller->Comment = row.nullSafe("strCustomerComment");
@@ -105,7 +105,7 @@ Ref<cCaller> readCaller(const Row &row) {
     return objCaller;
 }
 
-Ref<cResponsible> readResponsible(const Row &row) {
+Ref<cResponsible> fncReadResponsible(const Row &row) {
     const Value number = row.value("intAssignedTo");
     return objSettings->Responsibles->GetResponsibleFromID(number.isNull() ? qint16{0} : toInt16(number));
 }
@@ -122,9 +122,9 @@ void cTicket::WriteRow(const Ref<ado::Recordset> &adrTickets) {
     if (added)
         adrTickets->AddNew();
     const Row row(adrTickets);
-    writeColumns(row, *this);
+    subWriteColumns(row, *this);
     if (added)
-        TicketID = addRow(*adrTickets, row, TicketID);
+        TicketID = fncAddRow(*adrTickets, row, TicketID);
     else
         adrTickets->Update();
     subTrace("Writing work items to database");
@@ -165,11 +165,11 @@ void cTicket::ReadFromDB(const Ref<ado::Recordset> &adrRecord) try {
     Subject = row.plain("strTicketSubject");
     if (const Value number = row.value("intTicketType"); !number.isNull())
         ProblemType = objSettings->ProblemTypes->GetProblemFromID(toInt16(number));
-    Caller = readCaller(row);
+    Caller = fncReadCaller(row);
     TicketPriority = toInt32(row.value("intPriority"));
     DateCreated = toDateTime(row.value("dteCreated"));
     DateClosed = toDateTime(row.value("dteClosed"));
-    Responsible = readResponsible(row);
+    Responsible = fncReadResponsible(row);
     Closed = toBool(row.value("blnClosed"));
     Rate = toCurrency(row.value("curRate"));
     TicketID = row.plain("strTicketID");

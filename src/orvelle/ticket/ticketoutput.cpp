@@ -11,46 +11,47 @@
 namespace {
 /// A field of an object that the ticket may not have.
 template <class T>
-QString fieldOf(const Ref<T> &object, QString T::*member) {
+QString fncFieldOf(const Ref<T> &object, QString T::*member) {
     return object ? object.get().*member : QString();
 }
 
 /// One line of the digest; nothing for an empty value.
-QString optionalLine(const QString &strCaption, const QString &strValue) {
+QString fncOptionalLine(const QString &strCaption, const QString &strValue) {
     return strValue.isEmpty() ? QString() : strCaption + ": " + strValue + strLineEnd;
 }
 
-QString equalsSigns(int count) { return QString(count, u'=') + strLineEnd; }
+QString fncEqualsSigns(int count) { return QString(count, u'=') + strLineEnd; }
 
-QString callerLines(const cTicket &objTicket) {
-    return LNGCALLER + (":" + (strLineEnd + equalsSigns(9))) + LNGNAME + ": " +
-           fieldOf(objTicket.Caller, &cCaller::FullName) + strLineEnd +
-           optionalLine(LNGEMAIL, fieldOf(objTicket.Caller, &cCaller::Email)) +
-           optionalLine(LNGPHONE, fieldOf(objTicket.Caller, &cCaller::Telephone)) +
-           optionalLine(LNGCALLERCATEGORY, fieldOf(objTicket.Caller, &cCaller::Category));
+QString fncCallerLines(const cTicket &objTicket) {
+    return LNGCALLER + (":" + (strLineEnd + fncEqualsSigns(9))) + LNGNAME + ": " +
+           fncFieldOf(objTicket.Caller, &cCaller::FullName) + strLineEnd +
+           fncOptionalLine(LNGEMAIL, fncFieldOf(objTicket.Caller, &cCaller::Email)) +
+           fncOptionalLine(LNGPHONE, fncFieldOf(objTicket.Caller, &cCaller::Telephone)) +
+           fncOptionalLine(LNGCALLERCATEGORY, fncFieldOf(objTicket.Caller, &cCaller::Category));
 }
 
-QString tableRow(const QString &strCaption, const QString &strValue) {
+QString fncTableRow(const QString &strCaption, const QString &strValue) {
     return "<tr><td width='28%'>" + (strLineEnd + strCaption) + ":</td><td width='72%'>" + strValue + "</td>" +
            strLineEnd;
 }
 
 /// The page that serves where no template is set.
-QString defaultTemplate() {
+QString fncDefaultTemplate() {
     const QString table = QString("<table  width='75%'>") + strLineEnd;
     const QString tableEnd = QString("</table>") + strLineEnd;
     return "<html>\r\n<head>\r\n\r\n<style>\r\np{ margin-bottom: -20 }</style>\r\n\r\n</head>\r\n"
            "<body topmargin='0' leftmargin='0'>\r\n"
            "<h3>Orvelle Ticket [TICKETID]</h3>\r\n<h3>[SUBJECT]</h3>\r\n\r\n" +
-           table + tableRow(LNGRESPONSIBLE, "[RESPONSIBLE]") + tableRow(LNGPROBLEMTYPE, "[PROBLEMTYPE]") + tableEnd +
-           "<h3>" + LNGDESCRIPTION + "</h3>\r\n[DESCRIPTION]\r\n<hr>\r\n" + table +
-           tableRow(LNGCALLER, "[CALLERNAME]") + tableRow(LNGEMAIL, "<a href='mailto:[CALLEREMAIL]'>[CALLEREMAIL]") +
-           tableRow(LNGPHONE, "[CALLERPHONE]") + tableRow(LNGCALLERCATEGORY, "[CALLERCATEGORY]") + tableEnd +
+           table + fncTableRow(LNGRESPONSIBLE, "[RESPONSIBLE]") + fncTableRow(LNGPROBLEMTYPE, "[PROBLEMTYPE]") +
+           tableEnd + "<h3>" + LNGDESCRIPTION + "</h3>\r\n[DESCRIPTION]\r\n<hr>\r\n" + table +
+           fncTableRow(LNGCALLER, "[CALLERNAME]") +
+           fncTableRow(LNGEMAIL, "<a href='mailto:[CALLEREMAIL]'>[CALLEREMAIL]") +
+           fncTableRow(LNGPHONE, "[CALLERPHONE]") + fncTableRow(LNGCALLERCATEGORY, "[CALLERCATEGORY]") + tableEnd +
            "</body>\r\n</html>\r\n";
 }
 
 /// The other setting that holds the template; none for an unknown option.
-QString templateName(qint32 OutputOption) {
+QString fncTemplateName(qint32 OutputOption) {
     switch (OutputOption) {
     case 1:
         return "EmailToCaller";
@@ -63,24 +64,24 @@ QString templateName(qint32 OutputOption) {
     }
 }
 
-QString templateFor(qint32 OutputOption) {
-    const QString name = templateName(OutputOption);
+QString fncTemplateFor(qint32 OutputOption) {
+    const QString name = fncTemplateName(OutputOption);
     const QString page =
         name.isEmpty() ? QString() : toText(objSettings->OtherSettings->GetValue(name, settingtype::text));
-    return fncTrim(page).isEmpty() ? defaultTemplate() : page;
+    return fncTrim(page).isEmpty() ? fncDefaultTemplate() : page;
 }
 } // namespace
 
 QString cTicket::ToString() const {
-    QString text = "Orvelle Ticket " + TicketID + strLineEnd + equalsSigns(51) + Subject + strLineEnd +
-                   equalsSigns(51) + strLineEnd;
-    text += LNGRESPONSIBLE + (":" + fieldOf(Responsible, &cResponsible::FullName) + strLineEnd);
+    QString text = "Orvelle Ticket " + TicketID + strLineEnd + fncEqualsSigns(51) + Subject + strLineEnd +
+                   fncEqualsSigns(51) + strLineEnd;
+    text += LNGRESPONSIBLE + (":" + fncFieldOf(Responsible, &cResponsible::FullName) + strLineEnd);
     if (ProblemType)
         text += LNGPROBLEMTYPE + (":" + ProblemType->ProblemDescription + strLineEnd + strLineEnd);
-    text += callerLines(*this);
+    text += fncCallerLines(*this);
     // A log whose minutes can't be added up leaves the rest of the digest as it is.
     text += LNGMINUTES + (": " + AttemptOr([&] { return QString::number(WorkDescs->MinutesTotal()); }, QString()));
-    text += strLineEnd + (strLineEnd + equalsSigns(14));
+    text += strLineEnd + (strLineEnd + fncEqualsSigns(14));
     return text + Description;
 }
 
@@ -89,18 +90,18 @@ QString cTicket::ToHTML(qint32 OutputOption) const {
     const QList<std::pair<QString, QString>> fields{
         {"[TICKETID]", TicketID},
         {"[SUBJECT]", Subject},
-        {"[RESPONSIBLE]", fieldOf(Responsible, &cResponsible::FullName)},
-        {"[PROBLEMTYPE]", fieldOf(ProblemType, &cProblemType::ProblemDescription)},
+        {"[RESPONSIBLE]", fncFieldOf(Responsible, &cResponsible::FullName)},
+        {"[PROBLEMTYPE]", fncFieldOf(ProblemType, &cProblemType::ProblemDescription)},
         {"[DESCRIPTION]", HTMLDescription},
-        {"[RESPONSIBLE]", fieldOf(Responsible, &cResponsible::FullName)},
-        {"[CALLERNAME]", fieldOf(Caller, &cCaller::FullName)},
-        {"[CALLEREMAIL]", fieldOf(Caller, &cCaller::Email)},
-        {"[CALLERPHONE]", fieldOf(Caller, &cCaller::Telephone)},
-        {"[CALLERCATEGORY]", fieldOf(Caller, &cCaller::Category)},
+        {"[RESPONSIBLE]", fncFieldOf(Responsible, &cResponsible::FullName)},
+        {"[CALLERNAME]", fncFieldOf(Caller, &cCaller::FullName)},
+        {"[CALLEREMAIL]", fncFieldOf(Caller, &cCaller::Email)},
+        {"[CALLERPHONE]", fncFieldOf(Caller, &cCaller::Telephone)},
+        {"[CALLERCATEGORY]", fncFieldOf(Caller, &cCaller::Category)},
         {"[STATUS]", TicketStatus},
         {"[PRIORITY]", QString::number(TicketPriority)},
     };
-    QString page = templateFor(OutputOption);
+    QString page = fncTemplateFor(OutputOption);
     for (const auto &[field, value] : fields)
         page.replace(field, value);
     return page;

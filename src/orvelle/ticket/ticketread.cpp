@@ -17,16 +17,16 @@
 namespace {
 constexpr char strWorkLog[] = "WorkDescriptions";
 
-QString textOf(const host::Item &seen, const QString &strName) {
+QString fncTextOf(const host::Item &seen, const QString &strName) {
     return toText(fncGetOutlookValue(seen, strName, propertytype::text, ""));
 }
 
-DateTime dateOf(const host::Item &seen, const QString &strName) {
+DateTime fncDateOf(const host::Item &seen, const QString &strName) {
     return toDateTime(fncGetOutlookValue(seen, strName, propertytype::date, Value()));
 }
 
 /// The list's own object; for a name that is in no list, a new one that carries the name alone.
-Ref<cResponsible> responsibleOf(const QString &strName) {
+Ref<cResponsible> fncResponsibleOf(const QString &strName) {
     const auto dicList = objSettings->Responsibles->DicList;
     if (!strName.isEmpty() && dicList->Exists(strName))
         return dicList->Item(strName);
@@ -36,34 +36,34 @@ Ref<cResponsible> responsibleOf(const QString &strName) {
 }
 
 /// The list's own object; for a description that is in no list, a blank one.
-Ref<cProblemType> problemTypeOf(const QString &strDescription) {
+Ref<cProblemType> fncProblemTypeOf(const QString &strDescription) {
     const auto dicList = objSettings->ProblemTypes->DicList;
     if (!strDescription.isEmpty() && dicList->Exists(strDescription))
         return dicList->Item(strDescription);
     return Ref<cProblemType>::make();
 }
 
-Currency costOf(const cResponsible &objPerson, const cWorkDescs &objWork) {
+Currency fncCostOf(const cResponsible &objPerson, const cWorkDescs &objWork) {
     return Currency::fromDouble(objPerson.Rate.toDouble() * (objWork.MinutesTotal() / 60.0));
 }
 
-void readBody(cTicket &objTicket, const host::Item &ouiTicket) {
+void subReadBody(cTicket &objTicket, const host::Item &ouiTicket) {
     const SafeItem safe = fncSafePostItem(ouiTicket);
     objTicket.Description = safe.Body();
     objTicket.HTMLDescription = safe.HTMLBody();
 }
 
-void readCaller(cTicket &objTicket, const host::Item &seen) {
+void subReadCaller(cTicket &objTicket, const host::Item &seen) {
     objTicket.Caller = Ref<cCaller>::make();
-    objTicket.Caller->FullName = textOf(seen, "Caller name");
-    objTicket.Caller->Email = textOf(seen, "Caller email");
-    objTicket.Caller->Comment = textOf(seen, "Caller comment");
-    objTicket.Caller->Telephone = textOf(seen, "Caller phone");
-    objTicket.Caller->Category = textOf(seen, "Caller category");
+    objTicket.Caller->FullName = fncTextOf(seen, "Caller name");
+    objTicket.Caller->Email = fncTextOf(seen, "Caller email");
+    objTicket.Caller->Comment = fncTextOf(seen, "Caller comment");
+    objTicket.Caller->Telephone = fncTextOf(seen, "Caller phone");
+    objTicket.Caller->Category = fncTextOf(seen, "Caller category");
 }
 
 /// All that `readSteps` reads. The subject is the last.
-host::Questions questions() {
+host::Questions fncQuestions() {
     return host::Questions({"Body", "HTMLBody"})
         .propertyCount()
         .properties(fncLongPropertyStart(strWorkLog))
@@ -78,28 +78,28 @@ using ReadSteps = std::vector<std::function<void()>>;
 ///
 /// A property that can't be read comes back as its default. So the last step looks at the item's last answer: where the
 /// host or the item has gone in between, the record is not whole.
-ReadSteps readSteps(cTicket &objTicket, const host::Item &ouiTicket, host::Item &seen) {
+ReadSteps fncReadSteps(cTicket &objTicket, const host::Item &ouiTicket, host::Item &seen) {
     return {
-        [&] { seen = host::snapshot(ouiTicket, questions()); },
-        [&] { readBody(objTicket, seen); },
+        [&] { seen = host::snapshot(ouiTicket, fncQuestions()); },
+        [&] { subReadBody(objTicket, seen); },
         [&] { objTicket.Closed = false; },
         // One property that can't be read is a blank; all of them are a failure.
         [&] { static_cast<void>(seen.UserProperties().Count()); },
-        [&] { objTicket.Responsible = responsibleOf(textOf(seen, "Responsible")); },
+        [&] { objTicket.Responsible = fncResponsibleOf(fncTextOf(seen, "Responsible")); },
         [&] { objTicket.WorkDescs->FromString(fncGetLongProperty(ouiTicket, seen, strWorkLog)); },
-        [&] { objTicket.Rate = costOf(*objTicket.Responsible, *objTicket.WorkDescs); },
-        [&] { objTicket.ProblemType = problemTypeOf(textOf(seen, "Problem Type")); },
-        [&] { objTicket.DueDate = dateOf(seen, "Date due"); },
-        [&] { objTicket.TicketStatus = textOf(seen, "Custom Status"); },
-        [&] { objTicket.TicketID = textOf(seen, "Ticket ID"); },
-        [&] { objTicket.DateCreated = dateOf(seen, "Created at"); },
-        [&] { readCaller(objTicket, seen); },
+        [&] { objTicket.Rate = fncCostOf(*objTicket.Responsible, *objTicket.WorkDescs); },
+        [&] { objTicket.ProblemType = fncProblemTypeOf(fncTextOf(seen, "Problem Type")); },
+        [&] { objTicket.DueDate = fncDateOf(seen, "Date due"); },
+        [&] { objTicket.TicketStatus = fncTextOf(seen, "Custom Status"); },
+        [&] { objTicket.TicketID = fncTextOf(seen, "Ticket ID"); },
+        [&] { objTicket.DateCreated = fncDateOf(seen, "Created at"); },
+        [&] { subReadCaller(objTicket, seen); },
         [&] { objTicket.Subject = seen.Subject(); },
     };
 }
 
 /// Runs every step, whatever the others did. Returns whether all of them worked.
-bool runTolerant(const ReadSteps &steps) {
+bool fncRunTolerant(const ReadSteps &steps) {
     bool whole = true;
     for (const auto &step : steps) {
         if (Attempt(step))
@@ -108,17 +108,17 @@ bool runTolerant(const ReadSteps &steps) {
     return whole;
 }
 
-void tell(const QString &strFirst, const QString &strSecond, const Failure &failure) {
+void subTell(const QString &strFirst, const QString &strSecond, const Failure &failure) {
     subAssistantMessage(ouaOutlook, strFirst + strLineEnd + strSecond + strLineEnd + failure.description());
 }
 
 /// What people are told when an item can't be read. Anything unforeseen is reported, which ends the process.
-void tellReadFailure(const Failure &failure) {
+void subTellReadFailure(const Failure &failure) {
     switch (failure.number()) {
     case failures::itemChanged:
-        return tell("Ticket has been changed by anothe user!", "Unable to save changes!", failure);
+        return subTell("Ticket has been changed by anothe user!", "Unable to save changes!", failure);
     case failures::itemGone:
-        return tell("Ticket has been deleted!", "Unable to open!", failure);
+        return subTell("Ticket has been deleted!", "Unable to open!", failure);
     case failures::catastrophic:
         return;
     default:
@@ -136,19 +136,19 @@ bool cTicket::ReadFromOutlook(const host::Item &ouiTicket) try {
     Subject = strSubject;
     TicketPriority = met.Importance();
     host::Item seen;
-    const ReadSteps steps = readSteps(*this, ouiTicket, seen);
+    const ReadSteps steps = fncReadSteps(*this, ouiTicket, seen);
     if (!met.Saved()) {
         if (const auto failure = Attempt([&] { ouiTicket.Save(); })) {
             subTellSaveTrouble(Saving::Item, "Unable to save current item!", *failure);
             return false;
         }
         subSaveWorked(Saving::Item);
-        return runTolerant(steps);
+        return fncRunTolerant(steps);
     }
     for (const auto &step : steps)
         step();
     return true;
 } catch (const Failure &failure) {
-    tellReadFailure(failure);
+    subTellReadFailure(failure);
     return false;
 }

@@ -21,44 +21,44 @@ constexpr qint32 formatHTML = 2;
 constexpr qint32 formatRichText = 3;
 constexpr qint32 closeSaving = 0;
 
-void setText(const host::Item &ouiTicket, const QString &strName, const QString &strText) {
+void subSetText(const host::Item &ouiTicket, const QString &strName, const QString &strText) {
     subSetOutlookValue(ouiTicket, strName, strText, propertytype::text);
 }
 
-void setDate(const host::Item &ouiTicket, const QString &strName, DateTime dteValue) {
+void subSetDate(const host::Item &ouiTicket, const QString &strName, DateTime dteValue) {
     subSetOutlookValue(ouiTicket, strName, dteValue, propertytype::date);
 }
 
-void writeCaller(const host::Item &ouiTicket, const cCaller &objCaller) {
-    setText(ouiTicket, "Caller name", objCaller.FullName);
-    setText(ouiTicket, "Caller email", objCaller.Email);
-    setText(ouiTicket, "Caller comment", objCaller.Comment);
-    setText(ouiTicket, "Caller phone", objCaller.Telephone);
-    setText(ouiTicket, "Caller category", objCaller.Category);
+void subWriteCaller(const host::Item &ouiTicket, const cCaller &objCaller) {
+    subSetText(ouiTicket, "Caller name", objCaller.FullName);
+    subSetText(ouiTicket, "Caller email", objCaller.Email);
+    subSetText(ouiTicket, "Caller comment", objCaller.Comment);
+    subSetText(ouiTicket, "Caller phone", objCaller.Telephone);
+    subSetText(ouiTicket, "Caller category", objCaller.Category);
 }
 
-void writeProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
-    setDate(ouiTicket, "Date due", objTicket.DueDate);
-    setText(ouiTicket, "Custom Status", objTicket.TicketStatus);
+void subWriteProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
+    subSetDate(ouiTicket, "Date due", objTicket.DueDate);
+    subSetText(ouiTicket, "Custom Status", objTicket.TicketStatus);
     if (objTicket.ProblemType) {
-        setText(ouiTicket, "Problem Type", objTicket.ProblemType->ProblemDescription);
-        setText(ouiTicket, "Problem category", objTicket.ProblemType->ProblemCategory);
+        subSetText(ouiTicket, "Problem Type", objTicket.ProblemType->ProblemDescription);
+        subSetText(ouiTicket, "Problem category", objTicket.ProblemType->ProblemCategory);
     }
-    setText(ouiTicket, "Ticket ID", objTicket.TicketID);
-    setDate(ouiTicket, "Created at", objTicket.DateCreated);
+    subSetText(ouiTicket, "Ticket ID", objTicket.TicketID);
+    subSetDate(ouiTicket, "Created at", objTicket.DateCreated);
     if (objTicket.Responsible) {
-        setText(ouiTicket, "Created by", objTicket.Responsible->FullName);
-        setText(ouiTicket, "Responsible", objTicket.Responsible->FullName);
+        subSetText(ouiTicket, "Created by", objTicket.Responsible->FullName);
+        subSetText(ouiTicket, "Responsible", objTicket.Responsible->FullName);
     }
     if (objTicket.Caller)
-        writeCaller(ouiTicket, *objTicket.Caller);
-    setText(ouiTicket, "Ticket", objTicket.ToString());
+        subWriteCaller(ouiTicket, *objTicket.Caller);
+    subSetText(ouiTicket, "Ticket", objTicket.ToString());
     subFixLongProperty(ouiTicket, objTicket.WorkDescs->ToString(), "WorkDescriptions", false);
 }
 
 /// The host keeps the old look of a body until the format has gone to rich text and back, and that costs the text: so
 /// it is set twice.
-void writeBody(const host::Item &ouiTicket, const QString &strHTML) {
+void subWriteBody(const host::Item &ouiTicket, const QString &strHTML) {
     ouiTicket.HTMLBody(strHTML);
     if (fncOutlookVersion() > lastWithoutBodyFormat) {
         ouiTicket.BodyFormat(formatRichText);
@@ -67,15 +67,15 @@ void writeBody(const host::Item &ouiTicket, const QString &strHTML) {
     ouiTicket.HTMLBody(strHTML);
 }
 
-void writeItem(const host::Item &item, const cTicket &objTicket) {
-    writeProperties(item, objTicket);
+void subWriteItem(const host::Item &item, const cTicket &objTicket) {
+    subWriteProperties(item, objTicket);
     item.Subject(objTicket.Subject);
     item.Importance(objTicket.TicketPriority);
     const QString &strHTML = objTicket.HTMLDescription;
-    writeBody(item, strHTML.isEmpty() ? objSettings->NewTicketHTML(objTicket.Description) : strHTML);
+    subWriteBody(item, strHTML.isEmpty() ? objSettings->NewTicketHTML(objTicket.Description) : strHTML);
 }
 
-bool randomUnRead() { return roundHalfEven(Random::next() * 100) > 50; }
+bool fncRandomUnRead() { return roundHalfEven(Random::next() * 100) > 50; }
 } // namespace
 
 void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTicket) const try {
@@ -89,11 +89,11 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
             return;
         }
     }
-    writeItem(item, *this);
+    subWriteItem(item, *this);
     if (given)
         item.UnRead(true);
     else if (RandomRead)
-        item.UnRead(randomUnRead());
+        item.UnRead(fncRandomUnRead());
     if (blnDisplay) {
         item.Save();
         item.Display();
@@ -114,7 +114,7 @@ void cTicket::SaveBoth(const host::Item &ouiTicket) {
     WriteRow(adrTickets);
     WorkDescs->AppendToDB(TicketID);
     subTrace("Saving values to Outlook object. Subject  = " + Subject);
-    writeItem(ouiTicket, *this);
+    subWriteItem(ouiTicket, *this);
     ouiTicket.UnRead(true);
     ouiTicket.Close(closeSaving);
     transaction.commit();

@@ -11,7 +11,7 @@
 
 namespace {
 /// Stands behind each row of the log's text, the last one included.
-const QString &separator() {
+const QString &fncSeparator() {
     static const QString text = QStringLiteral("\r\n====\r\n");
     return text;
 }
@@ -19,10 +19,10 @@ const QString &separator() {
 /// The columns of a list box's row.
 enum ListColumn { descriptionColumn, dateColumn, minutesColumn, userColumn };
 
-const QLocale &region() { return *objWorkRegion ? **objWorkRegion : Region::locale(); }
+const QLocale &fncRegion() { return *objWorkRegion ? **objWorkRegion : Region::locale(); }
 
 /// The number, or the first behind it that is no row's yet: each road into a log counts in its own way.
-QString freeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc, qint32 number) {
+QString fncFreeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc, qint32 number) {
     while (dicWorkDesc.Exists(QString::number(number)))
         ++number;
     return QString::number(number);
@@ -30,7 +30,8 @@ QString freeKey(const scripting::Dictionary<Ref<cWorkDescription>> &dicWorkDesc,
 } // namespace
 
 QString cWorkDescription::ToString() const {
-    return Description + u'\t' + formatDateTime(WorkDate, region()) + u'\t' + QString::number(Minutes) + u'\t' + User;
+    return Description + u'\t' + formatDateTime(WorkDate, fncRegion()) + u'\t' + QString::number(Minutes) + u'\t' +
+           User;
 }
 
 void cWorkDescription::AddRow(controls::Control &ListBox) const {
@@ -55,7 +56,7 @@ void cWorkDescription::FromString(const QString &StringToParse) try {
     if (parts.size() != 4)
         return;
     Description = parts[descriptionColumn];
-    if (const std::optional<DateTime> date = parseDateTime(parts[dateColumn], region()))
+    if (const std::optional<DateTime> date = parseDateTime(parts[dateColumn], fncRegion()))
         WorkDate = *date;
     Minutes = isNumeric(parts[minutesColumn]) ? toInt16(parts[minutesColumn]) : qint16{0};
     User = parts[userColumn];
@@ -76,21 +77,21 @@ void cWorkDescs::ReadFromListBox(const controls::Control &ListBox) {
     for (int row = 0; row < ListBox.ListCount(); ++row) {
         const auto objWork = Ref<cWorkDescription>::make();
         objWork->FromRow(ListBox, row);
-        dicWorkDesc->Add(freeKey(*dicWorkDesc, row), objWork);
+        dicWorkDesc->Add(fncFreeKey(*dicWorkDesc, row), objWork);
     }
 }
 
 QString cWorkDescs::ToString() const {
     QString text;
     for (const Ref<cWorkDescription> &objWork : dicWorkDesc->Items())
-        text += objWork->ToString() + separator();
+        text += objWork->ToString() + fncSeparator();
     return text;
 }
 
 void cWorkDescs::FromString(const QString &StringToParse) try {
     subTrace("Parsing a work description text block of length &  " + QString::number(StringToParse.size()));
     dicWorkDesc = fncCreateDic<Ref<cWorkDescription>>();
-    for (const QString &piece : StringToParse.split(separator())) {
+    for (const QString &piece : StringToParse.split(fncSeparator())) {
         if (piece.isEmpty())
             continue;
         const auto objWork = Ref<cWorkDescription>::make();

@@ -14,12 +14,12 @@ namespace {
 /// One less than the column holds.
 constexpr int longestDescription = 254;
 
-Ref<ado::Recordset> openWork(qint32 lngTicketID) {
+Ref<ado::Recordset> fncOpenWork(qint32 lngTicketID) {
     return fncReturnRecordset("Select * from tblWork where intTicketID = " + QString::number(lngTicketID), false, true,
                               false);
 }
 
-void appendRow(ado::Recordset &adrWork, const cWorkDescription &objWork, qint32 lngTicketID) {
+void subAppendRow(ado::Recordset &adrWork, const cWorkDescription &objWork, qint32 lngTicketID) {
     adrWork.AddNew();
     adrWork.Fields("strPersonName").SetValue(fncCut(objWork.User, ado::longestText));
     adrWork.Fields("intMinutesWorked").SetValue(objWork.Minutes);
@@ -29,7 +29,7 @@ void appendRow(ado::Recordset &adrWork, const cWorkDescription &objWork, qint32 
     adrWork.Update();
 }
 
-Ref<cWorkDescription> readRow(ado::Recordset &adrWork) {
+Ref<cWorkDescription> fncReadRow(ado::Recordset &adrWork) {
     const auto objWork = Ref<cWorkDescription>::make();
     objWork->User = toText(adrWork.Fields("strPersonName").Value());
     objWork->Minutes = toInt16(adrWork.Fields("intMinutesWorked").Value());
@@ -50,13 +50,13 @@ void cWorkDescs::AppendToDB(const QString &strTicketID) const {
     if (rows.isEmpty())
         return;
     const qint32 ticket = toInt32(strTicketID);
-    if (openWork(ticket)->RecordCount() >= rows.size())
+    if (fncOpenWork(ticket)->RecordCount() >= rows.size())
         return;
     // Counted once more with the table to itself: of two clients that count at once each would append the same rows.
     ado::Transaction transaction(**adoConnection);
-    const Ref<ado::Recordset> adrWork = openWork(ticket);
+    const Ref<ado::Recordset> adrWork = fncOpenWork(ticket);
     for (qsizetype row = adrWork->RecordCount(); row < rows.size(); ++row)
-        appendRow(*adrWork, *rows[row], ticket);
+        subAppendRow(*adrWork, *rows[row], ticket);
     transaction.commit();
 }
 
@@ -64,10 +64,10 @@ void cWorkDescs::ReadFromDB(const QString &strTicketID) try {
     subTrace("Reading from work table for ticket number " + strTicketID);
     if (!isNumeric(strTicketID))
         return;
-    const Ref<ado::Recordset> adrWork = openWork(toInt32(strTicketID));
+    const Ref<ado::Recordset> adrWork = fncOpenWork(toInt32(strTicketID));
     dicWorkDesc = fncCreateDic<Ref<cWorkDescription>>();
     for (; !adrWork->IsEOF(); adrWork->MoveNext())
-        dicWorkDesc->Add(QString::number(dicWorkDesc->Count() + 1), readRow(*adrWork));
+        dicWorkDesc->Add(QString::number(dicWorkDesc->Count() + 1), fncReadRow(*adrWork));
 } catch (const Failure &failure) {
     // A Null ends the log there; the rows before it are kept.
     if (failure.number() != failures::invalidNull)

@@ -10,7 +10,7 @@
 #include "platform/scripting/shell.h"
 
 namespace {
-QString registryText(const scripting::Shell &shell, const QString &strName, const QString &strOtherwise) {
+QString fncRegistryText(const scripting::Shell &shell, const QString &strName, const QString &strOtherwise) {
     return AttemptOr([&] { return shell.RegRead("HKCU\\Software\\Tessmark\\Orvelle\\" + strName); }, strOtherwise);
 }
 } // namespace
@@ -19,10 +19,10 @@ void subReadFolderFromRegistry() {
     Attempt([] {
         const scripting::Shell shell;
         cFolderReference &folder = *objSettings->objFolder;
-        folder.EntryID = registryText(shell, "Folder EntryID", folder.EntryID);
-        folder.StoreID = registryText(shell, "Folder StoreID", folder.StoreID);
-        folder.Path = registryText(shell, "Folder Path", folder.Path);
-        folder.Name = registryText(shell, "Folder Name", folder.Name);
+        folder.EntryID = fncRegistryText(shell, "Folder EntryID", folder.EntryID);
+        folder.StoreID = fncRegistryText(shell, "Folder StoreID", folder.StoreID);
+        folder.Path = fncRegistryText(shell, "Folder Path", folder.Path);
+        folder.Name = fncRegistryText(shell, "Folder Name", folder.Name);
     });
 }
 
