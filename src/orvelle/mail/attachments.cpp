@@ -3,6 +3,7 @@
 #include "orvelle/core/components.h"
 #include "orvelle/core/errorhandler.h"
 #include "orvelle/core/trace.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 #include "orvelle/mail/temporaryfolder.h"
 #include "orvelle/session/safeutils.h"
@@ -11,10 +12,6 @@ namespace {
 /// A source without attachments that is larger than this is attached whole.
 constexpr qint32 largeMessage = 25000;
 
-constexpr qint32 byValue = 1;
-constexpr qint32 embeddedItem = 5;
-constexpr qint32 oleObject = 6;
-constexpr qint32 wholeMessageFile = 3;
 constexpr int mostTries = 200;
 constexpr char wholeMessageName[] = "OriginalMessage.msg";
 
@@ -84,14 +81,14 @@ class AttachmentCopy {
             return;
         }
         switch (attachment.seen.Type()) {
-        case byValue:
+        case host::attachmenttype::byValue:
             copyFile(attachment);
             break;
-        case embeddedItem:
+        case host::attachmenttype::embeddedItem:
             if (Attempt([&] { copyEmbedded(attachment); }))
                 m_wholeWanted = true;
             break;
-        case oleObject:
+        case host::attachmenttype::oleObject:
             m_wholeWanted = true;
             break;
         default:
@@ -132,7 +129,7 @@ class AttachmentCopy {
             return;
         }
         const QString strPath = m_path + wholeMessageName;
-        fncSafeMailItem(m_source).SaveAs(strPath, wholeMessageFile);
+        fncSafeMailItem(m_source).SaveAs(strPath, host::filetype::message);
         attachAndDelete(strPath, m_source.Subject());
     }
 
@@ -141,7 +138,7 @@ class AttachmentCopy {
     }
 
     void attachAndDelete(const QString &strPath, const QString &strDisplayName) {
-        static_cast<void>(m_target.Add(strPath, byValue, strDisplayName));
+        static_cast<void>(m_target.Add(strPath, host::attachmenttype::byValue, strDisplayName));
         subTrace("Deleting file from temp directory" + strPath);
         fsoFileSystem->DeleteFile(strPath, true);
     }

@@ -1,6 +1,7 @@
 #include "orvelle/mail/claim.h"
 
 #include "orvelle/core/process.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/session/session.h"
 
@@ -14,7 +15,8 @@ ProcessLocal<QString> strMailbox;
 
 QString fncMailbox() {
     if (strMailbox->isEmpty())
-        strMailbox = AttemptOr([] { return onsMAPI->GetDefaultFolder(defaultfolder::inbox).StoreID(); }, QString());
+        strMailbox =
+            AttemptOr([] { return onsMAPI->GetDefaultFolder(host::defaultfolder::inbox).StoreID(); }, QString());
     return strMailbox;
 }
 
@@ -55,7 +57,7 @@ std::optional<cClaim> cClaim::FromString(const QString &strClaim) {
 std::optional<cClaim> cClaim::Of(const host::Item &oui) { return FromString(fncHint(oui, strClaimProperty)); }
 
 void subHint(const host::Item &oui, const char *strProperty, const QString &strText) {
-    oui.TryAddPropertyValue(QString::fromLatin1(strProperty), hostTextProperty, strText);
+    oui.TryAddPropertyValue(QString::fromLatin1(strProperty), host::usertype::text, strText);
 }
 
 QString fncHint(const host::Item &oui, const char *strProperty) {

@@ -22,9 +22,6 @@ inline constexpr char strFilingProperty[] = "Orvelle files this reply";
 /// On a ticket's item: the work properties of the last replies that have their row in its work log.
 inline constexpr char strRepliesProperty[] = "Orvelle replies";
 
-/// The host's number of properties that hold text.
-inline constexpr qint32 hostTextProperty = 1;
-
 /// Who works on an item, and since when.
 struct cClaim {
     RunningProcess process = RunningProcess::own();

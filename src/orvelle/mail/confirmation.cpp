@@ -1,6 +1,7 @@
 #include "orvelle/mail/confirmation.h"
 
 #include "orvelle/core/process.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 #include "orvelle/mail/claim.h"
 #include "orvelle/mail/output.h"
@@ -12,21 +13,20 @@
 #include "orvelle/session/session.h"
 
 namespace {
-constexpr qint32 closeSaving = 0;
 /// In characters; a template that is longer stays as it is where nothing is filled in.
 constexpr qsizetype longestConfirmation = 1'000'000;
 
 QString fncTemplate(const QString &strName) {
-    return toText(objSettings->OtherSettings->GetValue(strName, propertytype::text));
+    return toText(objSettings->OtherSettings->GetValue(strName, valuetype::text));
 }
 
 /// A new mail that was closed lies in Drafts; the usual subject finds it there.
 host::MailItem fncClosedMail(const host::MailItem &oui, const QString &strTicketID) {
-    Attempt([&] { oui.Close(closeSaving); });
+    Attempt([&] { oui.Close(host::closing::save); });
     host::MailItem found = oui;
     Attempt([&] {
         const host::Item draft =
-            onsMAPI->FindItem(defaultfolder::drafts, "[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
+            onsMAPI->FindItem(host::defaultfolder::drafts, "[Subject] = \"Helpdesk Ticket {" + strTicketID + "}\"");
         if (draft)
             found = host::MailItem(draft.object());
     });
@@ -72,11 +72,11 @@ struct Found {
 QList<host::MAPIFolder> fncPlaces(const QString &strTicketID) {
     QList<host::MAPIFolder> places;
     Attempt([&] {
-        const host::Folders oufs = onsMAPI->GetDefaultFolder(defaultfolder::inbox).Parent().Folders();
+        const host::Folders oufs = onsMAPI->GetDefaultFolder(host::defaultfolder::inbox).Parent().Folders();
         for (host::MAPIFolder ouf = oufs.GetFirst(); ouf; ouf = oufs.GetNext())
             places.append(ouf);
     });
-    Attempt([&] { places.append(onsMAPI->GetDefaultFolder(defaultfolder::sentItems).Folders("ORVLSentItems")); });
+    Attempt([&] { places.append(onsMAPI->GetDefaultFolder(host::defaultfolder::sentItems).Folders("ORVLSentItems")); });
     Attempt([&] { places.append(oufTickets->Folders(strTicketID).Folders("Sent")); });
     return places;
 }
@@ -90,7 +90,7 @@ Found fncFind(const QString &strWork, const QString &strTicketID) {
         return AttemptOr([&] { return onsMAPI->GetDefaultFolder(intFolder).EntryID(); }, QString());
     };
     // Anywhere else it was sent, held back by the host for a reason, or put away by a person.
-    const QStringList open{place(defaultfolder::outbox), place(defaultfolder::drafts)};
+    const QStringList open{place(host::defaultfolder::outbox), place(host::defaultfolder::drafts)};
     for (const host::MAPIFolder &ouf : fncPlaces(strTicketID)) {
         Attempt([&] {
             const host::Item oui = ouf.FindItem(strFilter);
@@ -117,7 +117,7 @@ void subFinishConfirmation(const host::Item &oui, const QString &strTicketID) {
         return subSendConfirmation(oui, strTicketID, "");
     // One that was sent may still lie in the Outbox.
     host::MAPIFolder oufOutbox;
-    Attempt([&] { oufOutbox = onsMAPI->GetDefaultFolder(defaultfolder::outbox); });
+    Attempt([&] { oufOutbox = onsMAPI->GetDefaultFolder(host::defaultfolder::outbox); });
     if (!fncSetupSafeUtils())
         return;
     if (found.state == Confirmation::Begun)
@@ -137,7 +137,7 @@ void subSendConfirmation(const host::Item &oui, const QString &strTicketID, cons
     host::MAPIFolder oufOutbox;
     host::MailItem ouiMail;
     Attempt([&] {
-        const auto [ouf, ouiNew] = onsMAPI->AddItem(defaultfolder::outbox, "IPM.Note");
+        const auto [ouf, ouiNew] = onsMAPI->AddItem(host::defaultfolder::outbox, "IPM.Note");
         oufOutbox = ouf;
         ouiMail = host::MailItem(ouiNew.object());
     });

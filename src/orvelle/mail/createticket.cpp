@@ -6,6 +6,7 @@
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
 #include "orvelle/dialogs/savetrouble.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 #include "orvelle/mail/attachments.h"
 #include "orvelle/mail/claim.h"
@@ -22,9 +23,6 @@
 #include <QScopeGuard>
 
 namespace {
-constexpr qint32 personal = 1;
-constexpr qint32 closeSaving = 0;
-constexpr qint32 flagComplete = 2;
 
 void subFindTicketFolder() {
     if (oufTickets->isNothing())
@@ -64,11 +62,10 @@ void subNoteMissingFiles(const host::PostItem &ouiPost, const QStringList &files
 /// A mail whose ticket got a row but no item keeps the row's number, so that the next try fills the row and adds none.
 namespace earliertry {
 constexpr char strProperty[] = "Orvelle row without item";
-constexpr qint32 hostText = 1;
 
 void subNote(const host::Item &ouiMail, const QString &strTicketID) {
     const auto failure = Attempt([&] {
-        ouiMail.AddPropertyValue(strProperty, hostText, strTicketID);
+        ouiMail.AddPropertyValue(strProperty, host::usertype::text, strTicketID);
         ouiMail.Save();
     });
     // Where the mail takes no note, nobody would find the row again. A host that has gone may have saved the item.
@@ -112,7 +109,7 @@ QString fncTicketID(const host::Item &ouiMail) {
         QString());
 }
 
-void subForget(const host::Item &ouiMail) { ouiMail.TryAddPropertyValue(strProperty, hostText, ""); }
+void subForget(const host::Item &ouiMail) { ouiMail.TryAddPropertyValue(strProperty, host::usertype::text, ""); }
 } // namespace earliertry
 
 /// The row's number, which the database alone gives; empty when the row can't be written.
@@ -136,14 +133,14 @@ namespace {
 /// row.
 QString fncNumberItem(const host::Item &ouiMail, const host::PostItem &ouiPost, const QString &strEarlierID) {
     if (!strEarlierID.isEmpty())
-        subSetOutlookValue(ouiPost, "Ticket ID", strEarlierID, propertytype::text);
+        subSetOutlookValue(ouiPost, "Ticket ID", strEarlierID, valuetype::text);
     QString strTicketID = fncSaveRow(ouiPost, strEarlierID);
     if (strTicketID.isEmpty())
         return {};
     auto rowAlone = qScopeGuard([&] { earliertry::subNote(ouiMail, strTicketID); });
-    subSetOutlookValue(ouiPost, "Ticket ID", strTicketID, propertytype::text);
-    ouiPost.Sensitivity(personal);
-    ouiPost.Close(closeSaving);
+    subSetOutlookValue(ouiPost, "Ticket ID", strTicketID, valuetype::text);
+    ouiPost.Sensitivity(host::sensitivity::personal);
+    ouiPost.Close(host::closing::save);
     rowAlone.dismiss();
     return strTicketID;
 }
@@ -171,8 +168,8 @@ QString fncCreateSingleTicket(const host::Item &ouiMail) try {
     // The item's first save is the one before its row: a client that dies behind it leaves these on it.
     subHint(ouiPost, strWorkProperty, strWork);
     subHint(ouiPost, strClaimProperty, cClaim::Own().ToString());
-    subSetOutlookValue(ouiPost, "Created by", objSettings->CurrentResponsible->FullName, propertytype::text);
-    subSetOutlookValue(ouiPost, "Created at", Clock::now(), propertytype::date);
+    subSetOutlookValue(ouiPost, "Created by", objSettings->CurrentResponsible->FullName, valuetype::text);
+    subSetOutlookValue(ouiPost, "Created at", Clock::now(), valuetype::date);
     subNoteMissingFiles(ouiPost, subCopyAttachements(ouiMail, ouiPost));
     subFillTicketFromMail(ouiMail, ouiPost);
     const QString strEarlierID = earliertry::fncTicketID(seen);
@@ -199,7 +196,7 @@ QString fncFinishSingleTicket(const host::Item &ouiMail, const host::PostItem &o
 
 void subMarkConverted(const host::Item &ouiMail, const QString &strTicketID) {
     const host::MailItem oui(ouiMail);
-    oui.TryFlagStatus(flagComplete);
+    oui.TryFlagStatus(host::flagstatus::complete);
     oui.TryFlagRequest("Ticket # " + strTicketID + " created at " + formatDateTime(Clock::now()));
     oui.TryBillingInformation(strTicketID);
     Attempt([&] { oui.Save(); });

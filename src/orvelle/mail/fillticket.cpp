@@ -2,6 +2,7 @@
 
 #include "orvelle/core/process.h"
 #include "orvelle/core/texthelpers.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/reference/settings.h"
@@ -11,10 +12,6 @@
 #include "platform/value/convert.h"
 
 namespace {
-/// The first version whose items have a body format.
-constexpr qint16 firstWithBodyFormat = 10;
-constexpr qint32 formatHTML = 2;
-constexpr qint32 formatRichText = 3;
 
 /// The fields of an address entry of the mail system itself.
 constexpr qint32 smtpAddress = 0x39FE001E;
@@ -60,21 +57,20 @@ QString fncTextOf(const host::Item &ouiMail, const SafeItem &seen) {
 }
 
 QString fncPage() {
-    const QString strPage = toText(objSettings->OtherSettings->GetValue("NewHTML", propertytype::text)).trimmed();
+    const QString strPage = toText(objSettings->OtherSettings->GetValue("NewHTML", valuetype::text)).trimmed();
     return strPage.isEmpty() ? fncNewTicketHTML() : strPage;
 }
 
-/// The host keeps the look of a plain body until the format has gone to rich text and back, and that costs the text: so
-/// it is set twice.
+/// The host keeps the look of a plain body until the format has gone to rich text and back; see `fncHasBodyFormat`.
 void subSetBody(const host::PostItem &ouiPost, const QString &strHTML) {
-    const bool blnHasFormat = fncOutlookVersion() >= firstWithBodyFormat;
+    const bool blnHasFormat = fncHasBodyFormat();
     if (blnHasFormat)
-        ouiPost.TryBodyFormat(formatHTML);
+        ouiPost.TryBodyFormat(host::bodyformat::html);
     ouiPost.TryHTMLBody(strHTML);
     if (!blnHasFormat)
         return;
-    ouiPost.TryBodyFormat(formatRichText);
-    ouiPost.TryBodyFormat(formatHTML);
+    ouiPost.TryBodyFormat(host::bodyformat::richText);
+    ouiPost.TryBodyFormat(host::bodyformat::html);
     ouiPost.TryHTMLBody(strHTML);
 }
 } // namespace
@@ -93,5 +89,5 @@ void subFillTicketFromMail(const host::Item &ouiMail, const host::PostItem &ouiP
         subSetBody(ouiPost, fncPage().replace("[BODY]", strText));
     if (!strSubject.isEmpty())
         ouiPost.TrySubject(strSubject);
-    subSetOutlookValue(ouiPost, "Date due", Clock::now(), propertytype::date);
+    subSetOutlookValue(ouiPost, "Date due", Clock::now(), valuetype::date);
 }

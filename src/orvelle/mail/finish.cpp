@@ -88,8 +88,8 @@ QString fncRowLeft(const QString &strSubject, const QString &strEmail, DateTime 
 constexpr double secondsADay = 86400;
 
 QString fncRowOfHalf(const host::Item &ouiPost) {
-    const Value created = fncGetOutlookValue(ouiPost, "Created at", propertytype::date);
-    const QString strEmail = toText(fncGetOutlookValue(ouiPost, "Caller email", propertytype::text, ""));
+    const Value created = fncGetOutlookValue(ouiPost, "Created at", valuetype::date);
+    const QString strEmail = toText(fncGetOutlookValue(ouiPost, "Caller email", valuetype::text, ""));
     if (!created.holds<DateTime>())
         return {};
     const double days = toDateTime(created).days;

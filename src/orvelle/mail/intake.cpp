@@ -18,7 +18,7 @@
 
 namespace {
 QString fncConfirmationTemplate() {
-    return toText(objSettings->OtherSettings->GetValue("ConvertedEmailMessage", propertytype::text));
+    return toText(objSettings->OtherSettings->GetValue("ConvertedEmailMessage", valuetype::text));
 }
 
 /// An item that went to another client and a store that is busy are the ordinary course of things.
@@ -82,7 +82,7 @@ QString fncClassStart(const host::Item &oui) {
 } // namespace
 
 bool fncUsesSubFolders() {
-    return toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", propertytype::integer)) == 1;
+    return toDouble(objSettings->OtherSettings->GetValue("EmailSubFolders", valuetype::integer)) == 1;
 }
 
 void subKeepCopyUnderTicket(const host::Item &oui, const QString &strTicketID) {

@@ -196,7 +196,7 @@ QString cWorker::Name() const {
 }
 
 QString fncTicketIDOf(const host::Item &ouiTicket) {
-    return toText(fncGetOutlookValue(ouiTicket, "Ticket ID", propertytype::text, ""));
+    return toText(fncGetOutlookValue(ouiTicket, "Ticket ID", valuetype::text, ""));
 }
 
 QString fncWhose(const cWorker &worker, bool blnBlind) {

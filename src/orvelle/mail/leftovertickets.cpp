@@ -206,7 +206,7 @@ class Search {
         if (!fncUsesSubFolders())
             return;
         host::MAPIFolder ouf;
-        Attempt([&] { ouf = onsMAPI->GetDefaultFolder(defaultfolder::sentItems).Folders("ORVLSentItems"); });
+        Attempt([&] { ouf = onsMAPI->GetDefaultFolder(host::defaultfolder::sentItems).Folders("ORVLSentItems"); });
         if (ouf.isNothing())
             return;
         const host::Items ois = ouf.Items();
@@ -226,7 +226,7 @@ class Search {
     void HeldBack() {
         constexpr qint32 mostTold = 50;
         host::MAPIFolder ouf;
-        Attempt([&] { ouf = onsMAPI->GetDefaultFolder(defaultfolder::inbox).Parent().Folders("Not sent"); });
+        Attempt([&] { ouf = onsMAPI->GetDefaultFolder(host::defaultfolder::inbox).Parent().Folders("Not sent"); });
         if (ouf.isNothing())
             return;
         const host::Items ois = ouf.Items();

@@ -3,6 +3,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/mail/attachments.h"
 #include "orvelle/mail/sentmail.h"
 #include "orvelle/reference/settings.h"
@@ -11,9 +12,6 @@
 #include "orvelle/ticket/ticket.h"
 
 namespace {
-constexpr qint32 formatHTML = 2;
-/// The first version whose items have a body format.
-constexpr qint16 firstWithBodyFormat = 10;
 
 void subAttachFiles(const host::Item &ouiItem, const host::MailItem &ouiMail) {
     if (ouiItem.isNothing())
@@ -30,8 +28,8 @@ void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 Outp
     host::MailItem ouiMail;
     Attempt([&] { ouiMail = host::MailItem(ouaOutlook->CreateItem(0).object()); });
     ouiMail.TryBody("Test");
-    if (fncOutlookVersion() >= firstWithBodyFormat)
-        ouiMail.TryBodyFormat(formatHTML);
+    if (fncHasBodyFormat())
+        ouiMail.TryBodyFormat(host::bodyformat::html);
     Attempt([&] { ouiMail.HTMLBody(objTicket.ToHTML(OutputOption)); });
     if (strTo.isEmpty()) {
         Attempt([&] { ouiMail.PrintOut(); });
@@ -47,7 +45,7 @@ void subOutputTicket(const cTicket &objTicket, const QString &strTo, qint32 Outp
 
 void subSetEmailFrom(const host::MailItem &ouiMail) {
     constexpr qsizetype shortestName = 6;
-    const QString strFrom = toText(objSettings->OtherSettings->GetValue("EmailFrom", propertytype::text));
+    const QString strFrom = toText(objSettings->OtherSettings->GetValue("EmailFrom", valuetype::text));
     if (strFrom.size() < shortestName)
         return;
     ouiMail.SentOnBehalfOfName(strFrom);

@@ -11,7 +11,7 @@
 
 namespace {
 bool fncNeedsTicket() {
-    return toDouble(objSettings->OtherSettings->GetValue("RepliesNeedTicket", propertytype::integer)) == 1;
+    return toDouble(objSettings->OtherSettings->GetValue("RepliesNeedTicket", valuetype::integer)) == 1;
 }
 } // namespace
 

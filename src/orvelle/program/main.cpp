@@ -60,7 +60,7 @@ void subStartMonitor(bool blnInstall) {
         subGetSettings();
         strNumbers = fncRaiseTicketNumbers();
         subSetupOutlookMonitor(ouaOutlook->ActiveExplorer());
-        subSetCurrentFolder(defaultfolder::calendar);
+        subSetCurrentFolder(host::defaultfolder::calendar);
     }
     LoadLanguages(objSettings->CurrentSelectedLanguage);
     if (objSettings->EmailFolders->DicList->Count() > 0)
@@ -95,11 +95,11 @@ void Main(const QString &strCommand) try {
     subSetupFS();
     subRemoveOldReportFiles();
     if (!blnTicketRun) {
-        subSetCurrentFolder(defaultfolder::calendar);
+        subSetCurrentFolder(host::defaultfolder::calendar);
         if (!oufTickets->isNothing())
             oufTickets = fncValidTicketFolder();
     }
-    subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(host::defaultfolder::inbox);
     subCheckClientTools();
     subFindDatabaseFile();
     const bool blnInstall = fncDecideInstall();

@@ -5,6 +5,7 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/mail/createticket.h"
 #include "orvelle/mail/intake.h"
 #include "orvelle/mail/reply.h"
@@ -16,7 +17,6 @@
 #include "orvelle/ticketfolder/getsettings.h"
 
 namespace {
-constexpr qint32 discard = 1;
 
 host::Item fncSelectedItem(const host::Handle &window) {
     if (window.isNothing())
@@ -40,7 +40,7 @@ QString fncFileUnderTicket(const host::Item &oui, const QString &strTicketID, co
     oui.Move(ouf);
     // A host that has closed the mail's window itself shows the one behind it, which is somebody's work.
     if (window.typeName() == "Inspector" && ouaOutlook->ActiveWindow() == window)
-        ouaOutlook->ActiveInspector().Close(discard);
+        ouaOutlook->ActiveInspector().Close(host::closing::discard);
     return LNGEMAILMOVEDTORECIEVEDSF;
 }
 

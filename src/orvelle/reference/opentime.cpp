@@ -30,12 +30,12 @@ DateTime fncAddDays(DateTime moment, int days) { return {moment.days + days}; }
 
 DateTime fncTimeSetting(const QString &strName) {
     const DateTime::TimeOfDay time =
-        toDateTime(objSettings->OtherSettings->GetValue(strName, settingtype::date)).timeOfDay();
+        toDateTime(objSettings->OtherSettings->GetValue(strName, valuetype::date)).timeOfDay();
     return DateTime::fromTime(time.hour, time.minute, time.second);
 }
 
 qint16 fncDaySetting(const QString &strName) {
-    return toInt16(objSettings->OtherSettings->GetValue(strName, settingtype::integer));
+    return toInt16(objSettings->OtherSettings->GetValue(strName, valuetype::integer));
 }
 
 void subReadServiceTimes() {

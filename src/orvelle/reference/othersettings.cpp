@@ -16,13 +16,13 @@ QString fncTextOf(const Value &value) { return value.isNull() ? QString() : toTe
 
 Value fncConvert(const QString &strText, qint32 intDataType) {
     switch (intDataType) {
-    case settingtype::integer:
+    case valuetype::integer:
         return isNumeric(strText) ? toInt16(strText) : qint16{0};
-    case settingtype::date:
+    case valuetype::date:
         return toDateTime(strText);
-    case settingtype::text:
+    case valuetype::text:
         return strText;
-    case settingtype::boolean:
+    case valuetype::boolean:
         return AttemptOr([&] { return toBool(strText); }, false);
     default:
         return {};
@@ -31,13 +31,13 @@ Value fncConvert(const QString &strText, qint32 intDataType) {
 
 Value fncMissing(qint32 intDataType) {
     switch (intDataType) {
-    case settingtype::integer:
+    case valuetype::integer:
         return qint16{0};
-    case settingtype::date:
+    case valuetype::date:
         return DateTime{};
-    case settingtype::text:
+    case valuetype::text:
         return QString();
-    case settingtype::boolean:
+    case valuetype::boolean:
         return false;
     default:
         return {};

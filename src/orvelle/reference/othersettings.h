@@ -2,6 +2,7 @@
 /// setting needs no new column.
 #pragma once
 
+#include "orvelle/core/valuetype.h"
 #include "platform/scripting/dictionary.h"
 #include "platform/value/ref.h"
 #include "platform/value/value.h"
@@ -9,14 +10,6 @@
 namespace ado {
 class Recordset;
 }
-
-/// The types in which a setting is read.
-namespace settingtype {
-constexpr qint32 integer = 2;
-constexpr qint32 date = 7;
-constexpr qint32 text = 8;
-constexpr qint32 boolean = 11;
-} // namespace settingtype
 
 class cOtherSettings {
   public:

@@ -63,7 +63,7 @@ bool cSettings::ReadSettings() {
     if (!*adoConnection)
         return false;
     ReadLists();
-    EmailFolders->FromString(toText(OtherSettings->GetValue("EmailFolders", settingtype::text)));
+    EmailFolders->FromString(toText(OtherSettings->GetValue("EmailFolders", valuetype::text)));
     CurrentSelectedLanguage = fncReadLanguage();
     return true;
 }
@@ -74,7 +74,7 @@ void cSettings::ReadLists() {
     Statuses->FromRS(fncOpenTable("SELECT * From tblStatuses ORDER BY strStatus", true));
     Callers->FromRS(fncOpenTable("SELECT * From tblCallers ORDER BY strFullName", true));
     OtherSettings->FromRS(fncOpenTable("tblOtherSettings", true));
-    objWorkRegion = fncRegionFrom(toText(OtherSettings->GetValue("Region", settingtype::text)).trimmed());
+    objWorkRegion = fncRegionFrom(toText(OtherSettings->GetValue("Region", valuetype::text)).trimmed());
 }
 
 void cSettings::SetCurrentResponsible(const QString &strName) {

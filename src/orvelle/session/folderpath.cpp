@@ -52,7 +52,7 @@ host::MAPIFolder fncGetFolderFromPath(const QString &strPath) {
     return AttemptOr(
         [&]() -> host::MAPIFolder {
             if (parts.size() == 1)
-                return onsMAPI->GetSharedDefaultFolder(onsMAPI->CreateRecipient(strPath), defaultfolder::inbox);
+                return onsMAPI->GetSharedDefaultFolder(onsMAPI->CreateRecipient(strPath), host::defaultfolder::inbox);
             if (parts.size() == 2)
                 return {};
             host::MAPIFolder ouf = onsMAPI->Folders(parts[2]);
@@ -64,7 +64,7 @@ host::MAPIFolder fncGetFolderFromPath(const QString &strPath) {
 }
 
 host::MAPIFolder fncPickFolder(controls::Form *frmFormToReactiveate) {
-    subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(host::defaultfolder::inbox);
     Attempt([] { ouaOutlook->ActiveExplorer().Activate(); });
     Attempt([] { fncGetShell()->AppActivate(toText(ouaOutlook->ActiveWindow().get("Caption"))); });
     host::MAPIFolder ouf;

@@ -5,14 +5,13 @@
 #include "orvelle/core/phrases.h"
 #include "orvelle/core/process.h"
 #include "orvelle/core/textfiles.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 #include "orvelle/session/folderpath.h"
 #include "platform/scripting/shell.h"
 #include "platform/window/window.h"
 
 namespace {
-constexpr qint32 mailItems = 0;
-constexpr qint32 postItems = 6;
 
 QString fncPageOf(const host::MAPIFolder &ouf) {
     return AttemptOr([&] { return ouf.WebViewURL(); }, QString());
@@ -22,7 +21,7 @@ bool fncIsHomePage(const QString &strURL) { return strURL.endsWith(strHomePageFi
 
 bool fncMayHoldTickets(const host::MAPIFolder &ouf) {
     const qint32 intType = AttemptOr([&] { return ouf.DefaultItemType(); }, -1);
-    return intType == mailItems || intType == postItems;
+    return intType == host::itemtype::mail || intType == host::itemtype::post;
 }
 
 QString fncRefusal(const QString &strHomePageLine) {

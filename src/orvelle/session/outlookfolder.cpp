@@ -41,10 +41,10 @@ host::MAPIFolder cOutlookFolder::GetFolder() const try {
 }
 
 void cOutlookFolder::SaveToOutlookProps(const host::Item &ouiItem, const QString &strExtraName) const try {
-    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderName", Name, propertytype::text);
-    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderEntryID", EntryID, propertytype::text);
-    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderStoreID", StoreID, propertytype::text);
-    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderPath", Path, propertytype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderName", Name, valuetype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderEntryID", EntryID, valuetype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderStoreID", StoreID, valuetype::text);
+    subSetOutlookValue(ouiItem, strExtraName + "OutlookFolderPath", Path, valuetype::text);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "cOutlookFolder.SaveToOutlookProps");
 }
@@ -56,7 +56,7 @@ void cOutlookFolder::GetFromOutlookProps(const host::Item &ouiItem, const QStrin
         names << strExtraName + strName;
     const host::Item seen = host::snapshot(ouiItem, host::Questions({}).properties(names));
     const auto read = [&](const QString &strName) {
-        return toText(fncGetOutlookValue(seen, strExtraName + strName, propertytype::text, ""));
+        return toText(fncGetOutlookValue(seen, strExtraName + strName, valuetype::text, ""));
     };
     Name = read("OutlookFolderName");
     EntryID = read("OutlookFolderEntryID");

@@ -5,28 +5,23 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/host/snapshot.h"
 
 namespace {
 /// What one property of the host holds at most.
 constexpr qsizetype pieceLength = 1000;
 
-/// The host's own types.
-constexpr qint32 hostText = 1;
-constexpr qint32 hostNumber = 3;
-constexpr qint32 hostDateTime = 5;
-constexpr qint32 hostYesNo = 6;
-
 std::optional<qint32> fncHostType(qint32 intDataType) {
     switch (intDataType) {
-    case propertytype::integer:
-        return hostNumber;
-    case propertytype::date:
-        return hostDateTime;
-    case propertytype::text:
-        return hostText;
-    case propertytype::boolean:
-        return hostYesNo;
+    case valuetype::integer:
+        return host::usertype::number;
+    case valuetype::date:
+        return host::usertype::dateTime;
+    case valuetype::text:
+        return host::usertype::text;
+    case valuetype::boolean:
+        return host::usertype::yesNo;
     default:
         return std::nullopt;
     }
@@ -35,13 +30,13 @@ std::optional<qint32> fncHostType(qint32 intDataType) {
 /// What is written for a value; nothing where the property stays as it is.
 std::optional<Value> fncWritten(const Value &value, qint32 intDataType) {
     switch (intDataType) {
-    case propertytype::integer:
+    case valuetype::integer:
         return isNumeric(value) ? toInt16(value) : qint16(0);
-    case propertytype::date:
+    case valuetype::date:
         return isDate(value) ? std::optional<Value>(toDateTime(value)) : std::nullopt;
-    case propertytype::text:
+    case valuetype::text:
         return toText(value);
-    case propertytype::boolean:
+    case valuetype::boolean:
         return toBool(value);
     default:
         return std::nullopt;
@@ -51,16 +46,16 @@ std::optional<Value> fncWritten(const Value &value, qint32 intDataType) {
 /// The value of a property that is there.
 Value fncTypedValue(const Value &value, qint32 intDataType, const Value &varDefault) {
     switch (intDataType) {
-    case propertytype::integer:
+    case valuetype::integer:
         return isNumeric(value) ? toInt16(value) : qint16(0);
-    case propertytype::date:
+    case valuetype::date:
         return isDate(value) ? toDateTime(value) : DateTime();
-    case propertytype::text: {
+    case valuetype::text: {
         const QString strText = toText(value);
         const bool blnHasDefault = !varDefault.isEmpty() && !varDefault.isMissing();
         return strText.isEmpty() && blnHasDefault ? toText(varDefault) : strText;
     }
-    case propertytype::boolean:
+    case valuetype::boolean:
         return toBool(value);
     default:
         return {};
@@ -70,13 +65,13 @@ Value fncTypedValue(const Value &value, qint32 intDataType, const Value &varDefa
 /// What stands for a property that is missing or can't be read.
 Value fncDefaultValue(qint32 intDataType, const Value &varDefault) {
     switch (intDataType) {
-    case propertytype::integer:
+    case valuetype::integer:
         return AttemptOr([&] { return isNumeric(varDefault) ? toInt16(varDefault) : qint16(0); }, qint16(0));
-    case propertytype::date:
+    case valuetype::date:
         return DateTime();
-    case propertytype::text:
+    case valuetype::text:
         return AttemptOr([&] { return varDefault.isMissing() ? QString() : toText(varDefault); }, QString());
-    case propertytype::boolean:
+    case valuetype::boolean:
         return AttemptOr([&] { return isNumeric(varDefault) ? Value(toBool(varDefault)) : Value(); }, Value());
     default:
         return {};
@@ -119,9 +114,9 @@ void subFixLongProperty(const host::Item &ouiItem, const QString &strText, const
         const auto intHighest =
             static_cast<qint32>(roundHalfEven(static_cast<double>(strText.size()) / double(pieceLength)));
         for (qint32 i = 0; i <= intHighest; ++i)
-            ouiItem.AddPropertyValue(PropName + QString::number(i), hostText,
+            ouiItem.AddPropertyValue(PropName + QString::number(i), host::usertype::text,
                                      strText.mid(i * pieceLength, pieceLength));
-        ouiItem.AddPropertyValue(PropName + "Count", hostNumber, intHighest);
+        ouiItem.AddPropertyValue(PropName + "Count", host::usertype::number, intHighest);
     });
     if (failure && !blnSilent)
         subAssistantMessage(ouaOutlook, "Failed to save " + PropName + " " + LNGCHECKPERM);
@@ -136,10 +131,10 @@ QString fncGetLongProperty(const host::Item &ouiItem, const QString &PropName) {
 
 QString fncGetLongProperty(const host::Item &ouiItem, const host::Item &seen, const QString &PropName) try {
     subTrace("Entering fncGetLongProperty");
-    const qint16 intHighest = toInt16(fncGetOutlookValue(seen, PropName + "Count", propertytype::integer, ""));
+    const qint16 intHighest = toInt16(fncGetOutlookValue(seen, PropName + "Count", valuetype::integer, ""));
     if (intHighest < 0)
         return {};
-    QString strText = toText(fncGetOutlookValue(seen, PropName + "0", propertytype::text, ""));
+    QString strText = toText(fncGetOutlookValue(seen, PropName + "0", valuetype::text, ""));
     QStringList names;
     for (qint32 i = 1; i <= intHighest; ++i)
         names << PropName + QString::number(i);
@@ -147,7 +142,7 @@ QString fncGetLongProperty(const host::Item &ouiItem, const host::Item &seen, co
         return strText;
     const host::Item rest = host::snapshot(ouiItem, host::Questions({}).properties(names));
     for (const QString &strName : names)
-        strText += toText(fncGetOutlookValue(rest, strName, propertytype::text, ""));
+        strText += toText(fncGetOutlookValue(rest, strName, valuetype::text, ""));
     return strText;
 } catch (const Failure &failure) {
     subErrorHandler(failure, "fncGetLongProperty");

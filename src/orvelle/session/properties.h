@@ -1,18 +1,11 @@
 /// Custom properties of an item: typed values, and texts too long for one property.
 #pragma once
 
+#include "orvelle/core/valuetype.h"
 #include "orvelle/host/items.h"
 #include "platform/value/value.h"
 
 #include <QString>
-
-/// The data types in which a property is written and read.
-namespace propertytype {
-constexpr qint32 integer = 2;
-constexpr qint32 date = 7;
-constexpr qint32 text = 8;
-constexpr qint32 boolean = 11;
-} // namespace propertytype
 
 /// Writes one property, which is made when it is missing. A value that is no number counts as 0; one that is no date
 /// leaves a date as it was; another type writes nothing. Does nothing to Nothing.

@@ -66,7 +66,7 @@ void subStartOutlook(qint32 intFolderType) {
 }
 
 void subSetCurrentFolder(qint32 intFolderType) {
-    subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(host::defaultfolder::inbox);
     const bool blnHasFolder = AttemptOr(
         [] { return ouaOutlook->Explorers().Count() > 0 && ouaOutlook->ActiveExplorer().CurrentFolder(); }, false);
     std::optional<Failure> failure;
@@ -83,16 +83,21 @@ void subSetCurrentFolder(qint32 intFolderType) {
 
 qint16 fncOutlookVersion() {
     if (majorVersion == 0) {
-        subStartOutlook(defaultfolder::inbox);
+        subStartOutlook(host::defaultfolder::inbox);
         majorVersion = AttemptOr([] { return toInt16(ouaOutlook->Version().section(QChar(u'.'), 0, 0)); }, qint16(0));
     }
     return majorVersion;
 }
 
+bool fncHasBodyFormat() {
+    constexpr qint16 firstWithBodyFormat = 10;
+    return fncOutlookVersion() >= firstWithBodyFormat;
+}
+
 void subGetSafeMailboxName() try {
     subTrace("Getting current user full name from mailbox name");
-    subStartOutlook(defaultfolder::inbox);
-    const QString strRoot = onsMAPI->GetDefaultFolder(defaultfolder::calendar).Parent().Name();
+    subStartOutlook(host::defaultfolder::inbox);
+    const QString strRoot = onsMAPI->GetDefaultFolder(host::defaultfolder::calendar).Parent().Name();
     const QString strSeparator = " - ";
     const qsizetype intAt = strRoot.indexOf(strSeparator);
     if (intAt >= 0)
@@ -131,7 +136,7 @@ void subRefreshCBHomepage() {
     if (oufTickets->isNothing())
         return;
     subTrace("Refreshing the homepage.");
-    subStartOutlook(defaultfolder::inbox);
+    subStartOutlook(host::defaultfolder::inbox);
     Attempt([] { oufTickets->WebViewOn(true); });
     const host::MAPIFolder ouf = oufTickets;
     // The detour through the parent is what makes the host load the page again.

@@ -1,6 +1,7 @@
 /// The session: the thin layer through which the system finds the host, knows its user and lets go of it at the end.
 #pragma once
 
+#include "orvelle/host/constants.h"
 #include "orvelle/host/host.h"
 #include "platform/value/processlocal.h"
 
@@ -10,17 +11,6 @@
 
 /// Reaches a running host and gives its application object, or fails. Set by whoever makes a copy of the program.
 extern ProcessLocal<std::function<automation::ObjectPtr()>> runningHost;
-
-/// The default folders by their numbers.
-namespace defaultfolder {
-constexpr qint32 deletedItems = 3;
-constexpr qint32 outbox = 4;
-constexpr qint32 sentItems = 5;
-constexpr qint32 inbox = 6;
-constexpr qint32 calendar = 9;
-constexpr qint32 contacts = 10;
-constexpr qint32 drafts = 16;
-} // namespace defaultfolder
 
 /// Finds or starts the host and opens its session, or ends the process. Nothing when the host is there already.
 /// \param intFolderType  the default folder to show when the host has no window.
@@ -32,6 +22,9 @@ void subSetCurrentFolder(qint32 intFolderType);
 
 /// The host's major version, asked for once. 10 and later take a body format.
 qint16 fncOutlookVersion();
+/// Whether items of this host have a body format. It keeps the look of a body until the format has gone to rich text
+/// and back, and that costs the text: whoever does it writes the body again.
+bool fncHasBodyFormat();
 
 /// The name of the person at the program, by the mailbox or else by the machine; stays what it was when neither has
 /// one.

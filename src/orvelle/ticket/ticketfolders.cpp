@@ -4,11 +4,11 @@
 #include "orvelle/core/process.h"
 #include "orvelle/core/trace.h"
 #include "orvelle/dialogs/dialogs.h"
+#include "orvelle/host/constants.h"
 #include "orvelle/reference/texts.h"
 
 namespace {
 /// The kind of folder that takes mails and posts.
-constexpr qint32 mailFolder = 6;
 
 void subTellNoSubFolder() { subAssistantMessage(ouaOutlook, LNGFAILEDTOCREATESUBFOLDER + strLineEnd + LNGCHECKPERM); }
 } // namespace
@@ -52,7 +52,7 @@ host::MAPIFolder fncFind(const host::MAPIFolder &oufParent, const QString &strNa
 /// Where the name is taken in between, another copy has made the very folder: then it is that one.
 host::MAPIFolder fncAddOrFind(const host::MAPIFolder &oufParent, const QString &strName) {
     host::MAPIFolder ouf;
-    if (Attempt([&] { ouf = oufParent.AddFolder(strName, mailFolder); }))
+    if (Attempt([&] { ouf = oufParent.AddFolder(strName, host::defaultfolder::inbox); }))
         ouf = fncFind(oufParent, strName);
     return ouf;
 }

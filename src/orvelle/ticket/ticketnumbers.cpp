@@ -133,7 +133,7 @@ cLeftOut fncLeftOut(qint64 intNumber, const QList<cFolder> &folders) {
 /// would bring the message up.
 cLeftOut fncLeftOutUntold(qint64 intNumber, const QList<cFolder> &folders) {
     const cLeftOut told =
-        cLeftOut::FromString(toText(objSettings->OtherSettings->GetValue(strToldSetting, settingtype::text)));
+        cLeftOut::FromString(toText(objSettings->OtherSettings->GetValue(strToldSetting, valuetype::text)));
     cLeftOut untold = fncLeftOut(std::max(intNumber, told.intItem), {});
     for (const cFolder &each : folders) {
         if (each.intNumber <= std::max(intNumber, told.intFolder))
@@ -149,7 +149,7 @@ cLeftOut fncLeftOutUntold(qint64 intNumber, const QList<cFolder> &folders) {
 /// Everybody who shares the database is told once. Where it can't be kept, the next start tells again.
 void subKeepTold(const cLeftOut &leftOut) {
     cOtherSettings &settings = *objSettings->OtherSettings;
-    cLeftOut told = cLeftOut::FromString(toText(settings.GetValue(strToldSetting, settingtype::text)));
+    cLeftOut told = cLeftOut::FromString(toText(settings.GetValue(strToldSetting, valuetype::text)));
     told = {std::max(told.intItem, leftOut.intItem), std::max(told.intFolder, leftOut.intFolder)};
     settings.SetValue(strToldSetting, told.ToString());
     Attempt([&] {

@@ -67,7 +67,7 @@ QString fncTemplateName(qint32 OutputOption) {
 QString fncTemplateFor(qint32 OutputOption) {
     const QString name = fncTemplateName(OutputOption);
     const QString page =
-        name.isEmpty() ? QString() : toText(objSettings->OtherSettings->GetValue(name, settingtype::text));
+        name.isEmpty() ? QString() : toText(objSettings->OtherSettings->GetValue(name, valuetype::text));
     return fncTrim(page).isEmpty() ? fncDefaultTemplate() : page;
 }
 } // namespace

@@ -18,11 +18,11 @@ namespace {
 constexpr char strWorkLog[] = "WorkDescriptions";
 
 QString fncTextOf(const host::Item &seen, const QString &strName) {
-    return toText(fncGetOutlookValue(seen, strName, propertytype::text, ""));
+    return toText(fncGetOutlookValue(seen, strName, valuetype::text, ""));
 }
 
 DateTime fncDateOf(const host::Item &seen, const QString &strName) {
-    return toDateTime(fncGetOutlookValue(seen, strName, propertytype::date, Value()));
+    return toDateTime(fncGetOutlookValue(seen, strName, valuetype::date, Value()));
 }
 
 /// The list's own object; for a name that is in no list, a new one that carries the name alone.

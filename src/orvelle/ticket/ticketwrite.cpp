@@ -1,5 +1,6 @@
 // Writing a ticket to its item, and finding the item again. What is written here appears in the form.
 
+#include "orvelle/host/constants.h"
 #include "orvelle/ticket/ticket.h"
 
 #include "orvelle/core/errorhandler.h"
@@ -15,18 +16,13 @@
 #include "platform/value/random.h"
 
 namespace {
-/// The last version of the host whose items have no body format.
-constexpr qint16 lastWithoutBodyFormat = 9;
-constexpr qint32 formatHTML = 2;
-constexpr qint32 formatRichText = 3;
-constexpr qint32 closeSaving = 0;
 
 void subSetText(const host::Item &ouiTicket, const QString &strName, const QString &strText) {
-    subSetOutlookValue(ouiTicket, strName, strText, propertytype::text);
+    subSetOutlookValue(ouiTicket, strName, strText, valuetype::text);
 }
 
 void subSetDate(const host::Item &ouiTicket, const QString &strName, DateTime dteValue) {
-    subSetOutlookValue(ouiTicket, strName, dteValue, propertytype::date);
+    subSetOutlookValue(ouiTicket, strName, dteValue, valuetype::date);
 }
 
 void subWriteCaller(const host::Item &ouiTicket, const cCaller &objCaller) {
@@ -60,9 +56,9 @@ void subWriteProperties(const host::Item &ouiTicket, const cTicket &objTicket) {
 /// it is set twice.
 void subWriteBody(const host::Item &ouiTicket, const QString &strHTML) {
     ouiTicket.HTMLBody(strHTML);
-    if (fncOutlookVersion() > lastWithoutBodyFormat) {
-        ouiTicket.BodyFormat(formatRichText);
-        ouiTicket.BodyFormat(formatHTML);
+    if (fncHasBodyFormat()) {
+        ouiTicket.BodyFormat(host::bodyformat::richText);
+        ouiTicket.BodyFormat(host::bodyformat::html);
     }
     ouiTicket.HTMLBody(strHTML);
 }
@@ -98,7 +94,7 @@ void cTicket::SaveToOutlook(bool RandomRead, bool blnDisplay, host::Item &ouiTic
         item.Save();
         item.Display();
     } else {
-        item.Close(closeSaving);
+        item.Close(host::closing::save);
     }
 } catch (const Failure &failure) {
     subErrorHandler(failure, "SaveToOutlook");
@@ -116,7 +112,7 @@ void cTicket::SaveBoth(const host::Item &ouiTicket) {
     subTrace("Saving values to Outlook object. Subject  = " + Subject);
     subWriteItem(ouiTicket, *this);
     ouiTicket.UnRead(true);
-    ouiTicket.Close(closeSaving);
+    ouiTicket.Close(host::closing::save);
     transaction.commit();
 }
 

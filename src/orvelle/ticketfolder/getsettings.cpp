@@ -17,10 +17,10 @@ constexpr qint32 sqlServer = 3;
     if (objSettings->ReportTo == sqlServer)
         text += "To re-install, please remove the DBConnection.txt file.";
     if (ouaOutlook->isNothing())
-        subStartOutlook(defaultfolder::inbox);
+        subStartOutlook(host::defaultfolder::inbox);
     subAssistantMessage(ouaOutlook, text);
     // Off the ticket folder, so that the next run is not started by the folder at once.
-    ouaOutlook->ActiveExplorer().CurrentFolder(onsMAPI->GetDefaultFolder(defaultfolder::inbox));
+    ouaOutlook->ActiveExplorer().CurrentFolder(onsMAPI->GetDefaultFolder(host::defaultfolder::inbox));
     subQuit();
 }
 } // namespace

@@ -35,7 +35,7 @@ void subFindTicketFolder() {
         oufTickets = fncSavedFolder();
     }
     if (oufTickets->isNothing())
-        subSetCurrentFolder(defaultfolder::inbox);
+        subSetCurrentFolder(host::defaultfolder::inbox);
     while (oufTickets->isNothing()) {
         if (fncAssistantYesNo(ouaOutlook, LNGFAILEDTOFINDCRVFOLDER, 4) != window::Yes)
             subReleaseAll();

@@ -91,7 +91,7 @@ void cRootExplorer::oueCurrExplorer_FolderSwitch() {
 }
 
 void cRootExplorer::subSetupSentORVL() {
-    const host::MAPIFolder oufSent = onsMAPI->GetDefaultFolder(defaultfolder::sentItems);
+    const host::MAPIFolder oufSent = onsMAPI->GetDefaultFolder(host::defaultfolder::sentItems);
     const QString strName = "ORVLSentItems";
     const auto find = [&] { oufORVLSentItems = oufSent.Folders().Item(strName); };
     // Another copy may make it in between; then the adding fails, and it is there.

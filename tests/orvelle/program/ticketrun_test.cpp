@@ -119,7 +119,7 @@ TEST_F(TicketRun, OnYesWithoutOneItOpensOneAttachesAndStays) {
     EXPECT_EQ(questions->mid(questions->indexOf("Explorers.Add()") + 1, 3),
               (QStringList{"Explorer.Display()", "Explorer.WindowState=", "Explorer.Activate()"}));
     copy.in([] {
-        EXPECT_EQ(objSettings->OtherSettings->GetValue("KBPath", settingtype::text), Value("changed meanwhile"));
+        EXPECT_EQ(objSettings->OtherSettings->GetValue("KBPath", valuetype::text), Value("changed meanwhile"));
         int made = 0;
         scripting::components->add("SafeTessmark.MAPIUtils", [&made] {
             ++made;

@@ -15,25 +15,25 @@ struct ReadCase {
 
 TEST_F(OtherSettingsTest, ReadsATextAsTheTypeAskedFor) {
     const QList<ReadCase> cases{
-        {settingtype::integer, "42", qint16{42}},
-        {settingtype::integer, " 7 ", qint16{7}},
-        {settingtype::integer, "2.5", qint16{2}},
-        {settingtype::integer, "letters", qint16{0}},
-        {settingtype::integer, "", qint16{0}},
-        {settingtype::text, "", ""},
-        {settingtype::text, " x\r\n", " x\r\n"},
-        {settingtype::boolean, "True", true},
-        {settingtype::boolean, "-1", true},
-        {settingtype::boolean, "0", false},
-        {settingtype::boolean, "perhaps", false},
-        {settingtype::boolean, "", false},
-        {settingtype::date, "5:30:00 PM", DateTime::fromTime(17, 30, 0)},
-        {settingtype::date, "12:00:00 PM", DateTime::fromTime(12, 0, 0)},
+        {valuetype::integer, "42", qint16{42}},
+        {valuetype::integer, " 7 ", qint16{7}},
+        {valuetype::integer, "2.5", qint16{2}},
+        {valuetype::integer, "letters", qint16{0}},
+        {valuetype::integer, "", qint16{0}},
+        {valuetype::text, "", ""},
+        {valuetype::text, " x\r\n", " x\r\n"},
+        {valuetype::boolean, "True", true},
+        {valuetype::boolean, "-1", true},
+        {valuetype::boolean, "0", false},
+        {valuetype::boolean, "perhaps", false},
+        {valuetype::boolean, "", false},
+        {valuetype::date, "5:30:00 PM", DateTime::fromTime(17, 30, 0)},
+        {valuetype::date, "12:00:00 PM", DateTime::fromTime(12, 0, 0)},
         {17, "42", {}},
-        {settingtype::integer, nullptr, qint16{0}},
-        {settingtype::text, nullptr, ""},
-        {settingtype::boolean, nullptr, false},
-        {settingtype::date, nullptr, DateTime{}},
+        {valuetype::integer, nullptr, qint16{0}},
+        {valuetype::text, nullptr, ""},
+        {valuetype::boolean, nullptr, false},
+        {valuetype::date, nullptr, DateTime{}},
         {3, nullptr, {}},
     };
     for (const ReadCase &one : cases) {
@@ -65,7 +65,7 @@ TEST_F(OtherSettingsTest, WritesEveryNameAndDeletesNone) {
     read.SetValue("Default", "goes");
     read.FromRS(open("tblOtherSettings"));
     EXPECT_EQ(read.DicList->Keys(), (QStringList{"Old", "Name", "It's", "Empty"}));
-    EXPECT_EQ(read.GetValue("Empty", settingtype::text), Value(" "));
+    EXPECT_EQ(read.GetValue("Empty", valuetype::text), Value(" "));
 }
 
 } // namespace

@@ -185,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(
                       ReportCase{"cOtherSettings.GetValue",
                                  [] {
                                      objSettings->OtherSettings->SetValue("ServiceStart", "soon");
-                                     (void)objSettings->OtherSettings->GetValue("ServiceStart", settingtype::date);
+                                     (void)objSettings->OtherSettings->GetValue("ServiceStart", valuetype::date);
                                  },
                                  "The setting ServiceStart holds \"soon\""},
                       ReportCase{"cResponsibles.FromRS", [] { cResponsibles().FromRS(closed("tblPersons")); },
