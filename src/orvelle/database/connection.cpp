@@ -11,6 +11,7 @@
 #include "platform/ado/connectionstring.h"
 #include "platform/scripting/filesystem.h"
 #include "platform/scripting/path.h"
+#include "platform/storage/logowner.h"
 
 ProcessLocal<Ref<ReportTarget>> reportTarget;
 ProcessLocal<Ref<ado::Connection>> adoConnection;
@@ -118,6 +119,7 @@ QString fncGetConnection() try {
         }
         if (!*blnAllowDBCreation)
             return {};
+        storage::refuseLoneLog(scripting::nativePath(strAccessPath));
         return fncChooseConnection(strAccessPath, strConnectionFile);
     }
 } catch (const Failure &failure) {

@@ -1,5 +1,6 @@
 #include "platform/storage/databasecopy.h"
 
+#include "platform/storage/logowner.h"
 #include "platform/value/failure.h"
 
 #include <QFileInfo>
@@ -96,6 +97,7 @@ void copyPages(sqlite3 *source, const QString &sourcePath, sqlite3 *target, cons
 void Moment::Closer::operator()(sqlite3 *database) const { sqlite3_close(database); }
 
 Moment::Database Moment::open(const QString &file, std::chrono::milliseconds wait) {
+    refuseForeignLog(file);
     sqlite3 *opened = nullptr;
     const int code =
         sqlite3_open_v2(file.toUtf8().constData(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);

@@ -2,6 +2,7 @@
 
 #include "platform/storage/access.h"
 #include "platform/storage/durable.h"
+#include "platform/storage/logowner.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -59,7 +60,7 @@ Hold::~Hold() {
 void Hold::takeLogIn() const {
     // The engine would take the log of a file that is too short to be a database away.
     constexpr qint64 shortest = 512;
-    if (QFileInfo(m_path).size() < shortest)
+    if (QFileInfo(m_path).size() < shortest || hasForeignLog(m_path))
         return;
     sqlite3 *opened = nullptr;
     const int code =

@@ -89,6 +89,15 @@ TEST_F(FindDatabase, ClosingTheChoiceLeavesNoDatabaseAndExampleDataIsOfferedOnce
     EXPECT_EQ(answers.shown()[1].field("chkExampleData"), nullptr);
 }
 
+TEST_F(FindDatabase, TheLogOfALostDatabaseIsNoReasonToMakeANewOne) {
+    put("Orvelle.mdb-wal", "what was committed last");
+    start(true);
+    answers.expect("is missing, but the log of its last changes is still there", window::No);
+    EXPECT_THROW(fncGetConnection(), ProcessEnd);
+    EXPECT_FALSE(exists("Orvelle.mdb"));
+    EXPECT_EQ(bytes("Orvelle.mdb-wal"), "what was committed last");
+}
+
 using SharedConnection = Installation;
 
 TEST_F(SharedConnection, IsOneAndOpensAgainAfterItWasClosed) {

@@ -5,6 +5,7 @@
 #include "platform/ado/jet/sql.h"
 #include "platform/ado/jet/text.h"
 #include "platform/storage/access.h"
+#include "platform/storage/logowner.h"
 
 #include <QFileInfo>
 #include <QSqlDriver>
@@ -100,6 +101,7 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
     : m_path(machinePath(path)), m_name(QUuid::createUuid().toString()), m_busySeconds(busySeconds),
       m_order(std::make_unique<TextOrder>()) {
     const QFileInfo file(m_path);
+    storage::refuseLoneLog(m_path);
     if (mode != Mode::Create) {
         if (!file.isFile())
             throw Failure(failures::unspecified, QString("Could not find the database file %1. Put it back, or restore "
@@ -110,6 +112,7 @@ JetDatabase::JetDatabase(const QString &path, Mode mode, int busySeconds)
         constexpr qint64 shortest = 512;
         if (file.size() < shortest)
             fail(SQLITE_NOTADB, "it is too short");
+        storage::refuseForeignLog(m_path);
         // The read-only mark of a file holds for everybody, also for those whom the system would let write.
         constexpr auto anyWrite = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
         m_readOnly = mode == Mode::ReadOnly || !(file.permissions() & anyWrite) || !file.isWritable();
@@ -199,6 +202,16 @@ void JetDatabase::prepare(QSqlQuery &query, const QString &statement) {
         failQuery(query);
 }
 
+void JetDatabase::markLog() {
+    if (!m_madeHere || m_readOnly)
+        return;
+    // What was to be written is; nobody waits for the mark.
+    sqlite3_busy_timeout(handle(), 0);
+    storage::markLog(handle(), m_markedLog);
+    constexpr int milliseconds = 1000;
+    sqlite3_busy_timeout(handle(), m_busySeconds * milliseconds);
+}
+
 void JetDatabase::begin() {
     run(m_depth == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT inner");
     ++m_depth;
@@ -212,6 +225,7 @@ void JetDatabase::beginReading() {
 void JetDatabase::commit() {
     run(m_depth <= 1 ? "COMMIT" : "RELEASE inner");
     --m_depth;
+    markLog();
 }
 
 void JetDatabase::rollback() {

@@ -40,6 +40,9 @@ class JetDatabase {
     void beginReading();
     void commit();
     void rollback();
+    /// To be called after what was committed without a transaction: says in the database which log it uses, so that the
+    /// log is not played into another file.
+    void markLog();
 
     /// Throws what a query or the database says went wrong. `sqliteText` is the engine's own account.
     [[noreturn]] void fail(int sqliteCode, const QString &sqliteText) const;
@@ -55,6 +58,7 @@ class JetDatabase {
     bool m_readOnly = false;
     /// By `platform/dao`.
     bool m_madeHere = false;
+    quint32 m_markedLog = 0;
     /// Transactions that are open, one inside of the other.
     int m_depth = 0;
     std::unique_ptr<TextOrder> m_order;

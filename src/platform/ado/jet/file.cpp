@@ -70,7 +70,10 @@ class JetFile final : public Provider {
         // It may have changed the schema.
         m_haveMoney = false;
         m_keys.clear();
-        return query.numRowsAffected();
+        const qint64 affected = query.numRowsAffected();
+        query.finish();
+        m_database.markLog();
+        return affected;
     }
 
     qint32 insert(const RowSet &set, const Row &row, const std::vector<bool> &assigned) override {
@@ -212,9 +215,15 @@ class JetFile final : public Provider {
         struct Finish {
             QSqlQuery &query;
             ~Finish() { query.finish(); }
-        } const finish{query};
-        m_database.run(query);
-        return {query.numRowsAffected(), query.lastInsertId().toLongLong()};
+        };
+        Written written{};
+        {
+            const Finish finish{query};
+            m_database.run(query);
+            written = {query.numRowsAffected(), query.lastInsertId().toLongLong()};
+        }
+        m_database.markLog();
+        return written;
     }
 
     /// Writing statements come again and again, with other values.

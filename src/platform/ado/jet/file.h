@@ -6,6 +6,7 @@
 /// - a column that numbers itself is INTEGER PRIMARY KEY AUTOINCREMENT;
 /// - captions in the table `jet_properties` (written by `platform/dao`).
 /// A file with that table was made here and keeps a log beside it (WAL); any other stays in the mode it has.
+/// Its `application_id` and `user_version` tell the log that belongs to it (`platform/storage/logowner.h`).
 ///
 /// Look-ups by one column keep an index of their own, named "lookup" with the table's and the column's names. The
 /// schema promises only the primary keys; these come with the first look-up and may be dropped at any time.
@@ -16,7 +17,8 @@
 namespace ado {
 
 /// Opens a database file. The path's separators may be of either kind. Fails with `failures::unspecified` when it is
-/// missing, damaged or no database.
+/// missing, damaged or no database, or where a log
+/// lies beside it that belongs to another file.
 ///
 /// \param busySeconds  how long a statement waits for another program's write.
 std::shared_ptr<Provider> openJetFile(const QString &path, int busySeconds);
