@@ -117,9 +117,9 @@ QString fncGetConnection() try {
             fsoFileSystem->DeleteFile(strConnectionFile, true);
             continue;
         }
+        storage::refuseLoneLog(scripting::nativePath(strAccessPath));
         if (!*blnAllowDBCreation)
             return {};
-        storage::refuseLoneLog(scripting::nativePath(strAccessPath));
         return fncChooseConnection(strAccessPath, strConnectionFile);
     }
 } catch (const Failure &failure) {

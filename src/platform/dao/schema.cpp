@@ -3,6 +3,8 @@
 #include "platform/ado/errors.h"
 #include "platform/ado/jet/file.h"
 #include "platform/ado/jet/sql.h"
+#include "platform/storage/durable.h"
+#include "platform/storage/logowner.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -56,6 +58,7 @@ Schema::Schema(const QString &path, Kind kind) : m_path(ado::machinePath(path)) 
         m_database->begin();
         return;
     }
+    storage::refuseLoneLog(m_path);
     if (QFileInfo::exists(m_path))
         throw Failure(databaseExists,
                       QString("The database %1 was not created: a file of that name is there.").arg(path));
@@ -243,7 +246,7 @@ void Schema::commit() {
     if (m_temporary.isEmpty())
         return;
     // Closing took everything into the one file. The name is taken only where it is free.
-    if (QFileInfo::exists(m_path) || !QFile::rename(m_temporary, m_path))
+    if (Attempt([&] { storage::renameNew(m_temporary, m_path); }))
         throw Failure(cannotCreate, QString("The database %1 could not be given its name. Check whether a file of that "
                                             "name is there, and the rights to its folder.")
                                         .arg(m_path));

@@ -4,6 +4,7 @@
 #include "platform/ado/jet/database.h"
 #include "platform/ado/jet/selection.h"
 #include "platform/ado/jet/sql.h"
+#include "platform/storage/durable.h"
 
 #include <QFile>
 #include <QSet>
@@ -327,8 +328,11 @@ void moveJetFile(const QString &from, const QString &to) {
     if (QFile::exists(machinePath(to)))
         throw Failure(failures::fileExists);
     const auto rename = [&] {
-        if (!QFile::rename(machinePath(from), machinePath(to)))
-            throw Failure(failures::permissionDenied);
+        // Whoever takes the name at the same moment keeps it.
+        const auto failure = Attempt([&] { storage::renameNew(machinePath(from), machinePath(to)); });
+        if (failure)
+            throw Failure(failure->number() == failures::fileExists ? failures::fileExists
+                                                                    : failures::permissionDenied);
     };
     std::unique_ptr<JetDatabase> database;
     // What was committed stands partly in a second file beside the database, which is named after it. Leaving that mode

@@ -5,6 +5,7 @@
 #include "support/child.h"
 #include "support/files.h"
 
+#include <barrier>
 #include <thread>
 
 namespace {
@@ -190,6 +191,33 @@ TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
     EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, moved); }), failures::fileExists);
     EXPECT_EQ(failureOf([&] { ado::moveJetFile(other, other + "2"); }), 0);
     EXPECT_EQ(contentOf(other + "2"), "no database");
+}
+
+TEST_F(JetFileTest, OfTwoFilesThatAreGivenOneNameAtOnceTheFirstKeepsIt) {
+    const QByteArray content = contentOf(m_engine.file());
+    for (int round = 0; round < 60; ++round) {
+        const QString name = m_directory.filePath(QString("taken%1.mdb").arg(round));
+        std::array<qint32, 2> outcomes{};
+        for (std::size_t at = 0; at < 2; ++at) {
+            const QString own = name + QString::number(at);
+            put(own.section(u'/', -1), content);
+            plainTool(own, {QString("INSERT INTO tblAll (strText) VALUES ('%1')").arg(at)});
+        }
+        {
+            std::barrier start(2);
+            const auto move = [&](std::size_t at) {
+                start.arrive_and_wait();
+                outcomes[at] = failureOf([&] { ado::moveJetFile(name + QString::number(at), name); });
+            };
+            std::jthread one([&] { move(0); });
+            std::jthread two([&] { move(1); });
+        }
+        const std::size_t winner = outcomes[0] == 0 ? 0 : 1;
+        EXPECT_EQ(outcomes[winner], 0);
+        EXPECT_EQ(outcomes[1 - winner], failures::fileExists);
+        EXPECT_TRUE(QFile::exists(name + QString::number(1 - winner))) << "the other one is whole";
+        EXPECT_EQ(column(openRecordset(FileEngine::connectTo(name), "tblAll"), "strText"), QString::number(winner));
+    }
 }
 
 } // namespace
