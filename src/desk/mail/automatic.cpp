@@ -61,7 +61,7 @@ class Signs {
             return AutomaticKind::OutOfOffice;
         if (isList())
             return AutomaticKind::List;
-        if (!saysNo(submitted()) || suppressesAll() || m_headers.has("X-Cron-Env"))
+        if (!saysNo(submitted()) || suppressesAnswers() || m_headers.has("X-Cron-Env"))
             return AutomaticKind::Other;
         // The way back is closed for those that must not be answered; most of them are bounces.
         return hasEmptyPath() ? AutomaticKind::Bounce : AutomaticKind::None;
@@ -156,9 +156,13 @@ class Signs {
         });
     }
 
-    [[nodiscard]] bool suppressesAll() const {
+    /// Out of office notes and receipts are no answers of ours: who refuses these alone may be answered.
+    [[nodiscard]] bool suppressesAnswers() const {
         const QStringList words = word("X-Auto-Response-Suppress").split(u',');
-        return std::any_of(words.begin(), words.end(), [](const QString &each) { return each.trimmed() == u"all"; });
+        return std::any_of(words.begin(), words.end(), [](const QString &each) {
+            const QString kind = each.trimmed();
+            return kind == u"all" || kind == u"autoreply";
+        });
     }
 
     [[nodiscard]] bool hasEmptyPath() const {

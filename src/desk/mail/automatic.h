@@ -38,7 +38,7 @@ struct OwnMail {
 /// - an empty return path, the type multipart/report or message/delivery-status, X-Failed-Recipients, or a mail server
 ///   as its sender ("postmaster" only where no mail program of a person names itself);
 /// - Auto-Submitted with anything but "no", one of the fields by which older programs mark answers (X-Autoreply and the
-///   like), X-Auto-Response-Suppress with "All";
+///   like), X-Auto-Response-Suppress with "All" or "AutoReply";
 /// - a List-... field, or Precedence with "bulk", "junk", "list" or "auto_reply". A list whose address is one's own is
 /// a
 ///   way in, and its marks count for nothing.

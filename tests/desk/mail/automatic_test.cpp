@@ -98,6 +98,8 @@ const std::vector<Case> automatic = {
     {"an older job's output", Other, "X-Cron-Env: <SHELL=/bin/sh>\nFrom: root@db1.example (Cron Daemon)"},
     {"a monitor", Other, "Auto-Submitted: auto-generated\nFrom: Monitoring <monitor@noc.example>"},
     {"a monitor that wants no answers", Other, "X-Auto-Response-Suppress: DR, All\nFrom: alerts@cloud.example"},
+    {"a mail that wants no program's answer", Other, "X-Auto-Response-Suppress: AutoReply"},
+    {"a corporate mail that wants none in a list", Other, "X-Auto-Response-Suppress: DR, RN, NRN, OOF, autoreply"},
     {"a calendar's notice", Other, "Auto-Submitted: auto-notified; owner-email=x@example.org"},
     {"a word that nobody knows", Other, "Auto-Submitted: auto-something"},
 };
@@ -116,7 +118,8 @@ const std::vector<Case> ordinary = {
     {"comes back through a gateway", None,
      "Return-Path: <bounces+7-cal=example.org@gateway.example>\nSender: bounces@gateway.example"},
     {"of the first class", None, "Precedence: first-class\nX-Precedence: normal"},
-    {"a corporate mail that wants no receipts", None, "X-Auto-Response-Suppress: DR, RN, NRN, OOF, AutoReply"},
+    {"a corporate mail that wants no receipts", None, "X-Auto-Response-Suppress: DR, RN, NRN"},
+    {"a corporate mail that wants no out of office note", None, "X-Auto-Response-Suppress: OOF"},
     {"asks for a receipt", None, "Disposition-Notification-To: <cal@example.org>\nReturn-Receipt-To: cal@example.org"},
     {"forwards a bounce as it came", None, "Content-Type: multipart/mixed; boundary=b",
      "--b\n\nSee below\n--b\nContent-Type: message/rfc822\n\nReturn-Path: <>\nFrom: MAILER-DAEMON@x\n"
@@ -188,7 +191,7 @@ const QByteArrayList makes[] = {
     {"X-Mailer: Desktop Mail 16.0\nThread-Index: AdX=\nX-MS-Has-Attach: yes\nX-MS-TNEF-Correlator:\n",
      "User-Agent: Mozilla/5.0 (X11; Linux x86_64; rv:102.0) Gecko/20100101\n",
      "X-Mailer: Phone Mail (20A380)\nMIME-Version: 1.0 (1.0)\n",
-     "X-MS-Exchange-Organization-AuthAs: Internal\nX-Auto-Response-Suppress: DR, OOF, AutoReply\n",
+     "X-MS-Exchange-Organization-AuthAs: Internal\nX-Auto-Response-Suppress: DR, OOF\n",
      "X-Priority: 3 (Normal)\nX-MimeOLE: Produced By V6\n", ""},
     {"Subject: Automatic reply from the printer\n", "Subject: =?utf-8?q?Abwesenheitsnotiz_geht_nicht?=\n",
      "Subject: Undeliverable: what does it mean?\n", "Subject: Fwd: newsletter, unsubscribe me\n", "Subject:\n", ""},
