@@ -3,6 +3,8 @@
 #include "whole/processes.h"
 
 #include <QFile>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 
 namespace whole {
 namespace {
@@ -84,6 +86,27 @@ TEST_F(Intake, WhatIsOnlyToBeKnownIsNoLeftover) {
     EXPECT_EQ(result.status, 4);
     EXPECT_TRUE(result.output.contains("(ticket 1)")) << result.output.toStdString();
     EXPECT_TRUE(result.output.contains("Nothing is left")) << result.output.toStdString();
+}
+
+TEST_F(Intake, ADatabaseOfAnotherKindIsReportedAndTheCommandEndsInOrder) {
+    startDesk();
+    startOrvelle();
+    ASSERT_TRUE(waitFor([&] { return watched(); }));
+    endOrvelle();
+    ASSERT_TRUE(QFile::remove(path("program/Orvelle.mdb")));
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(path("program/Orvelle.mdb"));
+        ASSERT_TRUE(other.open());
+        ASSERT_TRUE(QSqlQuery(other).exec("CREATE TABLE x (a)"));
+    }
+    QSqlDatabase::removeDatabase("other");
+    const auto started = process("ORVELLESETTINGS.exe", {"intake"});
+    started->start();
+    ASSERT_TRUE(started->waitForFinished());
+    EXPECT_EQ(started->exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(started->exitCode(), 1);
+    EXPECT_TRUE(started->readAllStandardError().contains("no such table"));
 }
 
 // Lost rows come back, and their tickets keep their numbers.

@@ -76,18 +76,6 @@ class DeskRun {
             objRootExplorer->subSetupSentORVL();
         }
     }
-    ~DeskRun() {
-        objRootExplorer = Ref<cRootExplorer>();
-        Attempt([] { subCleanupSafeUtils(); });
-        subCloseConnection();
-        reportTarget = Ref<ReportTarget>();
-        objSettings = Ref<cSettings>();
-        oufTickets = host::MAPIFolder();
-        onsMAPI = host::NameSpace();
-        ouaOutlook = host::Application();
-    }
-    DeskRun(const DeskRun &) = delete;
-    DeskRun &operator=(const DeskRun &) = delete;
 
     /// Fails where the person can't send mail from here.
     static void requireClientTools() {
@@ -99,6 +87,24 @@ class DeskRun {
     }
 
   private:
+    /// Lets go of all that the run holds of the desk, also where its beginning fails.
+    class Held {
+      public:
+        Held() = default;
+        ~Held() {
+            objRootExplorer = Ref<cRootExplorer>();
+            static_cast<void>(Attempt([] { subCleanupSafeUtils(); }));
+            subCloseConnection();
+            reportTarget = Ref<ReportTarget>();
+            objSettings = Ref<cSettings>();
+            oufTickets = host::MAPIFolder();
+            onsMAPI = host::NameSpace();
+            ouaOutlook = host::Application();
+        }
+        Held(const Held &) = delete;
+        Held &operator=(const Held &) = delete;
+    };
+
     void connect() {
         const QString profile = profileFolder();
         if (Attempt([&] { m_client = automation::Client::connect(profile + "/desk.socket"); }))
@@ -129,7 +135,9 @@ class DeskRun {
         LoadLanguages(objSettings->CurrentSelectedLanguage);
     }
 
+    // The client goes last: what is held is reached through it.
     std::unique_ptr<automation::Client> m_client;
+    Held m_held;
 };
 
 bool isLeft(const cLeftover &leftover) { return leftover.remedy != Remedy::None; }
