@@ -4,6 +4,8 @@
 #include "desk/mail/charsetguess.h"
 #include "desk/mail/headertext.h"
 
+#include <QUrl>
+
 namespace desk {
 namespace {
 
@@ -329,6 +331,29 @@ QByteArray encodeAddresses(const QList<Address> &addresses) {
             result += encodePhrase(name) + " <" + address.toUtf8() + '>';
     }
     return result;
+}
+
+bool isReachable(const QString &address) {
+    const qsizetype at = address.lastIndexOf(u'@');
+    if (at <= 0)
+        return false;
+    if (startOfLiteral(address) == at)
+        return address.size() > at + 3;
+    const QStringList labels = address.sliced(at + 1).split(u'.');
+    return std::all_of(labels.begin(), labels.end(), [](const QString &label) {
+        return !label.isEmpty() && std::all_of(label.begin(), label.end(), [](QChar c) {
+            return c.unicode() < 128 && (c.isLetterOrNumber() || c == u'-' || c == u'_');
+        });
+    });
+}
+
+QString withPlainDomain(const QString &address) {
+    const qsizetype at = address.lastIndexOf(u'@');
+    const auto isPlain = [](QChar c) { return c.unicode() < 128; };
+    if (at < 0 || std::all_of(address.begin() + at, address.end(), isPlain))
+        return address;
+    const QByteArray domain = QUrl::toAce(address.sliced(at + 1));
+    return domain.isEmpty() ? address : address.first(at + 1) + QString::fromLatin1(domain);
 }
 
 } // namespace desk

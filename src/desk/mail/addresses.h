@@ -18,4 +18,9 @@ QList<Address> decodeAddresses(QByteArrayView raw, const CharsetHints &hints);
 /// The list as a header's value, folded. A name without an address becomes an empty group of that name.
 QByteArray encodeAddresses(const QList<Address> &addresses);
 
+/// Whether any mail could go to the address: a part before the '@', and a domain or a number in brackets behind it.
+bool isReachable(const QString &address);
+/// The address with its domain as mail systems know it ("xn--..."); as it is where the domain can't be written so.
+QString withPlainDomain(const QString &address);
+
 } // namespace desk

@@ -1,12 +1,16 @@
 #include "desk/transport/automaticmail.h"
 
 #include "desk/content/mailboxes.h"
+#include "desk/mail/addresses.h"
 #include "desk/store/correspondents.h"
 #include "desk/transport/mailrules.h"
 #include "platform/value/convert.h"
 
 namespace desk {
 namespace {
+
+/// Of an address that a stranger chose.
+constexpr qsizetype mostShown = 100;
 
 QString textProperty(ItemContent &item, const QString &name) {
     const Property *property = item.findProperty(name);
@@ -74,6 +78,17 @@ std::optional<QString> fullAddress(Mailboxes &mailboxes, const QStringList &addr
     return full;
 }
 
+/// What a recipient is called whom no mail can reach; nothing where all can be reached.
+std::optional<QString> unreachable(const Message &message) {
+    for (const QList<Address> &list : {message.to, message.cc, message.bcc}) {
+        for (const Address &address : list) {
+            if (!isReachable(address.address))
+                return address.address.isEmpty() ? address.name : address.address;
+        }
+    }
+    return std::nullopt;
+}
+
 /// Whether the mail would come back to whom it is from. The name to send under may be one that leads here, too.
 bool isFrom(const QString &address, const Message &message, const OwnMail &own) {
     QStringList senders = own.addresses + QStringList{message.from.address, message.sender.address};
@@ -137,6 +152,9 @@ void setAnswered(ItemContent &item, ItemContent &answered) {
 }
 
 QString reasonNotToSend(Mailboxes &mailboxes, ItemContent &item, const Message &message) {
+    if (const auto nobody = unreachable(message))
+        return QStringLiteral("No mail can go to \"%1\": it is no whole address, and no contact has that name.")
+            .arg(nobody->left(mostShown));
     const OwnMail own = ownMail(mailboxes);
     const QStringList recipients = recipientsOf(message);
     for (const QString &address : recipients) {

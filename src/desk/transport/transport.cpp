@@ -3,6 +3,7 @@
 #include "desk/content/directory.h"
 #include "desk/content/itemmessage.h"
 #include "desk/content/mailboxes.h"
+#include "desk/mail/addresses.h"
 #include "desk/mail/automatic.h"
 #include "desk/mail/composer.h"
 #include "desk/store/transfer.h"
@@ -122,8 +123,10 @@ bool Transport::send(const QString &folder, const ItemRecord &item) {
     Message message = outgoingMessage(content, m_mailboxes.profile());
     for (QList<Address> *list : {&message.to, &message.cc, &message.bcc}) {
         for (Address &address : *list) {
-            if (address.address.contains(u'@'))
+            if (address.address.contains(u'@')) {
+                address.address = withPlainDomain(address.address);
                 continue;
+            }
             if (const auto contact = m_mailboxes.directory().contactByName(address.address))
                 address = {contact->fullName, contact->email1Address};
         }

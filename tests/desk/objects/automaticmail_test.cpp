@@ -150,6 +150,37 @@ TEST_F(AutomaticMailTest, WhatWouldComeBackIsNotSent) {
     EXPECT_EQ(delivered(own + "\r\nText").of("UserProperties", {"Automatic mail"}).text("Value"), "own mail");
 }
 
+TEST_F(AutomaticMailTest, WhoCanNotBeReachedGetsNothingAndTheReasonIsKept) {
+    const struct {
+        QString to, gone;
+    } cases[] = {{"@", ""},
+                 {"a@", ""},
+                 {"@b", ""},
+                 {"bob", ""},
+                 {"bob@.example.org", ""},
+                 {"bob@example..org", ""},
+                 {QString("bob@ex\u00E4mple.org"), "bob@xn--exmple-cua.org"},
+                 {QString("Bob <bob@ex\uFFFDmple.org>"), ""},
+                 {"bob@[192.0.2.1]", "bob@[192.0.2.1]"},
+                 {"bo.b+tag@localhost", "bo.b+tag@localhost"},
+                 {"cal@example.org; bob", ""},
+                 {"Cora Contact", "cora@example.org"}};
+    const Handle contact = newItem(folder(10), "IPM.Contact");
+    contact.put("FullName", "Cora Contact");
+    contact.put("Email1Address", "cora@example.org");
+    contact.call("Save");
+    qsizetype kept = 0;
+    for (const auto &each : cases) {
+        SCOPED_TRACE(each.to.toStdString());
+        const QByteArray header = sentTo(each.to);
+        EXPECT_EQ(!header.isEmpty(), !each.gone.isEmpty());
+        EXPECT_TRUE(header.contains(each.gone.toUtf8())) << header.toStdString();
+        kept += each.gone.isEmpty() ? 1 : 0;
+        EXPECT_EQ(reasons().size(), kept);
+    }
+    EXPECT_EQ(reasons().filter("No mail can go to \"").size(), kept) << reasons().join(u'\n').toStdString();
+}
+
 TEST_F(AutomaticMailTest, AnAddressGetsTenAnHourOrAsManyAsTheRulesSay) {
     const auto sentOf = [&](int count, const QString &to) {
         int all = 0;
