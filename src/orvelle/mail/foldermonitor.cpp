@@ -40,9 +40,26 @@ Ref<cIncomingMonitor> fncTakeFolder(const host::MAPIFolder &ouf) {
     return monitor;
 }
 
-/// What is left of a program that died keeps a folder from being watched, and nobody would know why mails stay there.
-void subTellNotTaken(const QList<std::pair<QString, host::MAPIFolder>> &folders) {
-    const QString strWhy = folders.isEmpty() ? QString() : fncWhyNotWatched(folders);
+/// Renamed, gone, or of a mailbox that is not in the profile.
+QString fncNotFound(const QStringList &paths) {
+    if (paths.isEmpty())
+        return {};
+    QString strText = "No mail is taken from these folders of the settings, for they are not found in this profile:";
+    strText += strLineEnd;
+    for (const QString &strPath : paths)
+        strText += "- " + strPath + strLineEnd;
+    return strText +
+           "Correct their names in the setting EmailFolders, or make the folders and have their mailboxes added "
+           "to the profile. Then start this program again." +
+           strLineEnd;
+}
+
+/// Where nobody watches, nobody would know why mails stay there. A program that died may have left something in the
+/// way.
+/// \param missing  the folders that are not there.
+/// \param folders  the folders that could not be taken.
+void subTellNotTaken(const QStringList &missing, const QList<std::pair<QString, host::MAPIFolder>> &folders) {
+    const QString strWhy = fncNotFound(missing) + (folders.isEmpty() ? QString() : fncWhyNotWatched(folders));
     if (strWhy.isEmpty())
         return;
     subTrace(strWhy);
@@ -83,12 +100,15 @@ void cIncomingMonitor::AddFlagItem() {
 
 void subMonitorMailFolders() try {
     colIncomingMonitors = fncCreateDic<Ref<cIncomingMonitor>>();
+    QStringList missing;
     QList<std::pair<QString, host::MAPIFolder>> notTaken;
     for (const QString &strPath : objSettings->EmailFolders->DicList->Items()) {
         subTrace("Iterating through the monitored email folder - " + strPath);
         const host::MAPIFolder ouf = fncGetFolderFromPath(strPath);
-        if (ouf.isNothing())
+        if (ouf.isNothing()) {
+            missing.append(strPath);
             continue;
+        }
         subScan(ouf);
         if (const auto monitor = fncTakeFolder(ouf))
             colIncomingMonitors->Add(strPath, monitor);
@@ -96,7 +116,7 @@ void subMonitorMailFolders() try {
             notTaken.append({strPath, ouf});
     }
     subCleanupSafeUtils();
-    subTellNotTaken(notTaken);
+    subTellNotTaken(missing, notTaken);
 } catch (const Failure &failure) {
     subErrorHandler(failure, "subMonitorMailFolders");
 }

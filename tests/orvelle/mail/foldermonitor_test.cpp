@@ -116,7 +116,7 @@ TEST_F(FolderMonitor, EveryConfiguredFolderIsWatchedAndMissingOnesArePassedOver)
     const host::MAPIFolder other = mailbox().Folders().Add("Urgent", 6);
     setEmailFolders(
         {"\\\\Mailbox - Alma Tester\\Support", "\\\\No\\Such\\Folder", "\\\\Mailbox - Alma Tester\\Urgent"});
-    start();
+    startWith("\r\n- \\\\No\\Such\\Folder\r\nCorrect their names in the setting EmailFolders");
     deliver({.subject = "to support"});
     deliver({.subject = "urgent"}, other);
     EXPECT_EQ(subjects(tickets()), (QStringList{"to support", "urgent"}));
