@@ -212,7 +212,20 @@ void JetDatabase::markLog() {
     sqlite3_busy_timeout(handle(), m_busySeconds * milliseconds);
 }
 
+void JetDatabase::requirePlace() const {
+    int hasMoved = 0;
+    if (sqlite3_file_control(handle(), "main", SQLITE_FCNTL_HAS_MOVED, &hasMoved) != SQLITE_OK || hasMoved == 0)
+        return;
+    throw Failure(failures::unspecified,
+                  QString("The database %1 was removed, renamed or replaced while this program had it open. Nothing "
+                          "more is written, for it would be lost. End this program, put the database or a backup of it "
+                          "back, and start again.")
+                      .arg(m_path));
+}
+
 void JetDatabase::begin() {
+    if (m_depth == 0)
+        requirePlace();
     run(m_depth == 0 ? "BEGIN IMMEDIATE" : "SAVEPOINT inner");
     ++m_depth;
 }

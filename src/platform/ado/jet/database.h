@@ -34,7 +34,9 @@ class JetDatabase {
     void run(QSqlQuery &query);
     void prepare(QSqlQuery &query, const QString &statement);
 
-    /// A transaction with the right to write. One inside of another is a part of it.
+    /// Fails where the file no longer has the name that it was opened by: what is written then would go with it.
+    void requirePlace() const;
+    /// A transaction with the right to write; fails as `requirePlace` does. One inside of another is a part of it.
     void begin();
     /// One for reading alone, which keeps nobody from writing.
     void beginReading();

@@ -213,6 +213,8 @@ class JetFile final : public Provider {
 
     /// Runs a prepared change. It is committed when this returns, and the statement keeps no lock, done or failed.
     Written write(QSqlQuery &query) {
+        if (sqlite3_get_autocommit(m_database.handle()) != 0)
+            m_database.requirePlace();
         struct Finish {
             QSqlQuery &query;
             ~Finish() { query.finish(); }

@@ -193,6 +193,30 @@ TEST_F(JetFileTest, MovesAFileWithEverythingCommittedAndOnlyWhenNobodyHasIt) {
     EXPECT_EQ(contentOf(other + "2"), "no database");
 }
 
+TEST_F(JetFileTest, NothingIsWrittenIntoAFileThatHasLostItsName) {
+    const QByteArray other = contentOf(m_engine.file());
+    const auto take = [&] { return QFile::rename(m_engine.file(), m_engine.file() + ".away"); };
+    const struct {
+        const char *name;
+        std::function<bool()> change;
+    } cases[] = {
+        {"renamed", take},
+        {"removed", [&] { return QFile::remove(m_engine.file()); }},
+        {"replaced", [&] { return take() && !writtenFile(m_engine.file(), other).isEmpty(); }},
+    };
+    for (const auto &each : cases) {
+        SCOPED_TRACE(each.name);
+        ado::removeJetFile(m_engine.file());
+        writtenFile(m_engine.file(), other);
+        const Ref<ado::Connection> connection = m_engine.connect();
+        addRow(connection, "before");
+        ASSERT_TRUE(each.change());
+        expectFailure([&] { addRow(connection, "behind"); }, failures::unspecified, {"was removed", "start again"});
+        expectFailure([&] { const ado::Transaction transaction(*connection); }, failures::unspecified, {"was removed"});
+        QFile::remove(m_engine.file() + ".away");
+    }
+}
+
 TEST_F(JetFileTest, OfTwoFilesThatAreGivenOneNameAtOnceTheFirstKeepsIt) {
     const QByteArray content = contentOf(m_engine.file());
     for (int round = 0; round < 60; ++round) {
