@@ -184,6 +184,35 @@ TEST_F(BackupTest, ADamagedOneIsRefusedAndChangesNothing) {
     }
 }
 
+TEST_F(BackupTest, WhatIsLeftOfAStoreIsNotBackedUpOverTheGoodOne) {
+    makeStores();
+    const QString target = file("backup");
+    ASSERT_EQ(run({"backup", target}).status, 0);
+    const QByteArray sums = contentOf(target + "/SHA256SUMS");
+    const QByteArray good = contentOf(mailbox());
+    const struct {
+        const char *name;
+        QByteArray content;
+        QByteArray reason;
+    } cases[] = {{"empty", "", "it is empty"},
+                 {"a few bytes", good.left(100), "it is too short"},
+                 {"cut", good.left(5000), "damaged"},
+                 {"text", QByteArray("Dear all, ").repeated(500), "damaged"}};
+    for (const QString &store : {mailbox(), publicStore()})
+        for (const auto &each : cases) {
+            SCOPED_TRACE(each.name + (' ' + store.toStdString()));
+            const QByteArray whole = contentOf(store);
+            writtenFile(store, each.content);
+            const Outcome refused = run({"backup", target, "--replace"});
+            EXPECT_EQ(refused.status, 1);
+            EXPECT_TRUE(refused.error.contains(each.reason)) << refused.error.toStdString();
+            EXPECT_EQ(contentOf(target + "/SHA256SUMS"), sums);
+            EXPECT_EQ(contentOf(store), each.content);
+            writtenFile(store, whole);
+        }
+    EXPECT_EQ(run({"backup", target, "--replace"}).status, 0);
+}
+
 TEST_F(BackupTest, ItIsPutBackWhenNoDeskRunsAndWhatWasThereIsKept) {
     makeStores();
     const QString shared = file("team/shared.store");

@@ -64,6 +64,9 @@ class ProfileBackup {
     ProfileBackup(const QString &profile, const QString &target) : m_profile(profile), m_draft(target) {}
 
     void copyStores(const QStringList &files) {
+        // What is left of a damaged store can pass for a database without a table, and so for a whole copy of one.
+        for (const QString &file : files)
+            static_cast<void>(Store(file, {.create = false}).storeId());
         const storage::Moment moment(files);
         const QStringList names{mailboxCopy, publicCopy};
         for (qsizetype at = 0; at < files.size(); ++at) {
