@@ -95,6 +95,84 @@ TEST_F(ProfileTest, ASharedStoreFollowsTheGroupOfItsFolder) {
     EXPECT_EQ(endDesk(), 0);
 }
 
+/// An empty store in the place of a lost one would look like the loss of everything.
+TEST_F(ProfileTest, AStoreThatIsLostIsNotMadeAnewUnasked) {
+    const QString shared = file("share/public.store");
+    ASSERT_TRUE(QDir().mkdir(file("share")));
+    const struct {
+        const char *name;
+        QStringList asked;
+        QString lost;
+        /// Of a profile that an earlier version made, or that has lost its settings too.
+        bool remembers;
+    } cases[] = {{"mailbox", {}, "mailbox.store", true},
+                 {"public folders", {}, "public.store", true},
+                 {"on a share", {"--public", shared}, shared, true},
+                 {"mailbox, unremembered", {}, "mailbox.store", false},
+                 {"public folders, unremembered", {}, "public.store", false}};
+    int number = 0;
+    for (const auto &each : cases) {
+        SCOPED_TRACE(each.name);
+        const QString folder = file(QStringLiteral("profile%1").arg(++number));
+        const QStringList own{"--profile", folder};
+        const QString lost = QDir(folder).filePath(each.lost);
+        ASSERT_EQ(run(own + each.asked + QStringList{"folders"}).status, 0);
+        if (!each.remembers)
+            writtenFile(folder + "/desk.ini", "[General]\nuser=Alma Tester\n");
+        const QByteArray settings = contentOf(folder + "/desk.ini");
+        ASSERT_TRUE(QFile::rename(lost, lost + ".away"));
+        for (const QStringList &command : {QStringList{"folders"}, each.asked + QStringList{"folders"}, QStringList{},
+                                           QStringList{"backup", file("backup")}}) {
+            const Outcome refused = run(own + command);
+            EXPECT_EQ(refused.status, 1) << command.join(u' ').toStdString();
+            EXPECT_TRUE(refused.error.contains(lost.toUtf8())) << refused.error.toStdString();
+            EXPECT_TRUE(command.contains("backup") || refused.error.contains("--make-missing"));
+            EXPECT_FALSE(QFile::exists(lost));
+        }
+        EXPECT_EQ(contentOf(folder + "/desk.ini"), settings);
+        EXPECT_EQ(run(own + QStringList{"folders", "--make-missing"}).status, 0);
+        EXPECT_TRUE(QFile::exists(lost));
+        ASSERT_TRUE(QFile::remove(lost) && QFile::rename(lost + ".away", lost));
+        EXPECT_EQ(run(own + QStringList{"folders"}).status, 0) << "it is back";
+        // Another file is another's choice.
+        EXPECT_EQ(run(own + QStringList{"folders", "--public", folder + "/other.store"}).status, 0);
+    }
+}
+
+TEST_F(ProfileTest, ThePersonIsKnownFromTheMailboxWhereTheSettingsNameNobody) {
+    ASSERT_EQ(run({"folders"}).status, 0);
+    const std::pair<const char *, std::optional<QByteArray>> cases[] = {
+        {"missing", std::nullopt},
+        {"without the line", QByteArray("[General]\nopen=x\n")},
+        {"an empty name", QByteArray("[General]\nuser=\n")},
+        {"an empty name in marks", QByteArray("[General]\nuser=\"  \"\n")},
+        {"cut in the name", QByteArray("[General]\nmailboxMade=true\nuser=Alma Te")},
+        {"cut before it", QByteArray("[General]\nmailboxMade=true\nuse")}};
+    for (const auto &[name, content] : cases) {
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(QFile::remove(inProfile("desk.ini")));
+        if (content)
+            written("profile/desk.ini", *content);
+        const Outcome mended = runUnnamed({"folders"});
+        EXPECT_EQ(mended.status, 0);
+        EXPECT_TRUE(mended.error.contains("desk.ini")) << mended.error.toStdString();
+        EXPECT_TRUE(mended.out.contains("\\\\Mailbox - Alma Tester\\Inbox")) << mended.out.toStdString();
+        const Outcome next = runUnnamed({"folders"});
+        EXPECT_EQ(next.error, "");
+        EXPECT_TRUE(next.out.contains("\\\\Mailbox - Alma Tester\\Inbox"));
+    }
+    // The name of a mailbox that can't be opened at the moment is not lost.
+    const QByteArray whole = contentOf(inProfile("mailbox.store"));
+    written("profile/mailbox.store", "");
+    ASSERT_TRUE(QFile::remove(inProfile("desk.ini")));
+    EXPECT_EQ(runUnnamed({"folders"}).status, 1);
+    written("profile/mailbox.store", whole);
+    EXPECT_TRUE(runUnnamed({"folders"}).out.contains("Mailbox - Alma Tester"));
+    // Whoever says another name means it.
+    EXPECT_EQ(runUnnamed({"folders", "--user", "Alma Married"}).error, "");
+    EXPECT_TRUE(runUnnamed({"folders"}).out.contains("\\\\Mailbox - Alma Married\\Inbox"));
+}
+
 struct Damage {
     const char *name;
     QByteArray content;

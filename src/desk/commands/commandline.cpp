@@ -67,8 +67,8 @@ CommandLine parseCommandLine(const QStringList &arguments) {
                                             named("count"),          named("mail"),
                                             valued("most-an-hour"),  valued("sort-automatic"),
                                             valued("own-addresses"), named("replace"),
-                                            named("without-public")};
-    const QStringList common{"profile", "user", "public", "json", "h", "help"};
+                                            named("without-public"), named("make-missing")};
+    const QStringList common{"profile", "user", "public", "make-missing", "json", "h", "help"};
 
     QCommandLineParser parser;
     parser.addOptions(options);
@@ -92,7 +92,7 @@ CommandLine parseCommandLine(const QStringList &arguments) {
             throw UsageError(QStringLiteral("The command \"%1\" takes no option --%2.").arg(command.name, name));
     }
     line.desk = {parser.value(QStringLiteral("profile")), parser.value(QStringLiteral("user")),
-                 parser.value(QStringLiteral("public"))};
+                 parser.value(QStringLiteral("public")), parser.isSet(QStringLiteral("make-missing"))};
     line.json = parser.isSet(QStringLiteral("json"));
     line.folder = parser.value(QStringLiteral("folder"));
     line.homePage = parser.value(QStringLiteral("home-page"));
@@ -150,6 +150,8 @@ Options
                   (default: $ORVELLE_PROFILE, or a folder among your own data)
   --user NAME     the person whose mailbox it is; remembered
   --public FILE   the file of the public folders, which several profiles may share; remembered
+  --make-missing  makes the mailbox or the file of the public folders anew, empty, where the profile had one that is
+                  missing; without it, that is refused
   --open PATH     the folder that the running desk shows; remembered
   --json          machine-readable output: one document
   -h, --help      this text

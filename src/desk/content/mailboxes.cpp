@@ -28,12 +28,15 @@ constexpr std::array<SpecialFolderKind, 8> specialFolders{{
 }};
 
 std::unique_ptr<Store> openMailbox(const Profile &profile) {
+    profile.refuseLostMailbox();
     StoreOptions options;
     options.rootName = profile.rootName();
     return std::make_unique<Store>(profile.mailboxFile(), options);
 }
 
-std::unique_ptr<Store> openPublicStore(const QString &file) {
+std::unique_ptr<Store> openPublicStore(const Profile &profile, Store &mailbox) {
+    profile.refuseLostPublicStore(!mailbox.childFolders(mailbox.root().id).isEmpty());
+    const QString file = profile.publicFile();
     StoreOptions options;
     options.rootName = QStringLiteral("Public Folders");
     options.sharing = storage::Sharing::Group;
@@ -46,7 +49,8 @@ std::unique_ptr<Store> openPublicStore(const QString &file) {
 } // namespace
 
 Mailboxes::Mailboxes(const Profile &profile)
-    : m_profile(profile), m_mailbox(openMailbox(profile)), m_public(openPublicStore(profile.publicFile())) {
+    : m_profile(profile), m_mailbox(openMailbox(profile)), m_public(openPublicStore(profile, *m_mailbox)) {
+    profile.rememberStores();
     settleTransfers(*m_mailbox, *m_public);
     FolderRecord root = m_mailbox->root();
     if (root.name != profile.rootName()) {

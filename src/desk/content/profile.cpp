@@ -57,6 +57,26 @@ void refuseHalfRestored(const QString &mark) {
                           .arg(mark));
 }
 
+/// What is in a profile only once its mailbox is.
+bool hasTracesOfMailbox(const QDir &profile) {
+    const QStringList traces{QStringLiteral("public.store"), QStringLiteral("mailbox.store-transfers"),
+                             QStringLiteral("mailboxes.txt"), QStringLiteral("outgoing"),
+                             QStringLiteral("desk.socket")};
+    return std::any_of(traces.begin(), traces.end(), [&](const QString &name) { return profile.exists(name); });
+}
+
+Failure lost(const QString &what, const QString &file, const QString &elsewhere) {
+    return {
+        failures::fileNotFound,
+        QStringLiteral("The %1 of this profile is missing: %2. Nothing was changed. If its disk is not mounted, mount "
+                       "it; otherwise put the file, or a backup (orvelle-desk restore), back. %3Where a new and empty "
+                       "one is wanted, say --make-missing, once.")
+            .arg(what, file, elsewhere)};
+}
+
+const QString mailboxMade = QStringLiteral("mailboxMade");
+const QString publicMade = QStringLiteral("publicMade");
+
 } // namespace
 
 QString profileFolder(const DeskOptions &options) {
@@ -78,14 +98,44 @@ Profile::Profile(const DeskOptions &options) : m_folder(profileFolder(options)) 
     mendSettings(m_folder, options.publicFile);
 
     const QString login = qEnvironmentVariable("USER", QStringLiteral("User"));
-    const QString asked = options.user.trimmed();
+    QString asked = options.user.trimmed();
+    if (asked.isEmpty())
+        asked = nameFromMailbox(m_folder);
     makeSettings(file("desk.ini"), asked.isEmpty() ? login : asked);
     QSettings settings(file("desk.ini"), QSettings::IniFormat);
     m_user = settle(settings, QStringLiteral("user"), asked, login);
     m_address = settle(settings, QStringLiteral("address"), {}, addressFor(m_user));
     const QString publicFile =
         options.publicFile.isEmpty() ? QString() : QFileInfo(options.publicFile).absoluteFilePath();
+    const QString standing = settings.value(QStringLiteral("public"), file("public.store")).toString();
+    const bool isOther = !publicFile.isEmpty() && publicFile != standing;
     m_publicFile = settle(settings, QStringLiteral("public"), publicFile, file("public.store"));
+
+    // Before anybody looks for the stores: several first starts at once make them.
+    m_hadMailbox = !options.makeMissing && (settings.value(mailboxMade).toBool() || hasTracesOfMailbox(QDir(m_folder)));
+    if (options.makeMissing || isOther)
+        m_hadPublicStore = false;
+    else if (settings.contains(publicMade))
+        m_hadPublicStore = settings.value(publicMade).toString() == m_publicFile;
+}
+
+void Profile::refuseLostMailbox() const {
+    if (m_hadMailbox && !QFileInfo::exists(mailboxFile()))
+        throw lost(QStringLiteral("mailbox"), mailboxFile(), {});
+}
+
+void Profile::refuseLostPublicStore(bool hasFolders) const {
+    if (m_hadPublicStore.value_or(hasFolders) && !QFileInfo::exists(m_publicFile))
+        throw lost(QStringLiteral("file of the public folders"), m_publicFile,
+                   QStringLiteral("If it is another file, name that with --public FILE. "));
+}
+
+void Profile::rememberStores() const {
+    QSettings settings(file("desk.ini"), QSettings::IniFormat);
+    if (settings.value(mailboxMade).toBool() && settings.value(publicMade).toString() == m_publicFile)
+        return;
+    settings.setValue(mailboxMade, true);
+    settings.setValue(publicMade, m_publicFile);
 }
 
 QString Profile::rootName() const { return mailboxPrefix + m_user; }

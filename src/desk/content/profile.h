@@ -3,6 +3,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace desk {
 
 /// The name of a mailbox's root folder before the person's name.
@@ -17,6 +19,8 @@ struct DeskOptions {
     QString user = {};
     /// The file of the public folders' store. Default: in the profile.
     QString publicFile = {};
+    /// Whether a store that the profile once had, and that is missing, is to be made anew.
+    bool makeMissing = false;
 };
 
 /// The folder of the profile that is meant, whether it is there or not.
@@ -40,6 +44,15 @@ class Profile {
 
     [[nodiscard]] QString mailboxFile() const;
     [[nodiscard]] const QString &publicFile() const { return m_publicFile; }
+
+    /// Fails with 53 where the mailbox is missing and the profile once had it.
+    void refuseLostMailbox() const;
+    /// The same of the public folders. \param hasFolders  whether the mailbox has any: the settings may be lost too,
+    /// and no mailbox gets folders before its public folders are there.
+    void refuseLostPublicStore(bool hasFolders) const;
+    /// Remembers which stores the profile has. REQUIRES: they are there.
+    void rememberStores() const;
+
     [[nodiscard]] QString socket() const;
     /// Where messages are left for the mail system of the machine.
     [[nodiscard]] QString outgoingFolder() const;
@@ -57,6 +70,9 @@ class Profile {
     QString m_user;
     QString m_address;
     QString m_publicFile;
+    bool m_hadMailbox = false;
+    /// Nothing where it can't be told.
+    std::optional<bool> m_hadPublicStore;
 };
 
 } // namespace desk

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QSettings>
 
 #include <unistd.h>
 
@@ -47,8 +48,13 @@ QStringList linesOf(const QByteArray &bytes) {
     return lines;
 }
 
+/// Every writer ends the last line. In one without an end, half a name or half a path looks like a whole one.
+bool isCutOff(const QByteArray &bytes) { return !bytes.endsWith('\n'); }
+
 /// The reader of such files takes almost anything for one, and an empty file as well.
 bool isSettings(const QByteArray &bytes) {
+    if (isCutOff(bytes))
+        return false;
     const QStringList lines = linesOf(bytes);
     const auto isLine = [](const QString &line) {
         return line.isEmpty() || line.startsWith(u';') || sectionIn(line) || settingIn(line);
@@ -66,7 +72,10 @@ using Values = QMap<QString, QMap<QString, QString>>;
 Values readable(const QByteArray &bytes) {
     Values values;
     QString section = general;
-    for (const QString &line : linesOf(bytes)) {
+    QStringList lines = linesOf(bytes);
+    if (isCutOff(bytes))
+        lines.removeLast();
+    for (const QString &line : std::as_const(lines)) {
         section = sectionIn(line).value_or(section);
         if (const auto setting = settingIn(line))
             values[section].insert(setting->first, setting->second);
@@ -127,16 +136,37 @@ QString iniValue(const QString &text) {
     return u'"' + escaped.replace(u'\\', QStringLiteral("\\\\")).replace(u'"', QStringLiteral("\\\"")) + u'"';
 }
 
+QString ownerIn(const QString &mailboxFile) {
+    Store mailbox(mailboxFile, {.create = false});
+    const QString name = mailbox.root().name;
+    return name.startsWith(mailboxPrefix) ? name.mid(mailboxPrefix.size()) : QString();
+}
+
+bool hasName(const QString &settingsFile) {
+    const QSettings settings(settingsFile, QSettings::IniFormat);
+    return !settings.value(QStringLiteral("user")).toString().trimmed().isEmpty();
+}
+
 } // namespace
 
 QString ownerOfMailbox(const QString &mailboxFile) {
-    return AttemptOr(
-        [&] {
-            Store mailbox(mailboxFile, {.create = false});
-            const QString name = mailbox.root().name;
-            return name.startsWith(mailboxPrefix) ? name.mid(mailboxPrefix.size()) : QString();
-        },
-        QString());
+    return AttemptOr([&] { return ownerIn(mailboxFile); }, QString());
+}
+
+QString nameFromMailbox(const QString &profileFolder) {
+    const QString settings = profileFolder + QStringLiteral("/desk.ini");
+    const QString mailbox = profileFolder + QStringLiteral("/mailbox.store");
+    if (hasName(settings) || !QFileInfo::exists(mailbox))
+        return {};
+    QString owner = ownerIn(mailbox);
+    // A first start writes the settings before it makes the mailbox: by now they would be there.
+    if (owner.isEmpty() || hasName(settings))
+        return {};
+    qCritical("The settings file %s is missing or has lost the person's name. The name was taken from the mailbox: %s. "
+              "Other settings may be lost too; look at them with orvelle-desk rules, and name the file of the public "
+              "folders with --public, once, if it is not the profile's own.",
+              qUtf8Printable(settings), qUtf8Printable(owner));
+    return owner;
 }
 
 void makeSettings(const QString &path, const QString &user) {

@@ -17,6 +17,11 @@ void makeSettings(const QString &path, const QString &user);
 /// \param publicFile  what the caller names as the public folders' file, or empty.
 void mendSettings(const QString &profileFolder, const QString &publicFile);
 
+/// The person's name where the settings are lost or name nobody and the mailbox still does, which is said on standard
+/// error; empty otherwise. Fails as a store does where there is a mailbox and it can't be opened: under another name it
+/// would be renamed once it can.
+QString nameFromMailbox(const QString &profileFolder);
+
 /// The person whose mailbox that file is; empty where it can't be told.
 QString ownerOfMailbox(const QString &mailboxFile);
 
