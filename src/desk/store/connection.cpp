@@ -16,6 +16,10 @@ QString refusedWrite(const QString &path) {
         return QStringLiteral("The store %1 is on a disk that is mounted read-only; make the disk writable and try "
                               "again.")
             .arg(path);
+    case storage::Bar::Unreadable:
+        return QStringLiteral("The store %1 may not be read, and not written either; give its owner both rights (chmod "
+                              "u+rw) and try again.")
+            .arg(path);
     case storage::Bar::ReadOnlyFile:
         return QStringLiteral("The store %1 is marked read-only; take the mark off the file (chmod u+w) and try again.")
             .arg(path);

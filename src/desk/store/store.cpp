@@ -30,6 +30,15 @@ void refuseRemains(const QString &path) {
                       .arg(path, problem));
 }
 
+/// The engine makes the files beside a store with the rights that the store has at that moment, and leaves them where
+/// it then fails to write. Those of a store that was read-only would keep it so.
+void freeFilesBeside(const QString &path) {
+    if (storage::writeBar(path) != storage::Bar::None)
+        return;
+    for (const char *ending : {"-wal", "-shm", "-transfers"})
+        storage::followAccess(path + QString::fromLatin1(ending), path);
+}
+
 } // namespace
 
 Store::Store(const QString &path, const StoreOptions &options) {
@@ -40,6 +49,7 @@ Store::Store(const QString &path, const StoreOptions &options) {
         makeStore(path, options.rootName, options.sharing, options.wait);
     }
     refuseRemains(path);
+    freeFilesBeside(path);
     m_connection = std::make_unique<Connection>(path, options.wait);
     const Prepared prepared = prepareStore(*m_connection, options.rootName, options.wait);
     m_tag = prepared.tag;

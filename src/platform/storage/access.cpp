@@ -18,6 +18,7 @@ constexpr mode_t everybodys = 0007;
 constexpr mode_t groups = 0070;
 constexpr mode_t readAndWrite = 0666;
 constexpr mode_t anyWrite = 0222;
+constexpr mode_t anyRead = 0444;
 
 mode_t tooWide(Sharing sharing) { return sharing == Sharing::Owner ? groups | everybodys : everybodys; }
 
@@ -117,7 +118,10 @@ Bar writeBar(const QString &path) {
     if (::statvfs(folder.constData(), &disk) == 0 && (disk.f_flag & ST_RDONLY) != 0)
         return Bar::ReadOnlyDisk;
     struct stat status {};
-    if (::stat(name.constData(), &status) == 0 && (status.st_mode & anyWrite) == 0)
+    const bool isKnown = ::stat(name.constData(), &status) == 0;
+    if (isKnown && (status.st_mode & anyRead) == 0)
+        return Bar::Unreadable;
+    if (isKnown && (status.st_mode & anyWrite) == 0)
         return Bar::ReadOnlyFile;
     const bool isThere = ::access(name.constData(), F_OK) == 0;
     if ((isThere && ::access(name.constData(), W_OK) != 0) || ::access(folder.constData(), W_OK) != 0)

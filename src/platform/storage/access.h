@@ -34,8 +34,8 @@ void shareWithGroupOf(int file, const QString &folder);
 /// Gives a file that belongs to a store the rights and the group of the store, where it is the caller's own.
 void followAccess(const QString &file, const QString &store);
 
-/// Why a file can't be written.
-enum class Bar { None, ReadOnlyDisk, ReadOnlyFile, NoRight };
+/// Why a file can't be written. `Unreadable`: nobody may even read it.
+enum class Bar { None, ReadOnlyDisk, Unreadable, ReadOnlyFile, NoRight };
 Bar writeBar(const QString &path);
 
 /// The bytes that the caller may still write on the disk of a file; nothing where the machine can't tell.

@@ -210,6 +210,40 @@ TEST_F(DamageTest, AReadOnlyFileOrFolderDeniesTheWrite) {
     EXPECT_EQ(open()->count(open()->childFolders(open()->root().id).value(0).id), 1);
 }
 
+/// What a try on the read-only file has left beside it does not keep the file read-only.
+TEST_F(DamageTest, AFileThatGetsItsRightsBackIsWrittenAgain) {
+    constexpr uid_t nobody = 65534;
+    const QByteArray folder = QFile::encodeName(path(QString()));
+    ASSERT_EQ(::chmod(folder.constData(), 0777), 0);
+    const auto as = [&](const std::function<bool()> &step) {
+        Child owner([&](int) {
+            becomeNobody();
+            return step() ? 0 : 1;
+        });
+        return owner.wait() == 0;
+    };
+    const auto insert = [&] {
+        const auto store = open();
+        store->insert(store->root().id, withSubject("x"));
+    };
+    ASSERT_TRUE(as([&] { return failureOf(insert) == 0; }));
+    const QByteArray file = QFile::encodeName(path());
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(file.constData(), nobody, nobody), 0);
+    }
+    const std::pair<mode_t, const char *> cases[] = {{0400, "u+w"}, {0000, "may not be read"}};
+    for (const auto &[mode, advice] : cases) {
+        SCOPED_TRACE(advice);
+        ASSERT_EQ(::chmod(file.constData(), mode), 0);
+        EXPECT_TRUE(as([&] {
+            const auto failure = Attempt(insert);
+            return failure && failure->number() == failures::accessDenied && failure->description().contains(advice);
+        }));
+        ASSERT_EQ(::chmod(file.constData(), 0600), 0);
+        EXPECT_TRUE(as([&] { return failureOf(insert) == 0; }));
+    }
+}
+
 TEST_F(DamageTest, AStoreThatStaysLockedSaysSoAndIsWrittenWhenItIsFreeAgain) {
     const auto store = std::make_unique<Store>(path(), StoreOptions{.wait = std::chrono::milliseconds(30)});
     const FolderId root = store->root().id;

@@ -76,6 +76,10 @@ const char *refusedWrite(const QString &path) {
     case storage::Bar::NoRight:
         return "You have no right to write the database %1 or its folder. Ask its owner or the administrator for it. "
                "(%2)";
+    case storage::Bar::Unreadable:
+        return "The database %1 may not be read, and not written either. Give its owner both rights (chmod u+rw) and "
+               "try "
+               "again. (%2)";
     case storage::Bar::ReadOnlyFile:
     case storage::Bar::None:
         break;
