@@ -37,11 +37,15 @@ TEST_F(ProfileTest, RightsThatAreTooWideAreTakenAwayOnceAndSaid) {
     written("profile/outgoing/a.eml", "x");
     written("profile/registry.ini", "orvelle registry 1\nend 0\n");
     written("profile/notes.txt", "not the desk's");
-    const QStringList own{"mailbox.store", "desk.ini", "registry.ini", "outgoing/a.eml"};
+    written("profile/forms/Mail.form", "a form");
+    written("profile/mailboxes.txt.lock", "");
+    const QStringList own{"mailbox.store",  "desk.ini",        "registry.ini",
+                          "outgoing/a.eml", "forms/Mail.form", "mailboxes.txt.lock"};
     for (const QString &name : own)
         setMode(inProfile(name), 0664);
     setMode(inProfile("notes.txt"), 0644);
     setMode(inProfile("outgoing"), 0775);
+    setMode(inProfile("forms"), 0775);
     setMode(shared, 0666);
     setMode(profile(), 02775);
 
@@ -52,6 +56,7 @@ TEST_F(ProfileTest, RightsThatAreTooWideAreTakenAwayOnceAndSaid) {
     for (const QString &name : own)
         EXPECT_EQ(modeOf(inProfile(name)), 0600U) << name.toStdString();
     EXPECT_EQ(modeOf(inProfile("outgoing")), 0700U);
+    EXPECT_EQ(modeOf(inProfile("forms")), 0700U);
     EXPECT_EQ(modeOf(inProfile("notes.txt")), 0644U);
     EXPECT_EQ(modeOf(profile()), 02700U);
     EXPECT_EQ(modeOf(shared), 0660U) << "the group is the administrator's choice";

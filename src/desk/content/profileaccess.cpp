@@ -21,12 +21,12 @@ void narrowProfile(const QString &folder) {
     const QDir profile(folder);
     const QStringList own{QStringLiteral("mailbox.store*"), QStringLiteral("desk.ini*"),
                           QStringLiteral("registry.ini*"), QStringLiteral("*.log")};
-    for (const QString &name : profile.entryList(own, QDir::Files | QDir::NoSymLinks)) {
-        // Who writes the settings at this moment has an empty file beside them.
-        if (!name.endsWith(QStringLiteral(".lock")))
-            narrowing.narrow(profile.filePath(name), storage::Sharing::Owner);
-    }
-    for (const char *name : {"outgoing/.sending", "outgoing", "printouts"})
+    // Empty files of those who write at this moment, wide for a moment too: nobody needs a word about them.
+    storage::Narrowing locks;
+    const QString lockEnding = QStringLiteral(".lock");
+    for (const QString &name : profile.entryList(own + QStringList{u'*' + lockEnding}, QDir::Files | QDir::NoSymLinks))
+        (name.endsWith(lockEnding) ? locks : narrowing).narrow(profile.filePath(name), storage::Sharing::Owner);
+    for (const char *name : {"outgoing/.sending", "outgoing", "printouts", "forms"})
         narrowing.narrowFolder(profile.filePath(QString::fromLatin1(name)));
     narrowing.narrow(folder, storage::Sharing::Owner);
     say(narrowing);
