@@ -6,6 +6,7 @@
 
 #include <QFile>
 
+#include <csignal>
 #include <cstdio>
 
 namespace {
@@ -52,6 +53,8 @@ int complain(const QString &text, int status) {
 } // namespace
 
 int main(int argc, char **argv) {
+    // A limit on the size of files then fails the write, as a full disk does, and the program says so.
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const desk::CommandLine line = desk::parseCommandLine(argumentsOf(argc, argv));
         const std::unique_ptr<QCoreApplication> application = makeApplication(line, argc, argv);

@@ -89,6 +89,8 @@ int runProgram(const QString &command) {
 } // namespace
 
 int main(int argc, char **argv) {
+    // A limit on the size of files then fails the write, as a full disk does, and the program says so.
+    std::signal(SIGXFSZ, SIG_IGN);
     const std::unique_ptr<QCoreApplication> application = window::makeApplication(argc, argv);
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments == QStringList{"--help"}) {

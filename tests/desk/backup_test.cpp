@@ -124,7 +124,6 @@ TEST_F(BackupTest, AFullDiskLeavesTheOldOneAndNothingElse) {
     }
     QProcess full;
     full.setChildProcessModifier([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{1'000'000, 1'000'000};
         ::setrlimit(RLIMIT_FSIZE, &limit);
     });

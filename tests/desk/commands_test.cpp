@@ -5,7 +5,6 @@
 
 #include <QCryptographicHash>
 
-#include <csignal>
 #include <sys/resource.h>
 
 namespace {
@@ -164,7 +163,6 @@ TEST_F(CommandsTest, WhatIsMissingOrCantBeStoredIsNamedAndAFullDiskStops) {
     written("box", boxed("Good") + boxed("Good") + boxed("Good", 4'000'000) + boxed("Good"));
     QProcess full;
     full.setChildProcessModifier([] {
-        ::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{2'000'000, 2'000'000};
         ::setrlimit(RLIMIT_FSIZE, &limit);
     });
