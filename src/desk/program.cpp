@@ -2,9 +2,8 @@
 
 #include "desk/commands/commands.h"
 #include "platform/value/failure.h"
+#include "platform/value/pathbytes.h"
 #include "platform/window/application.h"
-
-#include <QFile>
 
 #include <csignal>
 #include <cstdio>
@@ -35,7 +34,7 @@ int run(const desk::CommandLine &line) {
 QStringList argumentsOf(int argc, char **argv) {
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
-        arguments.append(QFile::decodeName(argv[i]));
+        arguments.append(pathFromBytes(argv[i]));
     return arguments;
 }
 

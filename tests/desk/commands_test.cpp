@@ -129,6 +129,27 @@ TEST_F(CommandsTest, DeliveredMailIsListedAndShown) {
     EXPECT_TRUE(run({"folders", "--mail"}).out.contains("second"));
 }
 
+/// Names from before UTF-8.
+TEST_F(CommandsTest, FilesWhoseNamesAreNoTextAreDelivered) {
+    ASSERT_TRUE(QDir().mkpath(file("many")));
+    const QByteArray named = file("many").toUtf8() + "/Gr\374\337e.eml";
+    std::FILE *made = std::fopen(named.constData(), "wb");
+    ASSERT_NE(made, nullptr);
+    std::fputs("Subject: named\r\n\r\nx\r\n", made);
+    std::fclose(made);
+    EXPECT_EQ(run({"deliver", file("many")}).status, 0);
+    EXPECT_EQ(count(inboxPath), 1);
+    // The shell hands the bytes over as they are.
+    QProcess shell;
+    shell.start("/bin/sh",
+                {"-c", "exec \"$0\" --profile \"$1\" deliver \"$2\"/Gr*.eml", DESK_PROGRAM, profile(), file("many")});
+    ASSERT_TRUE(shell.waitForFinished());
+    EXPECT_EQ(shell.exitCode(), 0) << shell.readAllStandardError().toStdString();
+    EXPECT_EQ(count(inboxPath), 2);
+    // The temporary folder can't remove what it can't name.
+    EXPECT_EQ(std::remove(named.constData()), 0);
+}
+
 TEST_F(CommandsTest, ADeletedItemGoesToTheDeletedItemsAndFromThereForEver) {
     const QString file = written("mail.eml", "From: cal@example.org\r\nSubject: Away\r\n\r\nText\r\n");
     ASSERT_EQ(run({"deliver", file}).status, 0);

@@ -18,7 +18,9 @@ using namespace std::chrono_literals;
 constexpr auto patience = 10s;
 constexpr qint64 longestList = qint64{1024} * 1024;
 
-bool isPath(const QString &line) { return line.startsWith(u'/') && !line.contains(QChar::ReplacementCharacter); }
+bool isPath(const QString &line) {
+    return line.startsWith(u'/') && !line.contains(QChar::ReplacementCharacter) && line.isValidUtf16();
+}
 
 } // namespace
 

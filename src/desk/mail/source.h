@@ -23,7 +23,8 @@ struct SourceMessage {
 ///
 /// What stands at the path is found out by looking: a folder with "cur" and "new" is a Maildir (the flags in its names
 /// mean nothing here), any other folder is one of .eml files, taken with those of the folders below it in the order of
-/// their paths; a file that begins with "From " is an mbox, any other file one message.
+/// their paths; a file that begins with "From " is an mbox, any other file one message. Names may be any bytes: paths
+/// are texts as `pathbytes.h` makes them. A folder below that can't be read is an error in its place.
 class MessageSource {
   public:
     /// A longer message is reported as an error and passed over.

@@ -1,12 +1,17 @@
 // Messages in files, folders, mailboxes and Maildirs.
 #include "desk/mail/source.h"
+#include "platform/value/pathbytes.h"
 #include "print.h"
+#include "support/child.h"
 #include "support/files.h"
 #include "support/steps.h"
 
 #include <QBuffer>
 #include <QDir>
 #include <QTemporaryDir>
+
+#include <filesystem>
+#include <fstream>
 
 #include <sys/stat.h>
 
@@ -103,6 +108,63 @@ TEST_F(Sources, WhatIsNoFileIsRefusedAndPassedOverInAFolder) {
         EXPECT_TRUE(messages[1].error.contains(u"pipe"));
         EXPECT_EQ(messages[2].bytes, "last");
     }
+}
+
+/// Names from before UTF-8, as old mail folders have them.
+TEST_F(Sources, FilesWhoseNamesAreNoText) {
+    QDir(path()).mkpath("maildir/cur");
+    QDir(path()).mkpath("maildir/new");
+    const auto writeRaw = [&](const QByteArray &name, const QByteArray &bytes) {
+        const QByteArray file = path().toUtf8() + '/' + name;
+        std::ofstream(file.constData(), std::ios::binary) << bytes.toStdString();
+        return pathFromBytes(file);
+    };
+    const QByteArray folder = path().toUtf8() + "/folder\xe9";
+    ASSERT_EQ(::mkdir(folder.constData(), 0700), 0);
+    const QString one = writeRaw("folder\xe9/Gr\374\337e.eml", "one");
+    writeRaw("folder\xe9/\xf0\x9f\x98\x80\xff.EML", "two");
+    writeRaw("maildir/cur/\xc3:2,S", "three");
+    writeRaw("box\x80", postmark + "Subject: four\n\n4\n");
+    EXPECT_EQ(bytesOfPath(one), folder + "/Gr\374\337e.eml");
+    EXPECT_EQ(bytesOf(one), QList<QByteArray>{"one"});
+    EXPECT_EQ(bytesOf(path()), (QList<QByteArray>{"one", "two"}));
+    EXPECT_EQ(bytesOf(pathFromBytes(folder)), (QList<QByteArray>{"one", "two"}));
+    EXPECT_EQ(bytesOf(path("maildir")), QList<QByteArray>{"three"});
+    const QList<SourceMessage> boxed = readAll(pathFromBytes(path().toUtf8() + "/box\x80"));
+    ASSERT_EQ(boxed.size(), 1);
+    EXPECT_EQ(boxed[0].bytes, "Subject: four\n\n4\n");
+    // The temporary folder can't remove what it can't name.
+    std::filesystem::remove_all(path().toStdString());
+}
+
+TEST_F(Sources, AFolderThatMayNotBeReadIsNamedAmongTheOthers) {
+    write("a.eml", "first");
+    write("b/x.eml", "out of reach");
+    write("c.eml", "last");
+    ASSERT_EQ(::chmod(path().toUtf8().constData(), 0755), 0);
+    ASSERT_EQ(::chmod(path("b").toUtf8().constData(), 0), 0);
+    Child reader([&](int) {
+        constexpr uid_t nobody = 65534;
+        if (::geteuid() == 0 && ::setuid(nobody) != 0)
+            return 2;
+        const QList<SourceMessage> messages = readAll(path());
+        return messages.size() == 3 && messages[0].bytes == "first" && messages[1].name == path("b") &&
+                       messages[1].error.contains(u"can't be read") && messages[2].bytes == "last"
+                   ? 0
+                   : 1;
+    });
+    EXPECT_EQ(reader.wait(), 0);
+    ASSERT_EQ(::chmod(path("b").toUtf8().constData(), 0700), 0);
+}
+
+TEST(PathBytes, AnyBytesComeBack) {
+    for (const QByteArray &bytes : {QByteArray("plain"),
+                                    QByteArray("Gr\xc3\xbc\xc3\x9f"
+                                               "e \xf0\x9f\x98\x80"),
+                                    QByteArray("Gr\374\337e"), QByteArray("\xc3"), QByteArray("\xed\xb2\x80"),
+                                    QByteArray("\xf0\x9f\x98"), QByteArray("\xc0\x80\xff")})
+        EXPECT_EQ(bytesOfPath(pathFromBytes(bytes)), bytes) << bytes.toHex().toStdString();
+    EXPECT_EQ(pathFromBytes("Gr\xc3\xbc"), QStringLiteral("Grü"));
 }
 
 struct MboxCase {
