@@ -57,11 +57,10 @@ void refuseHalfRestored(const QString &mark) {
                           .arg(mark));
 }
 
-/// What is in a profile only once its mailbox is.
+/// What is in a profile only once its mailbox is. Folders are none of it: an administrator may have made them.
 bool hasTracesOfMailbox(const QDir &profile) {
     const QStringList traces{QStringLiteral("public.store"), QStringLiteral("mailbox.store-transfers"),
-                             QStringLiteral("mailboxes.txt"), QStringLiteral("outgoing"),
-                             QStringLiteral("desk.socket")};
+                             QStringLiteral("mailboxes.txt"), QStringLiteral("desk.socket")};
     return std::any_of(traces.begin(), traces.end(), [&](const QString &name) { return profile.exists(name); });
 }
 
