@@ -36,7 +36,7 @@ std::unique_ptr<Store> openMailbox(const Profile &profile) {
 
 std::unique_ptr<Store> openPublicStore(const Profile &profile, Store &mailbox) {
     profile.refuseLostPublicStore(!mailbox.childFolders(mailbox.root().id).isEmpty());
-    const QString file = profile.publicFile();
+    const QString &file = profile.publicFile();
     StoreOptions options;
     options.rootName = QStringLiteral("Public Folders");
     options.sharing = storage::Sharing::Group;
