@@ -106,7 +106,9 @@ void subMonitorMailFolders() try {
         subTrace("Iterating through the monitored email folder - " + strPath);
         const host::MAPIFolder ouf = fncGetFolderFromPath(strPath);
         if (ouf.isNothing()) {
-            missing.append(strPath);
+            // A new helpdesk has a blank entry and no folder yet.
+            if (!strPath.trimmed().isEmpty())
+                missing.append(strPath);
             continue;
         }
         subScan(ouf);
